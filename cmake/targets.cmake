@@ -1,0 +1,35 @@
+# The instruction sets that kernels are built for, best first, and the flags of each.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|ARM64)$")
+    set(zivcolor_all_targets neon)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$" AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(zivcolor_all_targets avx512 avx2 sse4 portable)
+else()
+    set(zivcolor_all_targets portable)
+endif()
+set(ZIVCOLOR_TARGETS "${zivcolor_all_targets}" CACHE STRING "Instruction sets to build kernels for, best first")
+
+set(zivcolor_flags_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512vbmi)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    # The compiler's own header of the permutations starts from a vector that it leaves undefined on purpose.
+    list(APPEND zivcolor_flags_avx512 -Wno-maybe-uninitialized)
+endif()
+set(zivcolor_flags_avx2 -mavx2)
+set(zivcolor_flags_sse4 -msse4.2)
+set(zivcolor_flags_neon)
+set(zivcolor_flags_portable)
+
+foreach(target IN LISTS ZIVCOLOR_TARGETS)
+    if(NOT DEFINED zivcolor_flags_${target} AND NOT target MATCHES "^(neon|portable)$")
+        message(FATAL_ERROR "ZIVCOLOR_TARGETS: unknown target '${target}'")
+    endif()
+    if(NOT target IN_LIST zivcolor_all_targets AND NOT target STREQUAL portable)
+        message(FATAL_ERROR "ZIVCOLOR_TARGETS: '${target}' is not a target of ${CMAKE_SYSTEM_PROCESSOR}")
+    endif()
+endforeach()
+
+# What all of our own code is built with.
+function(zivcolor_own_code name)
+    target_compile_features(${name} PRIVATE cxx_std_20)
+    set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+    target_compile_options(${name} PRIVATE -Wall -Wextra -Wconversion -ffp-contract=off $<$<BOOL:${ZIVCOLOR_WERROR}>:-Werror>)
+endfunction()

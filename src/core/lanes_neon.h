@@ -1,0 +1,124 @@
+// The lane vocabulary on Advanced SIMD.
+#pragma once
+
+#include <arm_neon.h>
+
+#include "core/lanes_portable.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+template <>
+ZIV_INLINE U16<16> load_widened<16>(const uint8_t* p) {
+    return (U16<16>)vmovl_u8(vld1_u8(p));
+}
+template <>
+ZIV_INLINE void store_low_bytes<16>(uint8_t* p, U16<16> v) {
+    vst1_u8(p, vmovn_u16((uint16x8_t)v));
+}
+
+template <>
+ZIV_INLINE Channels<16, 2> load2<16>(const uint8_t* p) {
+    const uint8x16x2_t v = vld2q_u8(p);
+    return {{(U8<16>)v.val[0], (U8<16>)v.val[1]}};
+}
+template <>
+ZIV_INLINE Channels<16, 3> load3<16>(const uint8_t* p) {
+    const uint8x16x3_t v = vld3q_u8(p);
+    return {{(U8<16>)v.val[0], (U8<16>)v.val[1], (U8<16>)v.val[2]}};
+}
+template <>
+ZIV_INLINE Channels<16, 4> load4<16>(const uint8_t* p) {
+    const uint8x16x4_t v = vld4q_u8(p);
+    return {{(U8<16>)v.val[0], (U8<16>)v.val[1], (U8<16>)v.val[2], (U8<16>)v.val[3]}};
+}
+template <>
+ZIV_INLINE void store2<16>(uint8_t* p, U8<16> a, U8<16> b) {
+    vst2q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b}});
+}
+template <>
+ZIV_INLINE void store3<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c) {
+    vst3q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}});
+}
+template <>
+ZIV_INLINE void store4<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c, U8<16> d) {
+    vst4q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}});
+}
+
+ZIV_INLINE U8<16> add_saturating(U8<16> a, U8<16> b) { return (U8<16>)vqaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
+ZIV_INLINE U8<16> subtract_saturating(U8<16> a, U8<16> b) { return (U8<16>)vqsubq_u8((uint8x16_t)a, (uint8x16_t)b); }
+ZIV_INLINE U8<16> average_up(U8<16> a, U8<16> b) { return (U8<16>)vrhaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
+
+template <>
+ZIV_INLINE U8<16> merge_bytes<16>(U16<16> even, U16<16> odd) {
+    return (U8<16>)vtrn1q_u8((uint8x16_t)even, (uint8x16_t)odd);
+}
+template <>
+ZIV_INLINE U8<16> double_bytes<16>(U16<16> v) {
+    return (U8<16>)vtrn1q_u8((uint8x16_t)v, (uint8x16_t)v);
+}
+template <>
+ZIV_INLINE U8<16> even_lanes<16>(U8<16> a, U8<16> b) {
+    return (U8<16>)vuzp1q_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+template <>
+ZIV_INLINE U8<16> odd_lanes<16>(U8<16> a, U8<16> b) {
+    return (U8<16>)vuzp2q_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+template <>
+ZIV_INLINE U8<16> interleave_low<16>(U8<16> a, U8<16> b) {
+    return (U8<16>)vzip1q_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+template <>
+ZIV_INLINE U8<16> interleave_high<16>(U8<16> a, U8<16> b) {
+    return (U8<16>)vzip2q_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+
+template <>
+ZIV_INLINE U8<16> narrow_saturating<16>(S16<16> lo, S16<16> hi) {
+    return (U8<16>)vqmovun_high_s16(vqmovun_s16((int16x8_t)lo), (int16x8_t)hi);
+}
+template <>
+ZIV_INLINE Wide<16> widen<16>(U8<16> v) {
+    return {(U16<16>)vmovl_u8(vget_low_u8((uint8x16_t)v)), (U16<16>)vmovl_high_u8((uint8x16_t)v)};
+}
+
+template <>
+ZIV_INLINE S16<16> multiply_round_high<16>(S16<16> a, S16<16> b) {
+    return (S16<16>)vqrdmulhq_s16((int16x8_t)a, (int16x8_t)b);
+}
+template <>
+ZIV_INLINE S16<16> multiply_high<16>(S16<16> a, S16<16> b) {
+    return (S16<16>)vshrq_n_s16(vqdmulhq_s16((int16x8_t)a, (int16x8_t)b), 1);
+}
+template <>
+ZIV_INLINE S16<16> weigh_pair_q15<16>(S16<16> a, S16<16> b, int weight_a, int weight_b) {
+    const int16_t wa = static_cast<int16_t>(weight_a), wb = static_cast<int16_t>(weight_b);
+    const int16x8_t a8 = (int16x8_t)a, b8 = (int16x8_t)b;
+    const int32x4_t lo = vmlal_n_s16(vmull_n_s16(vget_low_s16(a8), wa), vget_low_s16(b8), wb);
+    const int32x4_t hi = vmlal_high_n_s16(vmull_high_n_s16(a8, wa), b8, wb);
+    return (S16<16>)vrshrn_high_n_s32(vrshrn_n_s32(lo, 15), hi, 15);
+}
+
+// A term as two signed bytes that sum to it, d >> 1 and (d + 1) >> 1: two additions that saturate like one, as both go the same
+// way.
+template <>
+struct PixelTerms3<16> {
+    int8x16_t floor_half[3], ceil_half[3];
+};
+template <>
+ZIV_INLINE PixelTerms3<16> pixel_terms<16>(S16<16> d0, S16<16> d1, S16<16> d2) {
+    const S16<16> d[3] = {d0, d1, d2};
+    PixelTerms3<16> r;
+    for (int k = 0; k < 3; k++) {
+        const int8x16_t lower = (int8x16_t)vshrq_n_s16((int16x8_t)d[k], 1), upper = (int8x16_t)vrshrq_n_s16((int16x8_t)d[k], 1);
+        r.floor_half[k] = vtrn1q_s8(lower, lower);
+        r.ceil_half[k] = vtrn1q_s8(upper, upper);
+    }
+    return r;
+}
+template <>
+ZIV_INLINE U8<16> apply_term<16>(U8<16> luma, const PixelTerms3<16>& terms, int k) {
+    return (U8<16>)vsqaddq_u8(vsqaddq_u8((uint8x16_t)luma, terms.floor_half[k]), terms.ceil_half[k]);
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET

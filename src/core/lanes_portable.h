@@ -1,0 +1,273 @@
+// Every term of the lane vocabulary in plain lane arithmetic: its definition, and the code of targets that have nothing better.
+#pragma once
+
+#include "core/lanes.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+// ---- Memory. An access covers exactly the bytes of its lanes and needs no alignment. ----
+
+template <int N>
+ZIV_INLINE U8<N> load(const uint8_t* p) {
+    U8<N> v;
+    __builtin_memcpy(&v, p, N);
+    return v;
+}
+
+template <class V>
+ZIV_INLINE void store(uint8_t* p, V v) {
+    __builtin_memcpy(p, &v, sizeof v);
+}
+
+// N / 2 bytes, zero-widened to 16-bit lanes.
+template <int N>
+ZIV_INLINE U16<N> load_widened(const uint8_t* p) {
+    uint8_t bytes[N / 2];
+    __builtin_memcpy(bytes, p, N / 2);
+    U16<N> v;
+    for (int i = 0; i < N / 2; i++) v[i] = bytes[i];
+    return v;
+}
+
+// The low byte of every 16-bit lane: N / 2 bytes.
+template <int N>
+ZIV_INLINE void store_low_bytes(uint8_t* p, U16<N> v) {
+    uint8_t bytes[N / 2];
+    for (int i = 0; i < N / 2; i++) bytes[i] = static_cast<uint8_t>(v[i]);
+    __builtin_memcpy(p, bytes, N / 2);
+}
+
+// De-interleaving load: channel k, lane i takes the byte at offset c times i plus k.
+template <int N, int c>
+ZIV_INLINE Channels<N, c> load_channels_portable(const uint8_t* p) {
+    Channels<N, c> v;
+    for (int k = 0; k < c; k++)
+        for (int i = 0; i < N; i++) v.c[k][i] = p[c * i + k];
+    return v;
+}
+template <int N>
+ZIV_INLINE Channels<N, 2> load2(const uint8_t* p) {
+    return load_channels_portable<N, 2>(p);
+}
+template <int N>
+ZIV_INLINE Channels<N, 3> load3(const uint8_t* p) {
+    return load_channels_portable<N, 3>(p);
+}
+template <int N>
+ZIV_INLINE Channels<N, 4> load4(const uint8_t* p) {
+    return load_channels_portable<N, 4>(p);
+}
+
+// Interleaving store: the inverse.
+template <int N, int c>
+ZIV_INLINE void store_channels_portable(uint8_t* p, const Channels<N, c>& v) {
+    uint8_t bytes[N * c];
+    for (int k = 0; k < c; k++)
+        for (int i = 0; i < N; i++) bytes[c * i + k] = v.c[k][i];
+    __builtin_memcpy(p, bytes, N * c);
+}
+template <int N>
+ZIV_INLINE void store2(uint8_t* p, U8<N> a, U8<N> b) {
+    store_channels_portable<N, 2>(p, {{a, b}});
+}
+template <int N>
+ZIV_INLINE void store3(uint8_t* p, U8<N> a, U8<N> b, U8<N> c) {
+    store_channels_portable<N, 3>(p, {{a, b, c}});
+}
+template <int N>
+ZIV_INLINE void store4(uint8_t* p, U8<N> a, U8<N> b, U8<N> c, U8<N> d) {
+    store_channels_portable<N, 4>(p, {{a, b, c, d}});
+}
+
+// ---- Bytes ----
+
+// min(a + b, 255), max(a - b, 0), (a + b + 1) >> 1
+template <class V>
+ZIV_INLINE V add_saturating(V a, V b) {
+    const V sum = a + b;
+    return sum | (V)(sum < a);
+}
+template <class V>
+ZIV_INLINE V subtract_saturating(V a, V b) {
+    return (a - b) & (V)(a > b);
+}
+template <class V>
+ZIV_INLINE V average_up(V a, V b) {
+    return (a | b) - ((a ^ b) >> 1);
+}
+
+template <class V>
+ZIV_INLINE V lane_min(V a, V b) {
+    return a < b ? a : b;
+}
+template <class V>
+ZIV_INLINE V lane_max(V a, V b) {
+    return a > b ? a : b;
+}
+
+// A constant table of byte numbers for a rearrangement: byte n is index(n). index is a lambda that captures nothing.
+template <int N>
+struct ByteTable {
+    alignas(N) uint8_t bytes[N];
+};
+template <int N, class Index>
+ZIV_INLINE const uint8_t* byte_table(Index) {
+    static constexpr ByteTable<N> table = [] {
+        ByteTable<N> t{};
+        for (int n = 0; n < N; n++) t.bytes[n] = static_cast<uint8_t>(Index{}(n));
+        return t;
+    }();
+    return table.bytes;
+}
+
+// ---- Rearrangements ----
+
+// The bytes 0, 2, 4, ... or 1, 3, 5, ... of v, zero-widened to 16-bit lanes.
+template <int N>
+ZIV_INLINE U16<N> even_bytes(U8<N> v) {
+    return (U16<N>)v & 0xFF;
+}
+template <int N>
+ZIV_INLINE U16<N> odd_bytes(U8<N> v) {
+    return (U16<N>)v >> 8;
+}
+
+// Byte 2 i from the low byte of lane i of `even`, byte 2 i + 1 from that of `odd`. Lanes of `even` are at most 255.
+template <int N>
+ZIV_INLINE U8<N> merge_bytes(U16<N> even, U16<N> odd) {
+    return (U8<N>)(even | (odd << 8));
+}
+
+// The low byte of lane i in the bytes 2 i and 2 i + 1. Lanes are at most 255.
+template <int N>
+ZIV_INLINE U8<N> double_bytes(U16<N> v) {
+    return merge_bytes<N>(v, v);
+}
+
+// From the concatenation of a and b the bytes 0, 2, 4, ... or 1, 3, 5, ...
+template <int N>
+ZIV_INLINE U8<N> even_lanes(U8<N> a, U8<N> b) {
+    U8<N> r;
+    for (int i = 0; i < N / 2; i++) r[i] = a[2 * i], r[i + N / 2] = b[2 * i];
+    return r;
+}
+template <int N>
+ZIV_INLINE U8<N> odd_lanes(U8<N> a, U8<N> b) {
+    U8<N> r;
+    for (int i = 0; i < N / 2; i++) r[i] = a[2 * i + 1], r[i + N / 2] = b[2 * i + 1];
+    return r;
+}
+
+// a0 b0 a1 b1 ... from the lower halves, or from the upper halves.
+template <int N>
+ZIV_INLINE U8<N> interleave_low(U8<N> a, U8<N> b) {
+    U8<N> r;
+    for (int i = 0; i < N / 2; i++) r[2 * i] = a[i], r[2 * i + 1] = b[i];
+    return r;
+}
+template <int N>
+ZIV_INLINE U8<N> interleave_high(U8<N> a, U8<N> b) {
+    U8<N> r;
+    for (int i = 0; i < N / 2; i++) r[2 * i] = a[i + N / 2], r[2 * i + 1] = b[i + N / 2];
+    return r;
+}
+
+// ---- 16-bit lanes ----
+
+// clamp(x, 0, 255) of lo, then of hi.
+template <int N>
+ZIV_INLINE U8<N> narrow_saturating(S16<N> lo, S16<N> hi) {
+    U8<N> r;
+    for (int i = 0; i < N / 2; i++) {
+        r[i] = static_cast<uint8_t>(lo[i] < 0 ? 0 : lo[i] > 255 ? 255 : lo[i]);
+        r[i + N / 2] = static_cast<uint8_t>(hi[i] < 0 ? 0 : hi[i] > 255 ? 255 : hi[i]);
+    }
+    return r;
+}
+
+// N bytes as 16-bit lanes in two vectors, in an order that is the target's own: arithmetic lane by lane does not see it, and
+// narrow() puts the bytes back in their order, saturated to 0 to 255.
+template <int N>
+struct Wide {
+    U16<N> lo, hi;
+};
+template <int N>
+ZIV_INLINE Wide<N> widen(U8<N> v) {
+    Wide<N> r;
+    for (int i = 0; i < N / 2; i++) r.lo[i] = v[i], r.hi[i] = v[i + N / 2];
+    return r;
+}
+template <int N>
+ZIV_INLINE U8<N> narrow(Wide<N> v) {
+    return narrow_saturating<N>((S16<N>)v.lo, (S16<N>)v.hi);
+}
+
+// (a * b + 2^14) >> 15, the rounding high multiply; not both -32768.
+template <int N>
+ZIV_INLINE S16<N> multiply_round_high(S16<N> a, S16<N> b) {
+    S16<N> r;
+    for (int i = 0; i < N / 2; i++) r[i] = static_cast<int16_t>((a[i] * b[i] + 0x4000) >> 15);
+    return r;
+}
+
+// (a * b) >> 16
+template <int N>
+ZIV_INLINE S16<N> multiply_high(S16<N> a, S16<N> b) {
+    S16<N> r;
+    for (int i = 0; i < N / 2; i++) r[i] = static_cast<int16_t>((a[i] * b[i]) >> 16);
+    return r;
+}
+
+// (a * weight_a + b * weight_b + 2^14) >> 15, which must fit 16 bits; the sum must fit 32.
+template <int N>
+ZIV_INLINE S16<N> weigh_pair_q15(S16<N> a, S16<N> b, int weight_a, int weight_b) {
+    S16<N> r;
+    for (int i = 0; i < N / 2; i++) r[i] = static_cast<int16_t>((a[i] * weight_a + b[i] * weight_b + 0x4000) >> 15);
+    return r;
+}
+
+// ---- Luma plus a term of its chroma pair: clamp(Y + d, 0, 255) for N pixels and N / 2 pairs, |d| <= 254. ----
+
+// The terms of three channels, made once for the pixels of one or two rows.
+template <int N>
+struct PixelTerms3 {
+    U8<N> up[3], down[3];
+};
+template <int N>
+ZIV_INLINE PixelTerms3<N> pixel_terms(S16<N> d0, S16<N> d1, S16<N> d2) {
+    const S16<N> d[3] = {d0, d1, d2};
+    PixelTerms3<N> terms;
+    for (int k = 0; k < 3; k++) {
+        terms.up[k] = double_bytes<N>((U16<N>)(d[k] > 0 ? d[k] : 0));
+        terms.down[k] = double_bytes<N>((U16<N>)(d[k] < 0 ? -d[k] : 0));
+    }
+    return terms;
+}
+template <int N>
+ZIV_INLINE U8<N> apply_term(U8<N> luma, const PixelTerms3<N>& terms, int k) {
+    return subtract_saturating(add_saturating(luma, terms.up[k]), terms.down[k]);
+}
+
+// Writes N pixels of three interleaved channels.
+template <int N>
+ZIV_INLINE void store_pixels(uint8_t* p, U8<N> luma, const PixelTerms3<N>& terms) {
+    store3<N>(p, apply_term<N>(luma, terms, 0), apply_term<N>(luma, terms, 1), apply_term<N>(luma, terms, 2));
+}
+
+// The same with a constant fourth channel.
+template <int N>
+struct PixelTerms4 {
+    PixelTerms3<N> colour;
+    U8<N> alpha;
+};
+template <int N>
+ZIV_INLINE PixelTerms4<N> pixel_terms(S16<N> d0, S16<N> d1, S16<N> d2, uint8_t alpha) {
+    return {pixel_terms<N>(d0, d1, d2), U8<N>{} + alpha};
+}
+template <int N>
+ZIV_INLINE void store_pixels(uint8_t* p, U8<N> luma, const PixelTerms4<N>& terms) {
+    store4<N>(p, apply_term<N>(luma, terms.colour, 0), apply_term<N>(luma, terms.colour, 1),
+              apply_term<N>(luma, terms.colour, 2), terms.alpha);
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -1,0 +1,214 @@
+// The lane vocabulary on 32-byte vectors of x86-64 with AVX2. Most byte shuffles stay within a vector's two 16-byte halves: the
+// forms below work on the halves side by side, each as its 16-byte sibling does, and load or store the halves where they
+// belong.
+#pragma once
+
+#include "core/lanes_x86_16.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+ZIV_INLINE __m256i load256(const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+ZIV_INLINE void store256(uint8_t* p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+ZIV_INLINE __m256i load_halves(const uint8_t* low, const uint8_t* high) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(load128(low)), load128(high), 1);
+}
+ZIV_INLINE void store_halves(uint8_t* low, uint8_t* high, __m256i v) {
+    store128(low, _mm256_castsi256_si128(v));
+    store128(high, _mm256_extracti128_si256(v, 1));
+}
+ZIV_INLINE __m256i both_halves(__m128i v) { return _mm256_broadcastsi128_si256(v); }
+
+template <>
+ZIV_INLINE U16<32> load_widened<32>(const uint8_t* p) {
+    return (U16<32>)_mm256_cvtepu8_epi16(load128(p));
+}
+template <>
+ZIV_INLINE void store_low_bytes<32>(uint8_t* p, U16<32> v) {
+    const __m256i low = _mm256_and_si256((__m256i)v, _mm256_set1_epi16(0xFF));
+    const __m256i packed = _mm256_packus_epi16(low, low);
+    store128(p, _mm256_castsi256_si128(_mm256_permute4x64_epi64(packed, 0x08)));
+}
+
+ZIV_INLINE U8<32> add_saturating(U8<32> a, U8<32> b) { return (U8<32>)_mm256_adds_epu8((__m256i)a, (__m256i)b); }
+ZIV_INLINE U8<32> subtract_saturating(U8<32> a, U8<32> b) { return (U8<32>)_mm256_subs_epu8((__m256i)a, (__m256i)b); }
+ZIV_INLINE U8<32> average_up(U8<32> a, U8<32> b) { return (U8<32>)_mm256_avg_epu8((__m256i)a, (__m256i)b); }
+
+template <>
+ZIV_INLINE U8<32> double_bytes<32>(U16<32> v) {
+    return (U8<32>)_mm256_shuffle_epi8((__m256i)v,
+                                       both_halves(_mm_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14)));
+}
+template <>
+ZIV_INLINE U8<32> even_lanes<32>(U8<32> a, U8<32> b) {
+    const __m256i low = _mm256_set1_epi16(0xFF);
+    const __m256i packed = _mm256_packus_epi16(_mm256_and_si256((__m256i)a, low), _mm256_and_si256((__m256i)b, low));
+    return (U8<32>)_mm256_permute4x64_epi64(packed, 0xD8);
+}
+template <>
+ZIV_INLINE U8<32> odd_lanes<32>(U8<32> a, U8<32> b) {
+    const __m256i packed = _mm256_packus_epi16(_mm256_srli_epi16((__m256i)a, 8), _mm256_srli_epi16((__m256i)b, 8));
+    return (U8<32>)_mm256_permute4x64_epi64(packed, 0xD8);
+}
+template <>
+ZIV_INLINE U8<32> interleave_low<32>(U8<32> a, U8<32> b) {
+    const __m256i lo = _mm256_unpacklo_epi8((__m256i)a, (__m256i)b), hi = _mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
+    return (U8<32>)_mm256_permute2x128_si256(lo, hi, 0x20);
+}
+template <>
+ZIV_INLINE U8<32> interleave_high<32>(U8<32> a, U8<32> b) {
+    const __m256i lo = _mm256_unpacklo_epi8((__m256i)a, (__m256i)b), hi = _mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
+    return (U8<32>)_mm256_permute2x128_si256(lo, hi, 0x31);
+}
+
+template <>
+ZIV_INLINE U8<32> narrow_saturating<32>(S16<32> lo, S16<32> hi) {
+    return (U8<32>)_mm256_permute4x64_epi64(_mm256_packus_epi16((__m256i)lo, (__m256i)hi), 0xD8);
+}
+template <>
+ZIV_INLINE Wide<32> widen<32>(U8<32> v) {
+    const __m256i zero = _mm256_setzero_si256();
+    return {(U16<32>)_mm256_unpacklo_epi8((__m256i)v, zero), (U16<32>)_mm256_unpackhi_epi8((__m256i)v, zero)};
+}
+template <>
+ZIV_INLINE U8<32> narrow<32>(Wide<32> v) {
+    return (U8<32>)_mm256_packus_epi16((__m256i)v.lo, (__m256i)v.hi);
+}
+
+template <>
+ZIV_INLINE S16<32> multiply_round_high<32>(S16<32> a, S16<32> b) {
+    return (S16<32>)_mm256_mulhrs_epi16((__m256i)a, (__m256i)b);
+}
+template <>
+ZIV_INLINE S16<32> multiply_high<32>(S16<32> a, S16<32> b) {
+    return (S16<32>)_mm256_mulhi_epi16((__m256i)a, (__m256i)b);
+}
+template <>
+ZIV_INLINE S16<32> weigh_pair_q15<32>(S16<32> a, S16<32> b, int weight_a, int weight_b) {
+    const __m256i weights = _mm256_set1_epi32((weight_a & 0xFFFF) | static_cast<int>(static_cast<uint32_t>(weight_b) << 16));
+    const __m256i half = _mm256_set1_epi32(0x4000);
+    const __m256i lo = _mm256_madd_epi16(_mm256_unpacklo_epi16((__m256i)a, (__m256i)b), weights);
+    const __m256i hi = _mm256_madd_epi16(_mm256_unpackhi_epi16((__m256i)a, (__m256i)b), weights);
+    return (S16<32>)_mm256_packs_epi32(_mm256_srai_epi32(_mm256_add_epi32(lo, half), 15),
+                                       _mm256_srai_epi32(_mm256_add_epi32(hi, half), 15));
+}
+
+// ---- Interleaving loads and stores of c channels ----
+
+template <int channel>
+ZIV_INLINE U8<32> gather3(__m256i p0, __m256i p1, __m256i p2) {
+    return (U8<32>)_mm256_or_si256(_mm256_or_si256(_mm256_shuffle_epi8(p0, both_halves(gather_mask<3, 0, channel>())),
+                                                   _mm256_shuffle_epi8(p1, both_halves(gather_mask<3, 1, channel>()))),
+                                   _mm256_shuffle_epi8(p2, both_halves(gather_mask<3, 2, channel>())));
+}
+template <>
+ZIV_INLINE Channels<32, 2> load2<32>(const uint8_t* p) {
+    const U8<32> a = load<32>(p), b = load<32>(p + 32);
+    return {{even_lanes<32>(a, b), odd_lanes<32>(a, b)}};
+}
+template <>
+ZIV_INLINE Channels<32, 3> load3<32>(const uint8_t* p) {
+    const __m256i p0 = load_halves(p, p + 48), p1 = load_halves(p + 16, p + 64), p2 = load_halves(p + 32, p + 80);
+    return {{gather3<0>(p0, p1, p2), gather3<1>(p0, p1, p2), gather3<2>(p0, p1, p2)}};
+}
+template <>
+ZIV_INLINE Channels<32, 4> load4<32>(const uint8_t* p) {
+    const __m256i by_channel = both_halves(_mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+    const __m256i a = _mm256_shuffle_epi8(load_halves(p, p + 64), by_channel);
+    const __m256i b = _mm256_shuffle_epi8(load_halves(p + 16, p + 80), by_channel);
+    const __m256i c = _mm256_shuffle_epi8(load_halves(p + 32, p + 96), by_channel);
+    const __m256i d = _mm256_shuffle_epi8(load_halves(p + 48, p + 112), by_channel);
+    const __m256i ab01 = _mm256_unpacklo_epi32(a, b), ab23 = _mm256_unpackhi_epi32(a, b);
+    const __m256i cd01 = _mm256_unpacklo_epi32(c, d), cd23 = _mm256_unpackhi_epi32(c, d);
+    return {{(U8<32>)_mm256_unpacklo_epi64(ab01, cd01), (U8<32>)_mm256_unpackhi_epi64(ab01, cd01),
+             (U8<32>)_mm256_unpacklo_epi64(ab23, cd23), (U8<32>)_mm256_unpackhi_epi64(ab23, cd23)}};
+}
+
+template <>
+ZIV_INLINE void store2<32>(uint8_t* p, U8<32> a, U8<32> b) {
+    const __m256i lo = _mm256_unpacklo_epi8((__m256i)a, (__m256i)b), hi = _mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
+    store_halves(p, p + 32, lo);
+    store_halves(p + 16, p + 48, hi);
+}
+template <int k>
+ZIV_INLINE __m256i spread3(U8<32> a, U8<32> b, U8<32> c) {
+    return _mm256_or_si256(_mm256_or_si256(_mm256_shuffle_epi8((__m256i)a, both_halves(spread_mask<3, k, 0>())),
+                                           _mm256_shuffle_epi8((__m256i)b, both_halves(spread_mask<3, k, 1>()))),
+                           _mm256_shuffle_epi8((__m256i)c, both_halves(spread_mask<3, k, 2>())));
+}
+template <>
+ZIV_INLINE void store3<32>(uint8_t* p, U8<32> a, U8<32> b, U8<32> c) {
+    store_halves(p, p + 48, spread3<0>(a, b, c));
+    store_halves(p + 16, p + 64, spread3<1>(a, b, c));
+    store_halves(p + 32, p + 80, spread3<2>(a, b, c));
+}
+template <>
+ZIV_INLINE void store4<32>(uint8_t* p, U8<32> a, U8<32> b, U8<32> c, U8<32> d) {
+    const __m256i ab_lo = _mm256_unpacklo_epi8((__m256i)a, (__m256i)b), ab_hi = _mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
+    const __m256i cd_lo = _mm256_unpacklo_epi8((__m256i)c, (__m256i)d), cd_hi = _mm256_unpackhi_epi8((__m256i)c, (__m256i)d);
+    store_halves(p, p + 64, _mm256_unpacklo_epi16(ab_lo, cd_lo));
+    store_halves(p + 16, p + 80, _mm256_unpackhi_epi16(ab_lo, cd_lo));
+    store_halves(p + 32, p + 96, _mm256_unpacklo_epi16(ab_hi, cd_hi));
+    store_halves(p + 48, p + 112, _mm256_unpackhi_epi16(ab_hi, cd_hi));
+}
+
+// ---- Luma plus a term of its chroma pair: 16 pixels and their 8 pairs in each half ----
+
+template <>
+struct PixelTerms3<32> {
+    __m256i up[3], down[3];
+};
+template <int k, int at>
+ZIV_INLINE __m256i place_terms3(__m256i t01, __m256i t2) {
+    return _mm256_or_si256(_mm256_shuffle_epi8(t01, both_halves(pair_mask_01<k>())),
+                           _mm256_shuffle_epi8(t2, both_halves(pair_mask_2<k, at>())));
+}
+template <>
+ZIV_INLINE PixelTerms3<32> pixel_terms<32>(S16<32> d0, S16<32> d1, S16<32> d2) {
+    const SplitTerm<32> t0 = split_term<32>(d0), t1 = split_term<32>(d1), t2 = split_term<32>(d2);
+    const __m256i up01 = (__m256i)(t0.up | (t1.up << 8)), down01 = (__m256i)(t0.down | (t1.down << 8));
+    const __m256i t2_both = (__m256i)(t2.up | (t2.down << 8));
+    return {{place_terms3<0, 0>(up01, t2_both), place_terms3<1, 0>(up01, t2_both), place_terms3<2, 0>(up01, t2_both)},
+            {place_terms3<0, 1>(down01, t2_both), place_terms3<1, 1>(down01, t2_both), place_terms3<2, 1>(down01, t2_both)}};
+}
+template <>
+ZIV_INLINE void store_pixels<32>(uint8_t* p, U8<32> luma, const PixelTerms3<32>& t) {
+    const __m256i y = (__m256i)luma;
+    const __m256i y0 = _mm256_shuffle_epi8(y, both_halves(luma_mask3<0>()));
+    const __m256i y1 = _mm256_shuffle_epi8(y, both_halves(luma_mask3<1>()));
+    const __m256i y2 = _mm256_shuffle_epi8(y, both_halves(luma_mask3<2>()));
+    store_halves(p, p + 48, _mm256_subs_epu8(_mm256_adds_epu8(y0, t.up[0]), t.down[0]));
+    store_halves(p + 16, p + 64, _mm256_subs_epu8(_mm256_adds_epu8(y1, t.up[1]), t.down[1]));
+    store_halves(p + 32, p + 80, _mm256_subs_epu8(_mm256_adds_epu8(y2, t.up[2]), t.down[2]));
+}
+
+template <>
+struct PixelTerms4<32> {
+    __m256i up[4], down[4];
+};
+template <>
+ZIV_INLINE PixelTerms4<32> pixel_terms<32>(S16<32> d0, S16<32> d1, S16<32> d2, uint8_t alpha) {
+    const SplitTerm<32> t0 = split_term<32>(d0), t1 = split_term<32>(d1), t2 = split_term<32>(d2);
+    const __m256i up01 = (__m256i)(t0.up | (t1.up << 8)), down01 = (__m256i)(t0.down | (t1.down << 8));
+    const __m256i up23 = _mm256_or_si256((__m256i)t2.up, _mm256_set1_epi16(static_cast<int16_t>(0xFF00 - 0x10000)));
+    const __m256i down23 =
+        _mm256_or_si256((__m256i)t2.down, _mm256_slli_epi16(_mm256_set1_epi16(static_cast<int16_t>(255 - alpha)), 8));
+    const __m256i up_lo = _mm256_unpacklo_epi16(up01, up23), up_hi = _mm256_unpackhi_epi16(up01, up23);
+    const __m256i down_lo = _mm256_unpacklo_epi16(down01, down23), down_hi = _mm256_unpackhi_epi16(down01, down23);
+    return {{_mm256_unpacklo_epi32(up_lo, up_lo), _mm256_unpackhi_epi32(up_lo, up_lo), _mm256_unpacklo_epi32(up_hi, up_hi),
+             _mm256_unpackhi_epi32(up_hi, up_hi)},
+            {_mm256_unpacklo_epi32(down_lo, down_lo), _mm256_unpackhi_epi32(down_lo, down_lo),
+             _mm256_unpacklo_epi32(down_hi, down_hi), _mm256_unpackhi_epi32(down_hi, down_hi)}};
+}
+template <>
+ZIV_INLINE void store_pixels<32>(uint8_t* p, U8<32> luma, const PixelTerms4<32>& t) {
+    const __m256i y = (__m256i)luma;
+    const __m256i lo = _mm256_unpacklo_epi8(y, y), hi = _mm256_unpackhi_epi8(y, y);
+    const __m256i y0 = _mm256_unpacklo_epi16(lo, lo), y1 = _mm256_unpackhi_epi16(lo, lo);
+    const __m256i y2 = _mm256_unpacklo_epi16(hi, hi), y3 = _mm256_unpackhi_epi16(hi, hi);
+    store_halves(p, p + 64, _mm256_subs_epu8(_mm256_adds_epu8(y0, t.up[0]), t.down[0]));
+    store_halves(p + 16, p + 80, _mm256_subs_epu8(_mm256_adds_epu8(y1, t.up[1]), t.down[1]));
+    store_halves(p + 32, p + 96, _mm256_subs_epu8(_mm256_adds_epu8(y2, t.up[2]), t.down[2]));
+    store_halves(p + 48, p + 112, _mm256_subs_epu8(_mm256_adds_epu8(y3, t.up[3]), t.down[3]));
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET

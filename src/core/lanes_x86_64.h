@@ -1,0 +1,238 @@
+// The lane vocabulary on 64-byte vectors of x86-64 with AVX-512 F, BW, VL and VBMI: bytes move anywhere in one permutation.
+#pragma once
+
+#include "core/lanes_x86_32.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+ZIV_INLINE __m512i load512(const uint8_t* p) { return _mm512_loadu_si512(p); }
+ZIV_INLINE void store512(uint8_t* p, __m512i v) { _mm512_storeu_si512(p, v); }
+
+template <class Index>
+ZIV_INLINE __m512i bytes512(Index index) {
+    return _mm512_load_si512(byte_table<64>(index));
+}
+// A mask with bit n set where test(n) holds.
+template <class Test>
+ZIV_INLINE constexpr __mmask64 mask512(Test test) {
+    uint64_t mask = 0;
+    for (int n = 0; n < 64; n++) mask |= uint64_t{test(n)} << n;
+    return mask;
+}
+
+template <>
+ZIV_INLINE U16<64> load_widened<64>(const uint8_t* p) {
+    return (U16<64>)_mm512_cvtepu8_epi16(load256(p));
+}
+template <>
+ZIV_INLINE void store_low_bytes<64>(uint8_t* p, U16<64> v) {
+    store256(p, _mm512_cvtepi16_epi8((__m512i)v));
+}
+
+ZIV_INLINE U8<64> add_saturating(U8<64> a, U8<64> b) { return (U8<64>)_mm512_adds_epu8((__m512i)a, (__m512i)b); }
+ZIV_INLINE U8<64> subtract_saturating(U8<64> a, U8<64> b) { return (U8<64>)_mm512_subs_epu8((__m512i)a, (__m512i)b); }
+ZIV_INLINE U8<64> average_up(U8<64> a, U8<64> b) { return (U8<64>)_mm512_avg_epu8((__m512i)a, (__m512i)b); }
+
+template <>
+ZIV_INLINE U8<64> double_bytes<64>(U16<64> v) {
+    return (U8<64>)_mm512_shuffle_epi8(
+        (__m512i)v, _mm512_broadcast_i32x4(_mm_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14)));
+}
+template <>
+ZIV_INLINE U8<64> even_lanes<64>(U8<64> a, U8<64> b) {
+    const __m512i index = bytes512([](int n) { return 2 * n; });
+    return (U8<64>)_mm512_permutex2var_epi8((__m512i)a, index, (__m512i)b);
+}
+template <>
+ZIV_INLINE U8<64> odd_lanes<64>(U8<64> a, U8<64> b) {
+    const __m512i index = bytes512([](int n) { return 2 * n + 1; });
+    return (U8<64>)_mm512_permutex2var_epi8((__m512i)a, index, (__m512i)b);
+}
+template <>
+ZIV_INLINE U8<64> interleave_low<64>(U8<64> a, U8<64> b) {
+    const __m512i index = bytes512([](int n) { return n / 2 + (n % 2 ? 64 : 0); });
+    return (U8<64>)_mm512_permutex2var_epi8((__m512i)a, index, (__m512i)b);
+}
+template <>
+ZIV_INLINE U8<64> interleave_high<64>(U8<64> a, U8<64> b) {
+    const __m512i index = bytes512([](int n) { return 32 + n / 2 + (n % 2 ? 64 : 0); });
+    return (U8<64>)_mm512_permutex2var_epi8((__m512i)a, index, (__m512i)b);
+}
+
+template <>
+ZIV_INLINE U8<64> narrow_saturating<64>(S16<64> lo, S16<64> hi) {
+    const __m512i in_order = _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7);
+    return (U8<64>)_mm512_permutexvar_epi64(in_order, _mm512_packus_epi16((__m512i)lo, (__m512i)hi));
+}
+template <>
+ZIV_INLINE Wide<64> widen<64>(U8<64> v) {
+    const __m512i zero = _mm512_setzero_si512();
+    return {(U16<64>)_mm512_unpacklo_epi8((__m512i)v, zero), (U16<64>)_mm512_unpackhi_epi8((__m512i)v, zero)};
+}
+template <>
+ZIV_INLINE U8<64> narrow<64>(Wide<64> v) {
+    return (U8<64>)_mm512_packus_epi16((__m512i)v.lo, (__m512i)v.hi);
+}
+
+template <>
+ZIV_INLINE S16<64> multiply_round_high<64>(S16<64> a, S16<64> b) {
+    return (S16<64>)_mm512_mulhrs_epi16((__m512i)a, (__m512i)b);
+}
+template <>
+ZIV_INLINE S16<64> multiply_high<64>(S16<64> a, S16<64> b) {
+    return (S16<64>)_mm512_mulhi_epi16((__m512i)a, (__m512i)b);
+}
+template <>
+ZIV_INLINE S16<64> weigh_pair_q15<64>(S16<64> a, S16<64> b, int weight_a, int weight_b) {
+    const __m512i weights = _mm512_set1_epi32((weight_a & 0xFFFF) | static_cast<int>(static_cast<uint32_t>(weight_b) << 16));
+    const __m512i half = _mm512_set1_epi32(0x4000);
+    const __m512i lo = _mm512_madd_epi16(_mm512_unpacklo_epi16((__m512i)a, (__m512i)b), weights);
+    const __m512i hi = _mm512_madd_epi16(_mm512_unpackhi_epi16((__m512i)a, (__m512i)b), weights);
+    return (S16<64>)_mm512_packs_epi32(_mm512_srai_epi32(_mm512_add_epi32(lo, half), 15),
+                                       _mm512_srai_epi32(_mm512_add_epi32(hi, half), 15));
+}
+
+// ---- Interleaving loads and stores of c channels ----
+
+template <>
+ZIV_INLINE Channels<64, 2> load2<64>(const uint8_t* p) {
+    const U8<64> a = load<64>(p), b = load<64>(p + 64);
+    return {{even_lanes<64>(a, b), odd_lanes<64>(a, b)}};
+}
+
+// Channel `channel` of 3: the bytes 3 n + channel of the 192 bytes in p0, p1, p2.
+template <int channel>
+ZIV_INLINE U8<64> gather3(__m512i p0, __m512i p1, __m512i p2) {
+    const __m512i index = bytes512([](int n) { return (3 * n + channel) & 63; });
+    constexpr __mmask64 from1 = mask512([](int n) { return (3 * n + channel) / 64 == 1; });
+    constexpr __mmask64 from2 = mask512([](int n) { return (3 * n + channel) / 64 == 2; });
+    __m512i r = _mm512_permutexvar_epi8(index, p0);
+    r = _mm512_mask_permutexvar_epi8(r, from1, index, p1);
+    return (U8<64>)_mm512_mask_permutexvar_epi8(r, from2, index, p2);
+}
+template <>
+ZIV_INLINE Channels<64, 3> load3<64>(const uint8_t* p) {
+    const __m512i p0 = load512(p), p1 = load512(p + 64), p2 = load512(p + 128);
+    return {{gather3<0>(p0, p1, p2), gather3<1>(p0, p1, p2), gather3<2>(p0, p1, p2)}};
+}
+template <>
+ZIV_INLINE Channels<64, 4> load4<64>(const uint8_t* p) {
+    const __m512i by_channel = bytes512([](int n) { return n % 16 * 4 + n / 16; });
+    const __m512i a = _mm512_permutexvar_epi8(by_channel, load512(p)), b = _mm512_permutexvar_epi8(by_channel, load512(p + 64));
+    const __m512i c = _mm512_permutexvar_epi8(by_channel, load512(p + 128));
+    const __m512i d = _mm512_permutexvar_epi8(by_channel, load512(p + 192));
+    const __m512i ab02 = _mm512_shuffle_i64x2(a, b, 0x88), ab13 = _mm512_shuffle_i64x2(a, b, 0xDD);
+    const __m512i cd02 = _mm512_shuffle_i64x2(c, d, 0x88), cd13 = _mm512_shuffle_i64x2(c, d, 0xDD);
+    return {{(U8<64>)_mm512_shuffle_i64x2(ab02, cd02, 0x88), (U8<64>)_mm512_shuffle_i64x2(ab13, cd13, 0x88),
+             (U8<64>)_mm512_shuffle_i64x2(ab02, cd02, 0xDD), (U8<64>)_mm512_shuffle_i64x2(ab13, cd13, 0xDD)}};
+}
+
+template <>
+ZIV_INLINE void store2<64>(uint8_t* p, U8<64> a, U8<64> b) {
+    store(p, interleave_low<64>(a, b));
+    store(p + 64, interleave_high<64>(a, b));
+}
+// Register k of the interleaved channels: byte n is channel (64 k + n) mod 3 of pixel (64 k + n) / 3.
+template <int k>
+ZIV_INLINE __m512i spread3(U8<64> a, U8<64> b, U8<64> c) {
+    const __m512i pixel = bytes512([](int n) { return (64 * k + n) / 3; });
+    constexpr __mmask64 channel1 = mask512([](int n) { return (64 * k + n) % 3 == 1; });
+    constexpr __mmask64 channel2 = mask512([](int n) { return (64 * k + n) % 3 == 2; });
+    __m512i r = _mm512_permutexvar_epi8(pixel, (__m512i)a);
+    r = _mm512_mask_permutexvar_epi8(r, channel1, pixel, (__m512i)b);
+    return _mm512_mask_permutexvar_epi8(r, channel2, pixel, (__m512i)c);
+}
+template <>
+ZIV_INLINE void store3<64>(uint8_t* p, U8<64> a, U8<64> b, U8<64> c) {
+    store512(p, spread3<0>(a, b, c));
+    store512(p + 64, spread3<1>(a, b, c));
+    store512(p + 128, spread3<2>(a, b, c));
+}
+template <>
+ZIV_INLINE void store4<64>(uint8_t* p, U8<64> a, U8<64> b, U8<64> c, U8<64> d) {
+    const __m512i ab_lo = (__m512i)interleave_low<64>(a, b), ab_hi = (__m512i)interleave_high<64>(a, b);
+    const __m512i cd_lo = (__m512i)interleave_low<64>(c, d), cd_hi = (__m512i)interleave_high<64>(c, d);
+    const __m512i low = bytes512([](int n) { return n / 4 * 2 + n % 2 + (n % 4 / 2) * 64; });
+    const __m512i high = bytes512([](int n) { return 32 + n / 4 * 2 + n % 2 + (n % 4 / 2) * 64; });
+    store512(p, _mm512_permutex2var_epi8(ab_lo, low, cd_lo));
+    store512(p + 64, _mm512_permutex2var_epi8(ab_lo, high, cd_lo));
+    store512(p + 128, _mm512_permutex2var_epi8(ab_hi, low, cd_hi));
+    store512(p + 192, _mm512_permutex2var_epi8(ab_hi, high, cd_hi));
+}
+
+// ---- Luma plus a term of its chroma pair ----
+
+template <>
+struct PixelTerms3<64> {
+    __m512i up[3], down[3];
+};
+// Register k of the stored pixels: channels 0 and 1 from the bytes of t01, channel 2 from the byte `at` of the lanes of t2.
+template <int k, int at>
+ZIV_INLINE __m512i place_terms3(__m512i t01, __m512i t2) {
+    const __m512i index = bytes512([](int n) {
+        const int channel = (64 * k + n) % 3, pair = (64 * k + n) / 6;
+        return 2 * pair + (channel == 2 ? at : channel);
+    });
+    constexpr __mmask64 channel2 = mask512([](int n) { return (64 * k + n) % 3 == 2; });
+    return _mm512_mask_permutexvar_epi8(_mm512_permutexvar_epi8(index, t01), channel2, index, t2);
+}
+template <>
+ZIV_INLINE PixelTerms3<64> pixel_terms<64>(S16<64> d0, S16<64> d1, S16<64> d2) {
+    const SplitTerm<64> t0 = split_term<64>(d0), t1 = split_term<64>(d1), t2 = split_term<64>(d2);
+    const __m512i up01 = (__m512i)(t0.up | (t1.up << 8)), down01 = (__m512i)(t0.down | (t1.down << 8));
+    const __m512i t2_both = (__m512i)(t2.up | (t2.down << 8));
+    return {{place_terms3<0, 0>(up01, t2_both), place_terms3<1, 0>(up01, t2_both), place_terms3<2, 0>(up01, t2_both)},
+            {place_terms3<0, 1>(down01, t2_both), place_terms3<1, 1>(down01, t2_both), place_terms3<2, 1>(down01, t2_both)}};
+}
+template <int k>
+ZIV_INLINE void store_pixels_part(uint8_t* p, __m512i luma, const PixelTerms3<64>& t) {
+    const __m512i y = _mm512_permutexvar_epi8(bytes512([](int n) { return (64 * k + n) / 3; }), luma);
+    store512(p + 64 * k, _mm512_subs_epu8(_mm512_adds_epu8(y, t.up[k]), t.down[k]));
+}
+template <>
+ZIV_INLINE void store_pixels<64>(uint8_t* p, U8<64> luma, const PixelTerms3<64>& t) {
+    store_pixels_part<0>(p, (__m512i)luma, t);
+    store_pixels_part<1>(p, (__m512i)luma, t);
+    store_pixels_part<2>(p, (__m512i)luma, t);
+}
+
+template <>
+struct PixelTerms4<64> {
+    __m512i up[4], down[4];
+};
+// Register q of the stored pixels holds pairs 8 q to 8 q + 7, each twice: four in the low and four in the high interleaving.
+template <int q>
+ZIV_INLINE __m512i place_terms4(__m512i lo, __m512i hi) {
+    const __m512i index =
+        _mm512_setr_epi32(4 * q, 4 * q, 4 * q + 1, 4 * q + 1, 4 * q + 2, 4 * q + 2, 4 * q + 3, 4 * q + 3, 4 * q + 16,
+                          4 * q + 16, 4 * q + 17, 4 * q + 17, 4 * q + 18, 4 * q + 18, 4 * q + 19, 4 * q + 19);
+    return _mm512_permutex2var_epi32(lo, index, hi);
+}
+template <>
+ZIV_INLINE PixelTerms4<64> pixel_terms<64>(S16<64> d0, S16<64> d1, S16<64> d2, uint8_t alpha) {
+    const SplitTerm<64> t0 = split_term<64>(d0), t1 = split_term<64>(d1), t2 = split_term<64>(d2);
+    const __m512i up01 = (__m512i)(t0.up | (t1.up << 8)), down01 = (__m512i)(t0.down | (t1.down << 8));
+    const __m512i up23 = _mm512_or_si512((__m512i)t2.up, _mm512_set1_epi16(static_cast<int16_t>(0xFF00 - 0x10000)));
+    const __m512i down23 =
+        _mm512_or_si512((__m512i)t2.down, _mm512_slli_epi16(_mm512_set1_epi16(static_cast<int16_t>(255 - alpha)), 8));
+    const __m512i up_lo = _mm512_unpacklo_epi16(up01, up23), up_hi = _mm512_unpackhi_epi16(up01, up23);
+    const __m512i down_lo = _mm512_unpacklo_epi16(down01, down23), down_hi = _mm512_unpackhi_epi16(down01, down23);
+    return {{place_terms4<0>(up_lo, up_hi), place_terms4<1>(up_lo, up_hi), place_terms4<2>(up_lo, up_hi),
+             place_terms4<3>(up_lo, up_hi)},
+            {place_terms4<0>(down_lo, down_hi), place_terms4<1>(down_lo, down_hi), place_terms4<2>(down_lo, down_hi),
+             place_terms4<3>(down_lo, down_hi)}};
+}
+template <int q>
+ZIV_INLINE void store_pixels_part(uint8_t* p, __m512i luma, const PixelTerms4<64>& t) {
+    const __m512i y = _mm512_permutexvar_epi8(bytes512([](int n) { return 16 * q + n / 4; }), luma);
+    store512(p + 64 * q, _mm512_subs_epu8(_mm512_adds_epu8(y, t.up[q]), t.down[q]));
+}
+template <>
+ZIV_INLINE void store_pixels<64>(uint8_t* p, U8<64> luma, const PixelTerms4<64>& t) {
+    store_pixels_part<0>(p, (__m512i)luma, t);
+    store_pixels_part<1>(p, (__m512i)luma, t);
+    store_pixels_part<2>(p, (__m512i)luma, t);
+    store_pixels_part<3>(p, (__m512i)luma, t);
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET

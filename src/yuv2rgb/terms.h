@@ -1,0 +1,54 @@
+// From chroma pairs to the terms that luma takes up: d of R, G and B with R = clamp(Y + d_r) and so on. Every integer set is
+// luma plus a function of the pair alone, as the scaled luma is a whole multiple of the final shift. u and v are centred at 0.
+#pragma once
+
+#include "core/kernel.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+template <int N>
+struct ChromaTerms {
+    S16<N> r, g, b;
+};
+
+// Scale 2^15, rounded once: (45941 v + 2^14) >> 15, (-11277 u - 23401 v + 2^14) >> 15, (58065 u + 2^14) >> 15.
+// 45941 and 58065 pass 16 bits: 32768 is split off as a whole v or u.
+struct SetQ15 {
+    static int r(int, int v) { return (45941 * v + 16384) >> 15; }
+    static int g(int u, int v) { return (-11277 * u - 23401 * v + 16384) >> 15; }
+    static int b(int u, int) { return (58065 * u + 16384) >> 15; }
+    template <int N>
+    ZIV_INLINE static ChromaTerms<N> terms(S16<N> u, S16<N> v) {
+        const S16<N> r = v + multiply_round_high<N>(v, S16<N>{} + int16_t{45941 - 32768});
+        const S16<N> b = u + multiply_round_high<N>(u, S16<N>{} + int16_t{58065 - 32768});
+        return {r, weigh_pair_q15<N>(u, v, -11277, -23401), b};
+    }
+};
+
+// Scale 32, each product floored on its own: (45 v) >> 5, -(((11 u) >> 5) + ((23 v) >> 5)), (57 u) >> 5.
+// green_shift_u is 5, or 6 where the weight of u in green is halved.
+template <int green_shift_u>
+struct SetT5Shifted {
+    static int r(int, int v) { return (45 * v) >> 5; }
+    static int g(int u, int v) { return -(((11 * u) >> green_shift_u) + ((23 * v) >> 5)); }
+    static int b(int u, int) { return (57 * u) >> 5; }
+    template <int N>
+    ZIV_INLINE static ChromaTerms<N> terms(S16<N> u, S16<N> v) {
+        return {(v * 45) >> 5, -(((u * 11) >> green_shift_u) + ((v * 23) >> 5)), (u * 57) >> 5};
+    }
+};
+using SetT5 = SetT5Shifted<5>;
+using SetT5HalfGreen = SetT5Shifted<6>;
+
+// N / 2 interleaved pairs, centred.
+template <int N>
+struct ChromaPairs {
+    S16<N> first, second;
+};
+template <int N>
+ZIV_INLINE ChromaPairs<N> load_pairs(const uint8_t* p) {
+    const U8<N> pairs = load<N>(p);
+    return {(S16<N>)even_bytes<N>(pairs) - 128, (S16<N>)odd_bytes<N>(pairs) - 128};
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET
