@@ -1,0 +1,45 @@
+// The conversions of the kernel list as rows of a table that tests can walk, and the shapes of image layouts.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "harness/workspace.h"
+
+namespace harness {
+
+struct Conversion {
+    const char* name;
+    uint32_t source, destination;  // format codes
+    bool alpha, dispatched;
+    int task;  // -1: none
+    int32_t (*convert)(const zivcolor::KernelTable& kernels, const zivcolor::Image* srcImg, const zivcolor::Image* dstImg,
+                       uint8_t alpha);
+};
+
+const std::vector<Conversion>& conversions();
+const Conversion& conversion(const std::string& name);
+
+// Planes of a layout: their number, and bytes of a tight row for a width (rounded up).
+int plane_count(uint32_t format);
+int tight_pitch(uint32_t format, int plane, int width);
+// Rows of a plane for a height (rounded up).
+int plane_rows(uint32_t format, int plane, int height);
+
+const char* format_name(uint32_t format);
+
+// One conversion's sizes and pitches.
+struct ImagePair {
+    int32_t source_width, source_height, destination_width, destination_height;
+    int32_t source_pitch[3], destination_pitch[3];
+    uint8_t alpha;
+};
+ImagePair tight(const Conversion& c, int width, int height);
+std::string describe(const Conversion& c, const ImagePair& images);
+
+// The conversion on separate buffers: 0 to 2 are the source's planes, 3 to 5 the destination's. Room is ample for every reach
+// of the kernels: rows may be stepped by the pitch of another plane, or by twice their own.
+Call call_of(const Conversion& c, const ImagePair& images);
+std::vector<Room> rooms_of(const Conversion& c, const ImagePair& images);
+
+}  // namespace harness

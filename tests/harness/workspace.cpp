@@ -1,0 +1,201 @@
+#include "harness/workspace.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+#include "reference/memory.h"
+#include "reference/reference.h"
+
+namespace harness {
+
+uint32_t Random::next() {
+    state = state * 6364136223846793005u + 1442695040888963407u;
+    uint64_t x = state;
+    x ^= x >> 33;
+    x *= 0xFF51AFD7ED558CCDu;
+    return static_cast<uint32_t>(x >> 32);
+}
+
+namespace {
+
+// Fills are cut from this pool at an offset that the seed picks.
+const std::vector<uint8_t>& pool() {
+    static const std::vector<uint8_t> bytes = [] {
+        static constexpr uint8_t extremes[] = {0, 1, 127, 128, 129, 254, 255, 64};
+        Random random{base_seed};
+        std::vector<uint8_t> v(size_t{1} << 20);
+        for (uint8_t& byte : v) {
+            const uint32_t r = random.next();
+            byte = r & 0x700 ? static_cast<uint8_t>(r) : extremes[r & 7];
+        }
+        return v;
+    }();
+    return bytes;
+}
+
+struct Workspace {
+    std::vector<uint8_t> memory;
+    std::vector<uint8_t*> buffers;
+
+    void lay_out(const std::vector<Room>& rooms, uint64_t seed) {
+        size_t total = 0;
+        for (const Room& room : rooms) total += room.before + room.after;
+        memory.resize(total);
+        fill(memory.data(), total, seed);
+        buffers.clear();
+        uint8_t* at = memory.data();
+        for (const Room& room : rooms) {
+            buffers.push_back(at + room.before);
+            at += room.before + room.after;
+        }
+    }
+};
+
+std::string first_difference(const Workspace& expected, const Workspace& actual, const std::vector<Room>& rooms) {
+    const auto at = std::mismatch(expected.memory.begin(), expected.memory.end(), actual.memory.begin());
+    auto offset = at.first - expected.memory.begin();
+    for (size_t k = 0; k < rooms.size(); k++) {
+        const auto size = static_cast<ptrdiff_t>(rooms[k].before + rooms[k].after);
+        if (offset < size)
+            return "buffer " + std::to_string(k) + " byte " + std::to_string(offset - static_cast<ptrdiff_t>(rooms[k].before)) +
+                   ": expected " + std::to_string(*at.first) + ", got " + std::to_string(*at.second);
+        offset -= size;
+    }
+    return "no difference";
+}
+
+struct ReachTrace final : reference::Trace {
+    const Workspace* workspace = nullptr;
+    const std::vector<Room>* rooms = nullptr;
+    std::vector<Reach> reach;
+    bool outside = false;
+
+    void touch(const uint8_t* p) {
+        for (size_t k = 0; k < reach.size(); k++) {
+            const ptrdiff_t at = p - workspace->buffers[k];
+            if (at < -static_cast<ptrdiff_t>((*rooms)[k].before) || at >= static_cast<ptrdiff_t>((*rooms)[k].after)) continue;
+            Reach& r = reach[k];
+            if (r.first == r.past) {
+                r = {at, at + 1};
+            } else {
+                r.first = std::min(r.first, at);
+                r.past = std::max(r.past, at + 1);
+            }
+            return;
+        }
+        outside = true;
+    }
+    void read(const uint8_t* p) override { touch(p); }
+    void written(const uint8_t* p) override { touch(p); }
+};
+
+// A run of pages between two unmapped ones.
+class GuardedPages {
+public:
+    explicit GuardedPages(size_t least) {
+        const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+        size_ = (least + page - 1) / page * page;
+        mapped_ = size_ + 2 * page;
+        base_ = static_cast<uint8_t*>(mmap(nullptr, mapped_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        first_ = base_ + page;
+        if (base_ == MAP_FAILED || mprotect(first_, size_, PROT_READ | PROT_WRITE) != 0) throw std::bad_alloc();
+    }
+    ~GuardedPages() { munmap(base_, mapped_); }
+    GuardedPages(const GuardedPages&) = delete;
+    GuardedPages& operator=(const GuardedPages&) = delete;
+    uint8_t* first() const { return first_; }
+    uint8_t* past() const { return first_ + size_; }
+    size_t size() const { return size_; }
+
+private:
+    uint8_t *base_, *first_;
+    size_t size_, mapped_;
+};
+
+GuardedPages& guarded_pages(size_t k, size_t least) {
+    static std::vector<std::unique_ptr<GuardedPages>> all;
+    if (all.size() <= k) all.resize(k + 1);
+    if (!all[k] || all[k]->size() < least) all[k] = std::make_unique<GuardedPages>(std::max(least, size_t{1} << 16));
+    return *all[k];
+}
+
+}  // namespace
+
+void fill(uint8_t* p, size_t size, uint64_t seed) {
+    const std::vector<uint8_t>& bytes = pool();
+    Random random{seed};
+    size_t from = random.next() % (bytes.size() / 2);
+    while (size > 0) {
+        const size_t run = std::min(size, bytes.size() - from);
+        std::memcpy(p, bytes.data() + from, run);
+        p += run;
+        size -= run;
+        from = random.next() % (bytes.size() / 2);
+    }
+}
+
+void expect_same_bytes(const Call& call, const std::vector<Room>& rooms, uint64_t seed,
+                       const std::function<std::string()>& what) {
+    static Workspace expected, actual;
+    expected.lay_out(rooms, seed);
+    const int64_t status = call(reference::kernels, expected.buffers.data());
+    for (const zivcolor::Target& target : zivcolor::built_targets()) {
+        if (!target.runs_here()) continue;
+        actual.lay_out(rooms, seed);
+        const int64_t got = call(*target.kernels, actual.buffers.data());
+        if (got != status || std::memcmp(expected.memory.data(), actual.memory.data(), expected.memory.size()) != 0)
+            ADD_FAILURE() << target.name << ": " << what() << ": status " << got << " (expected " << status << "), "
+                          << first_difference(expected, actual, rooms);
+    }
+}
+
+std::vector<Reach> reach_of(const Call& call, const std::vector<Room>& rooms, uint64_t seed) {
+    static Workspace traced;
+    traced.lay_out(rooms, seed);
+    ReachTrace trace;
+    trace.workspace = &traced;
+    trace.rooms = &rooms;
+    trace.reach.resize(rooms.size(), Reach{0, 0});
+    reference::g_trace = &trace;
+    call(reference::kernels, traced.buffers.data());
+    reference::g_trace = nullptr;
+    EXPECT_FALSE(trace.outside) << "the reference leaves the room that the test gave it";
+    return trace.reach;
+}
+
+void expect_in_bounds(const Call& call, const std::vector<Room>& rooms, uint64_t seed,
+                      const std::function<std::string()>& what) {
+    const std::vector<Reach> reach = reach_of(call, rooms, seed);
+    for (const bool at_end : {true, false}) {
+        std::vector<uint8_t*> buffers(rooms.size());
+        std::vector<std::vector<uint8_t>> expected(rooms.size());
+        for (size_t k = 0; k < rooms.size(); k++) {
+            const GuardedPages& pages = guarded_pages(k, static_cast<size_t>(reach[k].past - reach[k].first));
+            buffers[k] = at_end ? pages.past() - reach[k].past : pages.first() - reach[k].first;
+        }
+        const auto refill = [&] {
+            for (size_t k = 0; k < rooms.size(); k++)
+                fill(buffers[k] + reach[k].first, static_cast<size_t>(reach[k].past - reach[k].first), seed + k);
+        };
+        refill();
+        const int64_t status = call(reference::kernels, buffers.data());
+        for (size_t k = 0; k < rooms.size(); k++) expected[k].assign(buffers[k] + reach[k].first, buffers[k] + reach[k].past);
+        for (const zivcolor::Target& target : zivcolor::built_targets()) {
+            if (!target.runs_here()) continue;
+            refill();
+            const int64_t got = call(*target.kernels, buffers.data());  // a fault here is a read or write out of bounds
+            EXPECT_EQ(got, status) << target.name << ": " << what();
+            for (size_t k = 0; k < rooms.size(); k++)
+                if (!std::equal(expected[k].begin(), expected[k].end(), buffers[k] + reach[k].first))
+                    ADD_FAILURE() << target.name << ": " << what() << ": buffer " << k << " differs, flush against the page "
+                                  << (at_end ? "after it" : "before it");
+        }
+    }
+}
+
+}  // namespace harness
