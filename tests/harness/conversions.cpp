@@ -11,8 +11,8 @@ using zivcolor::Image;
 using zivcolor::KernelTable;
 
 const std::vector<Conversion>& conversions() {
-    static constexpr int NoTask = -1;
-    static constexpr bool Alpha = true, Opaque = false, Dispatched = true, Direct = false;
+    [[maybe_unused]] static constexpr int NoTask = -1;
+    [[maybe_unused]] static constexpr bool Alpha = true, Opaque = false, Dispatched = true, Direct = false;
 #define ZIVCOLOR_CALL_Opaque(name) k.name(s, d)
 #define ZIVCOLOR_CALL_Alpha(name) k.name(s, d, a)
 #define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task)                  \
