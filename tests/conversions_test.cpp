@@ -1,6 +1,7 @@
 // Every conversion of the kernel list on every target against the reference: whole arenas, byte for byte.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 
 #include "harness/conversions.h"
@@ -68,12 +69,16 @@ TEST_P(Conversions, NegativePitches) {
 TEST_P(Conversions, UnequalSizes) {
     every_small_size([](ImagePair& p, Random& random) {
         const int width = random.between(1, 90), height = random.between(1, 11);
+        const ImagePair wide = tight(GetParam(), std::max(width, p.source_width), height);
         if (random.below(2)) {
             p.source_width = width, p.source_height = height;
         } else {
             p.destination_width = width, p.destination_height = height;
         }
-        for (int k = 0; k < 3; k++) p.source_pitch[k] += random.below(33), p.destination_pitch[k] += random.below(33);
+        for (int k = 0; k < 3; k++) {
+            p.source_pitch[k] = wide.source_pitch[k] + random.below(33);
+            p.destination_pitch[k] = wide.destination_pitch[k] + random.below(33);
+        }
     });
 }
 

@@ -1,6 +1,7 @@
 // The conversions of the kernel list as rows of a table that tests can walk, and the shapes of image layouts.
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,9 @@ struct Conversion {
     int32_t (*convert)(const zivcolor::KernelTable& kernels, const zivcolor::Image* srcImg, const zivcolor::Image* dstImg,
                        uint8_t alpha);
 };
+
+// How a test names the row.
+inline void PrintTo(const Conversion& c, std::ostream* out) { *out << c.name; }
 
 const std::vector<Conversion>& conversions();
 const Conversion& conversion(const std::string& name);

@@ -1,0 +1,109 @@
+// zivColorCvt: the order of its tests, and which kernel each of all pairs of codes reaches.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sstream>
+
+#include "harness/conversions.h"
+
+namespace {
+
+using namespace harness;
+
+constexpr uint32_t codes[] = {zivPixFmt_BGR565,   zivPixFmt_RGB565,   zivPixFmt_BGR888, zivPixFmt_RGB888, zivPixFmt_BGRA8888,
+                              zivPixFmt_ARGB8888, zivPixFmt_RGBA8888, zivPixFmt_YUV,    zivPixFmt_YUYV,   zivPixFmt_YVYU,
+                              zivPixFmt_UYVY,     zivPixFmt_VYUY,     zivPixFmt_I420,   zivPixFmt_I422V,  zivPixFmt_I422H,
+                              zivPixFmt_I444,     zivPixFmt_YV12,     zivPixFmt_YV24,   zivPixFmt_NV12,   zivPixFmt_NV21,
+                              zivPixFmt_LPI422H,  zivPixFmt_NV41};
+
+// The 82 pairs, written out by hand: the kernel list must say the same. The number of kernels is checked with it.
+const std::map<std::string, std::string>& pairs() {
+    static const std::map<std::string, std::string> table = {
+        {"NV21", "RGBA8888* RGB888 BGR888 I420 BGRA8888* YUYV YUV NV41"},
+        {"NV12", "I420 RGBA8888* BGRA8888* NV21 YUYV BGR888"},
+        {"I420", "RGBA8888* BGRA8888* RGB888 BGR888 NV21 YUYV"},
+        {"RGBA8888", "NV21 NV12 I420 LPI422H YUYV BGR888"},
+        {"BGRA8888", "NV21 LPI422H NV12 I420"},
+        {"I422H", "I420 NV21 NV12 YUYV LPI422H"},
+        {"I422V", "I420 NV21 NV12 YUYV LPI422H"},
+        {"I444", "I420 NV21 NV12 YUYV LPI422H"},
+        {"LPI422H", "BGRA8888* RGBA8888*"},
+        {"RGB888", "I420 NV21 BGR565 RGB565 YUYV YVYU VYUY UYVY I422H NV12 YV24 ARGB8888 BGR888"},
+        {"BGR888", "I420 NV21 BGR565 RGB565 YUYV YVYU VYUY UYVY I422H NV12 ARGB8888"},
+        {"YUYV", "BGR888 RGB888 RGBA8888* NV21 NV12 I420"},
+        {"YV12", "BGR888 RGB888 NV21"},
+        {"YUV", "NV21"},
+        {"NV41", "NV21"}};
+    return table;
+}
+
+TEST(Dispatch, TheKernelListHoldsThe82Pairs) {
+    std::map<std::pair<std::string, std::string>, bool> expected, listed;
+    for (const auto& [source, destinations] : pairs()) {
+        std::istringstream words(destinations);
+        for (std::string word; words >> word;) {
+            const bool alpha = word.back() == '*';
+            if (alpha) word.pop_back();
+            expected[{source, word}] = alpha;
+        }
+    }
+    EXPECT_EQ(expected.size(), 82u);
+    for (const Conversion& c : conversions())
+        if (c.dispatched) {
+            EXPECT_TRUE(listed.emplace(std::pair{format_name(c.source), format_name(c.destination)}, c.alpha).second) << c.name;
+        }
+    EXPECT_EQ(listed, expected);
+}
+
+TEST(Dispatch, PointersAreTestedFirst) {
+    __tag_KOBR_OFFSCREEN image{};
+    image.format = 0xDEAD;
+    EXPECT_EQ(zivColorCvt(nullptr, nullptr, {0}), zivStatus_NullPointer);
+    EXPECT_EQ(zivColorCvt(&image, nullptr, {0}), zivStatus_NullPointer);
+    EXPECT_EQ(zivColorCvt(nullptr, &image, {0}), zivStatus_NullPointer);
+    EXPECT_EQ(zivColorCvt(&image, &image, {0}), zivStatus_BadArgument);
+}
+
+// Every pair of codes: the bytes of the kernel that the list names, or -2 and nothing touched.
+TEST(Dispatch, EveryPairOfCodesReachesItsKernelOrNone) {
+    Random random{base_seed};
+    for (const uint32_t source : codes)
+        for (const uint32_t destination : codes) {
+            const Conversion* kernel = nullptr;
+            for (const Conversion& c : conversions())
+                if (c.dispatched && c.source == source && c.destination == destination) kernel = &c;
+            std::vector<uint8_t> memory(6 * 4096), expected;
+            fill(memory.data(), memory.size(), random.next());
+            __tag_KOBR_OFFSCREEN s{source, 20, 8, {}, {}}, d{destination, 20, 8, {}, {}};
+            for (int k = 0; k < 3; k++) {
+                s.plane[k] = memory.data() + 4096 * k + 512;
+                d.plane[k] = memory.data() + 4096 * (3 + k) + 512;
+                if (k < plane_count(source)) s.pitch[k] = tight_pitch(source, k, 20);
+                if (k < plane_count(destination)) d.pitch[k] = tight_pitch(destination, k, 20);
+            }
+            const std::vector<uint8_t> before = memory;
+            // Three quarters of the alpha parameter are dropped.
+            const int32_t status = zivColorCvt(&s, &d, {0x1234});
+            const std::vector<uint8_t> got = memory;
+            if (!kernel) {
+                EXPECT_EQ(status, zivStatus_BadArgument) << format_name(source) << " to " << format_name(destination);
+                EXPECT_EQ(got, before);
+                continue;
+            }
+            EXPECT_EQ(status, zivStatus_OK) << kernel->name;
+            if (std::string(kernel->name) == "zivColorNV41toNV21_2") continue;  // its work buffer is not cleared
+            memory = before;
+            kernel->convert(zivcolor::chosen_kernels(), &s, &d, 0x34);
+            EXPECT_EQ(got, memory) << kernel->name;
+        }
+}
+
+TEST(Dispatch, AKernelsRefusalComesBack) {
+    for (const Conversion& c : conversions()) {
+        if (!c.dispatched) continue;
+        __tag_KOBR_OFFSCREEN s{c.source, 0, 0, {}, {}}, d{c.destination, 0, 0, {}, {}};
+        EXPECT_EQ(zivColorCvt(&s, &d, {0}), zivStatus_BadArgument) << c.name;
+    }
+}
+
+}  // namespace
