@@ -51,19 +51,19 @@ inline Rgb set_f32_tail(int luma, int u, int v) {
 }
 
 // The three colour bytes of a pixel in memory order; put() keeps the low 8 bits of each.
-struct Bytes {
+struct ColourBytes {
     int byte[3];
 };
 
-inline Bytes regular_bytes(Rgb pixel, Layout layout) {
-    Bytes bytes{};
+inline ColourBytes regular_bytes(Rgb pixel, Layout layout) {
+    ColourBytes bytes{};
     bytes.byte[layout.red] = clamped(pixel.red);
     bytes.byte[layout.green] = clamped(pixel.green);
     bytes.byte[layout.blue] = clamped(pixel.blue);
     return bytes;
 }
 
-inline void put_pixel(uint8_t* p, Bytes bytes, Layout layout, uint8_t alpha) {
+inline void put_pixel(uint8_t* p, ColourBytes bytes, Layout layout, uint8_t alpha) {
     put(p, bytes.byte[0]);
     put(p + 1, bytes.byte[1]);
     put(p + 2, bytes.byte[2]);

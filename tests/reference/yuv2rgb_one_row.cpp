@@ -34,7 +34,7 @@ int32_t yv12_to_rgb24(const Image* srcImg, const Image* dstImg, uint32_t destina
         for (; j < width; j++) {
             const int y = get(luma + j);
             const int chroma_u = get(u + (j >> 1)) - 128;
-            Bytes bytes{};
+            ColourBytes bytes{};
             if (to_rgb) {
                 const int chroma_v = get(v + (j >> 1)) - 128;
                 bytes = regular_bytes(set_t5(y, chroma_u, chroma_v), layout);
@@ -52,19 +52,19 @@ int32_t yv12_to_rgb24(const Image* srcImg, const Image* dstImg, uint32_t destina
 int at_most_255(int value) { return value > 255 ? 255 : value; }
 
 // The tails of the YUYV kernels.
-Bytes without_lower_limit_red_first(Rgb pixel, Layout) {
-    Bytes bytes{};
+ColourBytes without_lower_limit_red_first(Rgb pixel, Layout) {
+    ColourBytes bytes{};
     bytes.byte[0] = pixel.blue < 0 ? pixel.red : at_most_255(pixel.red);
     bytes.byte[1] = at_most_255(pixel.green);
     bytes.byte[2] = pixel.red < 0 ? pixel.blue : at_most_255(pixel.blue);
     return bytes;
 }
 
-Bytes without_lower_limit(Rgb pixel, Layout) {
+ColourBytes without_lower_limit(Rgb pixel, Layout) {
     return {{at_most_255(pixel.red), at_most_255(pixel.green), at_most_255(pixel.blue)}};
 }
 
-template <Set set, Bytes (*tail_bytes)(Rgb, Layout)>
+template <Set set, ColourBytes (*tail_bytes)(Rgb, Layout)>
 int32_t yuyv_to_rgb(const Image* srcImg, const Image* dstImg, uint32_t destination, Layout layout, uint8_t alpha) {
     const int32_t status = check(srcImg, dstImg, zivPixFmt_YUYV, destination, 2, 1);
     if (status != zivStatus_OK) return status;

@@ -6,11 +6,11 @@ namespace reference {
 namespace {
 
 using Set = Rgb (*)(int luma, int u, int v);
-using ToBytes = Bytes (*)(Rgb pixel, Layout layout);
+using ToBytes = ColourBytes (*)(Rgb pixel, Layout layout);
 
 // One of two bytes takes its lower limit from the other channel; NV21 to RGB888.
-Bytes crossed_blue_first(Rgb pixel, Layout) {
-    Bytes bytes{};
+ColourBytes crossed_blue_first(Rgb pixel, Layout) {
+    ColourBytes bytes{};
     bytes.byte[0] = pixel.red < 0 ? 0 : pixel.blue > 255 ? 255 : pixel.blue;
     bytes.byte[1] = clamped(pixel.green);
     bytes.byte[2] = pixel.blue < 0 ? 0 : pixel.red > 255 ? 255 : pixel.red;
@@ -18,8 +18,8 @@ Bytes crossed_blue_first(Rgb pixel, Layout) {
 }
 
 // NV12 to BGRA8888.
-Bytes crossed_red_first(Rgb pixel, Layout) {
-    Bytes bytes{};
+ColourBytes crossed_red_first(Rgb pixel, Layout) {
+    ColourBytes bytes{};
     bytes.byte[0] = pixel.blue < 0 ? 0 : pixel.red > 255 ? 255 : pixel.red;
     bytes.byte[1] = clamped(pixel.green);
     bytes.byte[2] = pixel.red < 0 ? 0 : pixel.blue > 255 ? 255 : pixel.blue;
