@@ -1,0 +1,39 @@
+#include "parallel/memory.h"
+
+#include <stdlib.h>
+#include <string.h>
+
+namespace {
+
+constexpr size_t heap_alignment = 64;  // the widest vector
+
+}  // namespace
+
+extern "C" void* MemMgrAlloc(void* hMemMgr, int64_t size) {
+    if (size < 0) return nullptr;
+    if (hMemMgr) {
+        const MemMgrRecord& manager = *static_cast<const MemMgrRecord*>(hMemMgr);
+        return manager.allocate ? manager.allocate(manager.user, size) : nullptr;
+    }
+    const uint64_t bytes = static_cast<uint64_t>(size);
+    if (bytes > SIZE_MAX) return nullptr;
+    void* pointer = nullptr;
+    // The least request is one byte, since the C heap may answer a request of none with null.
+    if (posix_memalign(&pointer, heap_alignment, bytes ? static_cast<size_t>(bytes) : 1) != 0) return nullptr;
+    return pointer;
+}
+
+extern "C" void MemMgrFree(void* hMemMgr, void* pointer) {
+    if (!pointer) return;
+    if (!hMemMgr) return free(pointer);
+    const MemMgrRecord& manager = *static_cast<const MemMgrRecord*>(hMemMgr);
+    if (manager.release) manager.release(manager.user, pointer);
+}
+
+extern "C" void MemMgrCpy(void* destination, const void* source, int64_t size) {
+    if (size > 0) memmove(destination, source, static_cast<size_t>(size));
+}
+
+extern "C" void MemMgrSet(void* destination, uint8_t value, int64_t size) {
+    if (size > 0) memset(destination, value, static_cast<size_t>(size));
+}
