@@ -1,0 +1,24 @@
+// Band tasks: one conversion over a run of rows, in the form that the parallel engine runs.
+#pragma once
+
+#include <array>
+
+#include "core/image.h"
+#include "parallel/engine.h"
+
+// One band. The record and all that it points to must live until its task has finished.
+struct zivColorParam_t {
+    const zivcolor::Image* srcImg;  // the whole images
+    const zivcolor::Image* dstImg;
+    int32_t lStartLine;    // first row, even
+    int32_t lEndLine;      // the row after the last
+    const void* extParam;  // a zivColorExtParam_ALPHA_t, never null
+};
+
+namespace zivcolor {
+
+// The tasks by the index that zivColorCvtFunc returns. A slot whose kernel is not in the kernel list is null.
+using BandTasks = std::array<TaskFunction, 46>;
+extern const BandTasks band_tasks;
+
+}  // namespace zivcolor
