@@ -63,7 +63,9 @@
     KERNEL(zivColorNV21toI420u8,     NV21,  I420,    Opaque, Dispatched, 3)      \
     KERNEL(zivColorNV12toI420u8,     NV12,  I420,    Opaque, Dispatched, 5)      \
     KERNEL(zivColorNV12toNV21u8,     NV12,  NV21,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorYV12toNV21u8_2,   YV12,  NV21,    Opaque, Dispatched, NoTask) \
+    KERNEL(zivColorYV12toNV21u8_2,   YV12,  NV21,    Opaque, Dispatched, NoTask)
+
+#define ZIVCOLOR_YUVREPACK_PENDING(KERNEL)                                       \
     KERNEL(zivColorNV12toYUYVu8,     NV12,  YUYV,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorNV21toYUYVu8,     NV21,  YUYV,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorI420toYUYVu8,     I420,  YUYV,    Opaque, Dispatched, 12)     \
@@ -103,14 +105,17 @@
     KERNEL(zivColorBGR888toBGR565u8,   BGR888,   BGR565,   Opaque, Dispatched, NoTask)
 
 #define ZIVCOLOR_CONVERSIONS(KERNEL)       \
-    ZIVCOLOR_YUV2RGB_CONVERSIONS(KERNEL)
+    ZIVCOLOR_YUV2RGB_CONVERSIONS(KERNEL)   \
+    ZIVCOLOR_YUVREPACK_CONVERSIONS(KERNEL)
 
 // Kernels with a signature of their own.
 //   KERNEL(result, name, (parameters), (arguments))
 #define ZIVCOLOR_YUVREPACK_ROUTINES(KERNEL)                                         \
     KERNEL(int32_t, zivColorYV12toNV21u8,                                           \
            (const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height),     \
-           (pSrc, pDst, width, height))                                             \
+           (pSrc, pDst, width, height))
+
+#define ZIVCOLOR_YUVREPACK_PENDING_ROUTINES(KERNEL)                                 \
     KERNEL(int32_t, zivColorYUYVtoNV21u8,                                           \
            (const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth, int32_t lHeight),   \
            (pSrc, pDst, lWidth, lHeight))                                           \
@@ -165,6 +170,7 @@
            (const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, int64_t lImgNum),                              \
            (pSumW, pWtMap, lW, lImgNum))
 
-#define ZIVCOLOR_ROUTINES(KERNEL)
+#define ZIVCOLOR_ROUTINES(KERNEL)       \
+    ZIVCOLOR_YUVREPACK_ROUTINES(KERNEL)
 
 // clang-format on

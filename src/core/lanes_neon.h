@@ -33,15 +33,18 @@ ZIV_INLINE Channels<16, 4> load4<16>(const uint8_t* p) {
 }
 template <>
 ZIV_INLINE void store2<16>(uint8_t* p, U8<16> a, U8<16> b) {
-    vst2q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b}});
+    const uint8x16x2_t v = {{(uint8x16_t)a, (uint8x16_t)b}};
+    vst2q_u8(p, v);
 }
 template <>
 ZIV_INLINE void store3<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c) {
-    vst3q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}});
+    const uint8x16x3_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}};
+    vst3q_u8(p, v);
 }
 template <>
 ZIV_INLINE void store4<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c, U8<16> d) {
-    vst4q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}});
+    const uint8x16x4_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}};
+    vst4q_u8(p, v);
 }
 
 ZIV_INLINE U8<16> add_saturating(U8<16> a, U8<16> b) { return (U8<16>)vqaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
@@ -119,6 +122,26 @@ ZIV_INLINE PixelTerms3<16> pixel_terms<16>(S16<16> d0, S16<16> d1, S16<16> d2) {
 template <>
 ZIV_INLINE U8<16> apply_term<16>(U8<16> luma, const PixelTerms3<16>& terms, int k) {
     return (U8<16>)vsqaddq_u8(vsqaddq_u8((uint8x16_t)luma, terms.floor_half[k]), terms.ceil_half[k]);
+}
+
+// ---- Repacking of chroma ----
+
+template <>
+ZIV_INLINE U8<16> load_but_last<16>(const uint8_t* p) {
+    return (U8<16>)vcombine_u8(vld1_u8(p), vreinterpret_u8_u64(vshr_n_u64(vreinterpret_u64_u8(vld1_u8(p + 7)), 8)));
+}
+template <>
+ZIV_INLINE U8<16> swap_pairs<16>(U8<16> v) {
+    return (U8<16>)vrev16q_u8((uint8x16_t)v);
+}
+template <>
+ZIV_INLINE U8<16> even_pairs<16>(U8<16> a, U8<16> b) {
+    return (U8<16>)vtrn1q_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+template <>
+ZIV_INLINE PackedChroma<16> packed_chroma<16>(U8<16> pairs) {
+    const uint8x16_t p = (uint8x16_t)pairs;
+    return {(U8<16>)vtrn2q_u8(p, p), (U8<16>)vtrn1q_u8(p, p)};
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -270,4 +270,41 @@ ZIV_INLINE void store_pixels(uint8_t* p, U8<N> luma, const PixelTerms4<N>& terms
               apply_term<N>(luma, terms.colour, 2), terms.alpha);
 }
 
+// ---- Repacking of chroma ----
+
+// N lanes of which the last is 0: reads N - 1 bytes.
+template <int N>
+ZIV_INLINE U8<N> load_but_last(const uint8_t* p) {
+    U8<N> v{};
+    __builtin_memcpy(&v, p, N - 1);
+    return v;
+}
+
+// The two bytes of every pair exchanged.
+template <int N>
+ZIV_INLINE U8<N> swap_pairs(U8<N> v) {
+    const U16<N> pairs = (U16<N>)v;
+    return (U8<N>)((pairs << 8) | (pairs >> 8));
+}
+
+// a0 b0 a2 b2 a4 b4 ...
+template <int N>
+ZIV_INLINE U8<N> even_pairs(U8<N> a, U8<N> b) {
+    return merge_bytes<N>(even_bytes<N>(a), (U16<N>)b);
+}
+
+// N / 2 pairs V U laid out as the chroma of N packed Y U V pixels, made once for one or two rows.
+template <int N>
+struct PackedChroma {
+    U8<N> u, v;
+};
+template <int N>
+ZIV_INLINE PackedChroma<N> packed_chroma(U8<N> pairs) {
+    return {double_bytes<N>(odd_bytes<N>(pairs)), double_bytes<N>(even_bytes<N>(pairs))};
+}
+template <int N>
+ZIV_INLINE void store_packed(uint8_t* p, U8<N> luma, const PackedChroma<N>& chroma) {
+    store3<N>(p, luma, chroma.u, chroma.v);
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

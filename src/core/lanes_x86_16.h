@@ -243,4 +243,41 @@ ZIV_INLINE void store_pixels<16>(uint8_t* p, U8<16> luma, const PixelTerms4<16>&
     store128(p + 48, _mm_subs_epu8(_mm_adds_epu8(_mm_unpackhi_epi16(hi, hi), t.up[3]), t.down[3]));
 }
 
+// ---- Repacking of chroma ----
+
+template <>
+ZIV_INLINE U8<16> load_but_last<16>(const uint8_t* p) {
+    return (U8<16>)_mm_unpacklo_epi64(load64(p), _mm_srli_epi64(load64(p + 7), 8));
+}
+template <>
+ZIV_INLINE U8<16> swap_pairs<16>(U8<16> v) {
+    return (U8<16>)_mm_shuffle_epi8((__m128i)v, bytes128([](int n) { return n ^ 1; }));
+}
+
+template <>
+struct PackedChroma<16> {
+    __m128i part[3];
+};
+// Register k of packed pixels: V U pairs in the bytes of the channels 2 and 1, and zero in those of luma.
+template <int k>
+ZIV_INLINE __m128i packed_chroma_mask() {
+    return bytes128([](int n) {
+        const int channel = (16 * k + n) % 3, pair = (16 * k + n) / 6;
+        return channel == 0 ? 0x80 : 2 * pair + (channel == 1);
+    });
+}
+template <>
+ZIV_INLINE PackedChroma<16> packed_chroma<16>(U8<16> pairs) {
+    const __m128i p = (__m128i)pairs;
+    return {{_mm_shuffle_epi8(p, packed_chroma_mask<0>()), _mm_shuffle_epi8(p, packed_chroma_mask<1>()),
+             _mm_shuffle_epi8(p, packed_chroma_mask<2>())}};
+}
+template <>
+ZIV_INLINE void store_packed<16>(uint8_t* p, U8<16> luma, const PackedChroma<16>& chroma) {
+    const __m128i y = (__m128i)luma;
+    store128(p, _mm_or_si128(_mm_shuffle_epi8(y, spread_mask<3, 0, 0>()), chroma.part[0]));
+    store128(p + 16, _mm_or_si128(_mm_shuffle_epi8(y, spread_mask<3, 1, 0>()), chroma.part[1]));
+    store128(p + 32, _mm_or_si128(_mm_shuffle_epi8(y, spread_mask<3, 2, 0>()), chroma.part[2]));
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -211,4 +211,37 @@ ZIV_INLINE void store_pixels<32>(uint8_t* p, U8<32> luma, const PixelTerms4<32>&
     store_halves(p + 48, p + 112, _mm256_subs_epu8(_mm256_adds_epu8(y3, t.up[3]), t.down[3]));
 }
 
+// ---- Repacking of chroma ----
+
+template <>
+ZIV_INLINE U8<32> load_but_last<32>(const uint8_t* p) {
+    return (U8<32>)_mm256_inserti128_si256(_mm256_castsi128_si256(load128(p)), (__m128i)load_but_last<16>(p + 16), 1);
+}
+template <>
+ZIV_INLINE U8<32> swap_pairs<32>(U8<32> v) {
+    return (U8<32>)_mm256_shuffle_epi8((__m256i)v, both_halves(bytes128([](int n) { return n ^ 1; })));
+}
+
+template <>
+struct PackedChroma<32> {
+    __m256i part[3];
+};
+template <>
+ZIV_INLINE PackedChroma<32> packed_chroma<32>(U8<32> pairs) {
+    const __m256i p = (__m256i)pairs;
+    return {{_mm256_shuffle_epi8(p, both_halves(packed_chroma_mask<0>())),
+             _mm256_shuffle_epi8(p, both_halves(packed_chroma_mask<1>())),
+             _mm256_shuffle_epi8(p, both_halves(packed_chroma_mask<2>()))}};
+}
+template <>
+ZIV_INLINE void store_packed<32>(uint8_t* p, U8<32> luma, const PackedChroma<32>& chroma) {
+    const __m256i y = (__m256i)luma;
+    const __m256i y0 = _mm256_shuffle_epi8(y, both_halves(spread_mask<3, 0, 0>()));
+    const __m256i y1 = _mm256_shuffle_epi8(y, both_halves(spread_mask<3, 1, 0>()));
+    const __m256i y2 = _mm256_shuffle_epi8(y, both_halves(spread_mask<3, 2, 0>()));
+    store_halves(p, p + 48, _mm256_or_si256(y0, chroma.part[0]));
+    store_halves(p + 16, p + 64, _mm256_or_si256(y1, chroma.part[1]));
+    store_halves(p + 32, p + 80, _mm256_or_si256(y2, chroma.part[2]));
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -235,4 +235,43 @@ ZIV_INLINE void store_pixels<64>(uint8_t* p, U8<64> luma, const PixelTerms4<64>&
     store_pixels_part<3>(p, (__m512i)luma, t);
 }
 
+// ---- Repacking of chroma ----
+
+template <>
+ZIV_INLINE U8<64> load_but_last<64>(const uint8_t* p) {
+    return (U8<64>)_mm512_maskz_loadu_epi8(~__mmask64{0} >> 1, p);
+}
+template <>
+ZIV_INLINE U8<64> swap_pairs<64>(U8<64> v) {
+    return (U8<64>)_mm512_shuffle_epi8((__m512i)v, _mm512_broadcast_i32x4(bytes128([](int n) { return n ^ 1; })));
+}
+
+template <>
+struct PackedChroma<64> {
+    __m512i part[3];
+};
+// Register k of packed pixels: V U pairs in the bytes of the channels 2 and 1.
+template <int k>
+ZIV_INLINE __m512i packed_chroma_part(__m512i pairs) {
+    const __m512i index = bytes512([](int n) { return (64 * k + n) / 6 * 2 + ((64 * k + n) % 3 == 1); });
+    return _mm512_permutexvar_epi8(index, pairs);
+}
+template <>
+ZIV_INLINE PackedChroma<64> packed_chroma<64>(U8<64> pairs) {
+    const __m512i p = (__m512i)pairs;
+    return {{packed_chroma_part<0>(p), packed_chroma_part<1>(p), packed_chroma_part<2>(p)}};
+}
+template <int k>
+ZIV_INLINE void store_packed_part(uint8_t* p, __m512i luma, const PackedChroma<64>& chroma) {
+    const __m512i pixel = bytes512([](int n) { return (64 * k + n) / 3; });
+    constexpr __mmask64 channel0 = mask512([](int n) { return (64 * k + n) % 3 == 0; });
+    store512(p + 64 * k, _mm512_mask_permutexvar_epi8(chroma.part[k], channel0, pixel, luma));
+}
+template <>
+ZIV_INLINE void store_packed<64>(uint8_t* p, U8<64> luma, const PackedChroma<64>& chroma) {
+    store_packed_part<0>(p, (__m512i)luma, chroma);
+    store_packed_part<1>(p, (__m512i)luma, chroma);
+    store_packed_part<2>(p, (__m512i)luma, chroma);
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

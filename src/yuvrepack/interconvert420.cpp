@@ -1,0 +1,89 @@
+// Between the plane arrangements of 4:2:0. Luma is copied, chroma is split, merged or swapped.
+#include "yuvrepack/rows.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+// The common walk: pairs of rows, pairs of columns. An odd last row or column stays unwritten.
+// chroma_row(row, pairs) moves the chroma of one pair of rows.
+template <class ChromaRow>
+ZIV_INLINE void convert_row_pairs(const Image* srcImg, const Image* dstImg, ChromaRow chroma_row) {
+    const ptrdiff_t columns = dstImg->width & ~1, height = dstImg->height;
+    for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
+        const uint8_t* luma = row_at(srcImg->plane[0], i, srcImg->pitch[0]);
+        uint8_t* dst = row_at(dstImg->plane[0], i, dstImg->pitch[0]);
+        copy_row(luma, dst, columns);
+        copy_row(luma + srcImg->pitch[0], dst + dstImg->pitch[0], columns);
+        chroma_row(i >> 1, columns >> 1);
+    }
+}
+
+int32_t zivColorI420toNV21u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check(srcImg, dstImg, zivPixFmt_I420, zivPixFmt_NV21, both_2x2)) return status;
+    convert_row_pairs(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
+        interleave_row(plane_row(srcImg, 2, row), plane_row(srcImg, 1, row), plane_row(dstImg, 1, row), pairs);
+    });
+    return zivStatus_OK;
+}
+
+int32_t zivColorNV21toI420u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_I420, destination_2x2_source_height_2))
+        return status;
+    convert_row_pairs(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
+        split_row(plane_row(srcImg, 1, row), plane_row(dstImg, 2, row), plane_row(dstImg, 1, row), pairs);
+    });
+    return zivStatus_OK;
+}
+
+int32_t zivColorNV12toI420u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV12, zivPixFmt_I420, both_2x2)) return status;
+    convert_row_pairs(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
+        split_row(plane_row(srcImg, 1, row), plane_row(dstImg, 1, row), plane_row(dstImg, 2, row), pairs);
+    });
+    return zivStatus_OK;
+}
+
+int32_t zivColorNV12toNV21u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV12, zivPixFmt_NV21, both_2x2)) return status;
+    convert_row_pairs(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
+        swap_row(plane_row(srcImg, 1, row), plane_row(dstImg, 1, row), pairs);
+    });
+    return zivStatus_OK;
+}
+
+// Every row, so that an odd last one carries its chroma too; an odd width is rounded up to whole pairs. The destination's
+// chroma rows step by the pitch of its luma.
+int32_t zivColorYV12toNV21u8_2(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_sizes(srcImg, dstImg, destination_2x2)) return status;
+    const ptrdiff_t columns = (ptrdiff_t{dstImg->width} + 1) & ~ptrdiff_t{1}, height = dstImg->height;
+    for (ptrdiff_t i = 0; i < height; i++) {
+        copy_row(plane_row(srcImg, 0, i), plane_row(dstImg, 0, i), columns);
+        if (i & 1) continue;
+        interleave_row(plane_row(srcImg, 1, i >> 1), plane_row(srcImg, 2, i >> 1),
+                       row_at(dstImg->plane[1], i >> 1, dstImg->pitch[0]), columns >> 1);
+    }
+    return zivStatus_OK;
+}
+
+// Tight buffers. With an odd width luma and the chroma output run on by the rounded width, a byte further each row than the
+// image has; the source's chroma rows stay width / 2 apart.
+int32_t zivColorYV12toNV21u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height) {
+    if (!pSrc || !pDst) return zivStatus_NullPointer;
+    if (width < 2 || height < 2) return zivStatus_BadArgument;
+    const ptrdiff_t columns = (width + 1) & ~ptrdiff_t{1}, luma_bytes = width * height;
+    const uint8_t* luma = pSrc;
+    const uint8_t* first = pSrc + luma_bytes;
+    const uint8_t* second = first + (luma_bytes >> 2);
+    uint8_t* dst = pDst;
+    uint8_t* chroma = pDst + luma_bytes;
+    for (ptrdiff_t i = 0; i < height; i++, luma += columns, dst += columns) {
+        copy_row(luma, dst, columns);
+        if (i & 1) continue;
+        interleave_row(first, second, chroma, columns >> 1);
+        first += width >> 1;
+        second += width >> 1;
+        chroma += columns;
+    }
+    return zivStatus_OK;
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET
