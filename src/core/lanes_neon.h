@@ -144,4 +144,27 @@ ZIV_INLINE PackedChroma<16> packed_chroma<16>(U8<16> pairs) {
     return {(U8<16>)vtrn2q_u8(p, p), (U8<16>)vtrn1q_u8(p, p)};
 }
 
+// ---- Whole pixels moved from one byte layout to another ----
+
+template <int in, int... from>
+struct PixelMove<16, in, from...> {
+    template <int place>
+    ZIV_INLINE static U8<16> channel(const Channels<16, in>& v) {
+        if constexpr (place == ones) return U8<16>{} + uint8_t{255};
+        else return v.c[place];
+    }
+    ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
+        Channels<16, in> v;
+        if constexpr (in == 3) v = load3<16>(src);
+        else v = load4<16>(src);
+        if constexpr (sizeof...(from) == 3) store3<16>(dst, channel<from>(v)...);
+        else store4<16>(dst, channel<from>(v)...);
+    }
+};
+
+template <int n>
+ZIV_INLINE U8<16> shift_right_insert(U8<16> kept, U8<16> inserted) {
+    return (U8<16>)vsriq_n_u8((uint8x16_t)kept, (uint8x16_t)inserted, n);
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -307,4 +307,42 @@ ZIV_INLINE void store_packed(uint8_t* p, U8<N> luma, const PackedChroma<N>& chro
     store3<N>(p, luma, chroma.u, chroma.v);
 }
 
+// ---- Whole pixels moved from one byte layout to another. All N pixels are read before the first is written. ----
+
+// Byte k of a written pixel is byte from[k] of the pixel read, which has `in` bytes; `ones` stands for a byte of 255.
+inline constexpr int ones = -1;
+template <int N, int in, int... from>
+struct PixelMove {
+    ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
+        constexpr int out = sizeof...(from), place[out] = {from...};
+        uint8_t bytes[N * out];
+        for (int i = 0; i < N; i++)
+            for (int k = 0; k < out; k++) bytes[out * i + k] = place[k] == ones ? 255 : src[in * i + place[k]];
+        __builtin_memcpy(dst, bytes, N * out);
+    }
+};
+template <int N, int in, int... from>
+ZIV_INLINE void move_pixels(uint8_t* dst, const uint8_t* src) {
+    PixelMove<N, in, from...>::move(dst, src);
+}
+
+// (kept & ~(255 >> n)) | (inserted >> n)
+template <int n, class V>
+ZIV_INLINE V shift_right_insert(V kept, V inserted) {
+    return (kept & static_cast<uint8_t>(~(255 >> n))) | (inserted >> n);
+}
+
+// Pixels of 3 bytes into little-endian words: the top 5 bits of byte `high`, the top 6 of byte 1, the top 5 of byte `low`.
+template <int N, int high, int low>
+struct PixelPack565 {
+    ZIV_INLINE static void pack(uint8_t* dst, const uint8_t* src) {
+        const Channels<N, 3> v = load3<N>(src);
+        store2<N>(dst, shift_right_insert<3>(v.c[1] << 3, v.c[low]), shift_right_insert<5>(v.c[high], v.c[1]));
+    }
+};
+template <int N, int high, int low>
+ZIV_INLINE void pack_pixels_565(uint8_t* dst, const uint8_t* src) {
+    PixelPack565<N, high, low>::pack(dst, src);
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

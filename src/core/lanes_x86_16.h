@@ -280,4 +280,90 @@ ZIV_INLINE void store_packed<16>(uint8_t* p, U8<16> luma, const PackedChroma<16>
     store128(p + 32, _mm_or_si128(_mm_shuffle_epi8(y, spread_mask<3, 2, 0>()), chroma.part[2]));
 }
 
+// ---- Whole pixels moved from one byte layout to another ----
+
+// Where the bytes of register k of the written pixels are read: within one vector at `first`, or else the later ones within
+// a second at `second`. R is the bytes of a register, and the pixels that the registers hold together.
+template <int R, int k, int in, int... from>
+struct MoveSource {
+    static constexpr int byte(int n) {  // the source byte of written byte n, or `ones`
+        constexpr int out = sizeof...(from), place[out] = {from...};
+        return place[n % out] == ones ? ones : n / out * in + place[n % out];
+    }
+    static constexpr int least() {
+        int r = in * R;
+        for (int n = R * k; n < R * (k + 1); n++) r = byte(n) != ones && byte(n) < r ? byte(n) : r;
+        return r;
+    }
+    static constexpr int most() {
+        int r = 0;
+        for (int n = R * k; n < R * (k + 1); n++) r = byte(n) > r ? byte(n) : r;
+        return r;
+    }
+    static constexpr int first = least() < in * R - R ? least() : in * R - R;
+    static constexpr bool two = most() - first >= R;
+    static constexpr int second = most() - R + 1;
+    static constexpr bool is_one(int n) { return byte(R * k + n) == ones; }
+    static constexpr bool in_first(int n) { return !is_one(n) && byte(R * k + n) - first < R; }
+    static constexpr bool in_second(int n) { return !is_one(n) && !in_first(n); }
+    static constexpr int index_in_first(int n) { return byte(R * k + n) - first; }
+    static constexpr int index_in_second(int n) { return byte(R * k + n) - second; }
+};
+template <class Source>
+ZIV_INLINE __m128i first_mask() {
+    return bytes128([](int n) { return Source::in_first(n) ? Source::index_in_first(n) : 0x80; });
+}
+template <class Source>
+ZIV_INLINE __m128i second_mask() {
+    return bytes128([](int n) { return Source::in_second(n) ? Source::index_in_second(n) : 0x80; });
+}
+template <class Source>
+ZIV_INLINE __m128i ones_mask() {
+    return bytes128([](int n) { return Source::is_one(n) ? 255 : 0; });
+}
+
+template <int in, int... from>
+struct PixelMove<16, in, from...> {
+    template <int k>
+    ZIV_INLINE static __m128i moved(const uint8_t* src) {
+        using Source = MoveSource<16, k, in, from...>;
+        __m128i r = _mm_shuffle_epi8(load128(src + Source::first), first_mask<Source>());
+        if constexpr (Source::two) r = _mm_or_si128(r, _mm_shuffle_epi8(load128(src + Source::second), second_mask<Source>()));
+        if constexpr (((from == ones) || ...)) r = _mm_or_si128(r, ones_mask<Source>());
+        return r;
+    }
+    ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
+        const __m128i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src);
+        if constexpr (sizeof...(from) == 4) store128(dst + 48, moved<3>(src));
+        store128(dst, r0);
+        store128(dst + 16, r1);
+        store128(dst + 32, r2);
+    }
+};
+
+// Four pixels of 3 bytes from byte `first` on in 32-bit lanes: the channels of the word's low end, middle and high end, and
+// zero.
+template <int high, int low, int first>
+ZIV_INLINE __m128i mask_565() {
+    return bytes128([](int n) { return n % 4 == 3 ? 0x80 : first + n / 4 * 3 + (n % 4 == 0 ? low : n % 4 == 1 ? 1 : high); });
+}
+// Those lanes, cut to 5, 6 and 5 bits, to words: 8 times a word is low + 64 middle + 2048 high.
+ZIV_INLINE __m128i words_565(__m128i lanes0, __m128i lanes1) {
+    const __m128i kept = _mm_set1_epi32(0x00F8FCF8), bytes = _mm_set1_epi32(0x00404001), words = _mm_set1_epi32(0x00200001);
+    lanes0 = _mm_madd_epi16(_mm_maddubs_epi16(_mm_and_si128(lanes0, kept), bytes), words);
+    lanes1 = _mm_madd_epi16(_mm_maddubs_epi16(_mm_and_si128(lanes1, kept), bytes), words);
+    return _mm_packus_epi32(_mm_srli_epi32(lanes0, 3), _mm_srli_epi32(lanes1, 3));
+}
+template <int high, int low>
+struct PixelPack565<16, high, low> {
+    ZIV_INLINE static void pack(uint8_t* dst, const uint8_t* src) {
+        const __m128i p0 = _mm_shuffle_epi8(load128(src), mask_565<high, low, 0>());
+        const __m128i p1 = _mm_shuffle_epi8(load128(src + 12), mask_565<high, low, 0>());
+        const __m128i p2 = _mm_shuffle_epi8(load128(src + 24), mask_565<high, low, 0>());
+        const __m128i p3 = _mm_shuffle_epi8(load128(src + 32), mask_565<high, low, 4>());
+        store128(dst, words_565(p0, p1));
+        store128(dst + 16, words_565(p2, p3));
+    }
+};
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

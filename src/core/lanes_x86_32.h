@@ -244,4 +244,55 @@ ZIV_INLINE void store_packed<32>(uint8_t* p, U8<32> luma, const PackedChroma<32>
     store_halves(p + 32, p + 80, _mm256_or_si256(y2, chroma.part[2]));
 }
 
+// ---- Whole pixels moved from one byte layout to another: 16 pixels in each half ----
+
+template <int in, int... from>
+struct PixelMove<32, in, from...> {
+    static constexpr int out = sizeof...(from);
+    template <int k>
+    ZIV_INLINE static __m256i moved(const uint8_t* src) {
+        using Source = MoveSource<16, k, in, from...>;
+        const uint8_t* const first = src + Source::first;
+        __m256i r = _mm256_shuffle_epi8(load_halves(first, first + 16 * in), both_halves(first_mask<Source>()));
+        if constexpr (Source::two) {
+            const uint8_t* const second = src + Source::second;
+            r = _mm256_or_si256(r,
+                                _mm256_shuffle_epi8(load_halves(second, second + 16 * in), both_halves(second_mask<Source>())));
+        }
+        if constexpr (((from == ones) || ...)) r = _mm256_or_si256(r, both_halves(ones_mask<Source>()));
+        return r;
+    }
+    ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
+        const __m256i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src);
+        uint8_t* const upper = dst + 16 * out;
+        if constexpr (out == 4) store_halves(dst + 48, upper + 48, moved<3>(src));
+        store_halves(dst, upper, r0);
+        store_halves(dst + 16, upper + 16, r1);
+        store_halves(dst + 32, upper + 32, r2);
+    }
+};
+
+ZIV_INLINE __m256i words_565(__m256i lanes0, __m256i lanes1) {
+    const __m256i kept = _mm256_set1_epi32(0x00F8FCF8), bytes = _mm256_set1_epi32(0x00404001);
+    const __m256i words = _mm256_set1_epi32(0x00200001);
+    lanes0 = _mm256_madd_epi16(_mm256_maddubs_epi16(_mm256_and_si256(lanes0, kept), bytes), words);
+    lanes1 = _mm256_madd_epi16(_mm256_maddubs_epi16(_mm256_and_si256(lanes1, kept), bytes), words);
+    return _mm256_packus_epi32(_mm256_srli_epi32(lanes0, 3), _mm256_srli_epi32(lanes1, 3));
+}
+template <int high, int low>
+struct PixelPack565<32, high, low> {
+    ZIV_INLINE static void pack(uint8_t* dst, const uint8_t* src) {
+        // Pixels 0 to 3 and 8 to 11 beside each other, 4 to 7 and 12 to 15, and so on: a whole vector of words in order.
+        const __m256i mask = both_halves(mask_565<high, low, 0>());
+        const __m256i p0 = _mm256_shuffle_epi8(load_halves(src, src + 24), mask);
+        const __m256i p1 = _mm256_shuffle_epi8(load_halves(src + 12, src + 36), mask);
+        const __m256i p2 = _mm256_shuffle_epi8(load_halves(src + 48, src + 72), mask);
+        const __m128i late = _mm_shuffle_epi8(load128(src + 80), mask_565<high, low, 4>());
+        const __m128i early = _mm_shuffle_epi8(load128(src + 60), mask_565<high, low, 0>());
+        const __m256i p3 = _mm256_inserti128_si256(_mm256_castsi128_si256(early), late, 1);
+        store256(dst, words_565(p0, p1));
+        store256(dst + 32, words_565(p2, p3));
+    }
+};
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -274,4 +274,62 @@ ZIV_INLINE void store_packed<64>(uint8_t* p, U8<64> luma, const PackedChroma<64>
     store_packed_part<2>(p, (__m512i)luma, chroma);
 }
 
+// ---- Whole pixels moved from one byte layout to another ----
+
+template <int in, int... from>
+struct PixelMove<64, in, from...> {
+    template <int k>
+    ZIV_INLINE static __m512i moved(const uint8_t* src) {
+        using Source = MoveSource<64, k, in, from...>;
+        const __m512i index = bytes512([](int n) { return Source::index_in_first(n) & 63; });
+        const __m512i first = load512(src + Source::first);
+        __m512i r;
+        if constexpr (((from == ones) || ...)) {
+            constexpr __mmask64 is_one = mask512([](int n) { return Source::is_one(n); });
+            r = _mm512_mask_permutexvar_epi8(_mm512_set1_epi8(-1), ~is_one, index, first);
+        } else {
+            r = _mm512_permutexvar_epi8(index, first);
+        }
+        if constexpr (Source::two) {
+            constexpr __mmask64 in_second = mask512([](int n) { return Source::in_second(n); });
+            const __m512i index_in_second = bytes512([](int n) { return Source::index_in_second(n) & 63; });
+            r = _mm512_mask_permutexvar_epi8(r, in_second, index_in_second, load512(src + Source::second));
+        }
+        return r;
+    }
+    ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
+        const __m512i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src);
+        if constexpr (sizeof...(from) == 4) store512(dst + 192, moved<3>(src));
+        store512(dst, r0);
+        store512(dst + 64, r1);
+        store512(dst + 128, r2);
+    }
+};
+
+template <int high, int low>
+struct PixelPack565<64, high, low> {
+    // Byte 3 n + place of the 96 bytes at src, in the even bytes of word n; the odd bytes take byte 3 n + odd_place.
+    template <int place, int odd_place>
+    ZIV_INLINE static __m512i pairs(__m512i first, __m512i last) {
+        const __m512i index = bytes512([](int n) {
+            const int at = n / 2 * 3 + (n % 2 ? odd_place : place);
+            return at < 64 ? at : at - 32;
+        });
+        constexpr __mmask64 in_last = mask512([](int n) { return n / 2 * 3 + (n % 2 ? odd_place : place) >= 64; });
+        return _mm512_mask_permutexvar_epi8(_mm512_permutexvar_epi8(index, first), in_last, index, last);
+    }
+    ZIV_INLINE static __m512i words(__m512i first, __m512i last) {
+        const __m512i ends = pairs<low, high>(first, last), middle = pairs<1, 1>(first, last);
+        // Bit by bit: the high end from `ends` as it stands, the low end from it shifted, the middle from between them.
+        const __m512i both_ends = _mm512_ternarylogic_epi32(_mm512_set1_epi16(static_cast<int16_t>(0xF800 - 0x10000)), ends,
+                                                            _mm512_srli_epi16(ends, 3), 0xCA);
+        const __m512i shifted = _mm512_slli_epi16(_mm512_srli_epi16(middle, 10), 5);
+        return _mm512_ternarylogic_epi32(_mm512_set1_epi16(0x07E0), shifted, both_ends, 0xCA);
+    }
+    ZIV_INLINE static void pack(uint8_t* dst, const uint8_t* src) {
+        store512(dst, words(load512(src), load512(src + 32)));
+        store512(dst + 64, words(load512(src + 96), load512(src + 128)));
+    }
+};
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -1,0 +1,118 @@
+// RGB from one byte layout to another: channels reordered, alpha dropped or added, or packed into 16-bit words. No arithmetic
+// beyond shifts and masks. Blocked columns and tail give the same bytes, so a step is as wide as the target likes; every step
+// reads its pixels whole before it writes the first.
+#include "core/kernel.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+// Calls row(source row, destination row) for every row of the destination.
+template <class Row>
+ZIV_INLINE void for_rows(const Image* srcImg, const Image* dstImg, Row row) {
+    const ptrdiff_t height = dstImg->height;
+    for (ptrdiff_t i = 0; i < height; i++)
+        row(row_at(srcImg->plane[0], i, srcImg->pitch[0]), row_at(dstImg->plane[0], i, dstImg->pitch[0]));
+}
+
+// ---- Outer channels exchanged: three bytes a pixel on both sides, which may be the same memory ----
+
+ZIV_INLINE void swap_row(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) {
+    const ptrdiff_t blocked = blocked_columns<16>(pixels);
+    for_steps(blocked,
+              [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY { move_pixels<step.value, 3, 2, 1, 0>(dst + 3 * j, src + 3 * j); });
+    for (ptrdiff_t j = blocked; j < pixels; j++) {
+        const uint8_t first = src[3 * j], second = src[3 * j + 1], third = src[3 * j + 2];
+        dst[3 * j] = third, dst[3 * j + 1] = second, dst[3 * j + 2] = first;
+    }
+}
+
+int32_t zivColorRGB888toBGR888u8_2(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_sizes(srcImg, dstImg, destination_1x1)) return status;
+    const ptrdiff_t width = dstImg->width;
+    for_rows(srcImg, dstImg, [&](const uint8_t* src, uint8_t* dst) { swap_row(src, dst, width); });
+    return zivStatus_OK;
+}
+
+// Packed rows on both sides are one run of pixels.
+int32_t zivColorRGB888toBGR888u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height) {
+    if (!pSrc || !pDst) return zivStatus_NullPointer;
+    if (width < 1 || height < 1) return zivStatus_BadArgument;
+    swap_row(pSrc, pDst, width * height);
+    return zivStatus_OK;
+}
+
+// ---- Alpha dropped or added ----
+
+int32_t zivColorRGBA8888toBGR888u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check(srcImg, dstImg, zivPixFmt_RGBA8888, zivPixFmt_BGR888, destination_1x1)) return status;
+    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
+    for_rows(srcImg, dstImg, [&](const uint8_t* src, uint8_t* dst) ZIV_INLINE_BODY {
+        for_steps(blocked, [&](auto step, ptrdiff_t j)
+                               ZIV_INLINE_BODY { move_pixels<step.value, 4, 2, 1, 0>(dst + 3 * j, src + 4 * j); });
+        for (ptrdiff_t j = blocked; j < width; j++) {
+            const uint8_t r = src[4 * j], g = src[4 * j + 1], b = src[4 * j + 2];
+            dst[3 * j] = b, dst[3 * j + 1] = g, dst[3 * j + 2] = r;
+        }
+    });
+    return zivStatus_OK;
+}
+
+// r and b are the places of the two channels in a source pixel.
+template <int r, int b>
+ZIV_INLINE int32_t to_argb(const Image* srcImg, const Image* dstImg, uint32_t source) {
+    if (const int32_t status = check(srcImg, dstImg, source, zivPixFmt_ARGB8888, both_1x1)) return status;
+    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
+    for_rows(srcImg, dstImg, [&](const uint8_t* src, uint8_t* dst) ZIV_INLINE_BODY {
+        for_steps(blocked, [&](auto step, ptrdiff_t j)
+                               ZIV_INLINE_BODY { move_pixels<step.value, 3, ones, r, 1, b>(dst + 4 * j, src + 3 * j); });
+        for (ptrdiff_t j = blocked; j < width; j++) {
+            const uint8_t red = src[3 * j + r], green = src[3 * j + 1], blue = src[3 * j + b];
+            dst[4 * j] = 255, dst[4 * j + 1] = red, dst[4 * j + 2] = green, dst[4 * j + 3] = blue;
+        }
+    });
+    return zivStatus_OK;
+}
+
+int32_t zivColorBGR888toARGB8888u8(const Image* srcImg, const Image* dstImg) {
+    return to_argb<2, 0>(srcImg, dstImg, zivPixFmt_BGR888);
+}
+
+int32_t zivColorRGB888toARGB8888u8(const Image* srcImg, const Image* dstImg) {
+    return to_argb<0, 2>(srcImg, dstImg, zivPixFmt_RGB888);
+}
+
+// ---- 16-bit words: the top 5, 6 and 5 bits of the channels, the rest dropped ----
+
+// high and low are the places in a source pixel of the channels that go to the word's high and low end.
+template <int high, int low>
+ZIV_INLINE int32_t to_565(const Image* srcImg, const Image* dstImg, uint32_t source, uint32_t destination) {
+    if (const int32_t status = check(srcImg, dstImg, source, destination, both_2x2)) return status;
+    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
+    for_rows(srcImg, dstImg, [&](const uint8_t* src, uint8_t* dst) ZIV_INLINE_BODY {
+        for_steps(blocked, [&](auto step, ptrdiff_t j)
+                               ZIV_INLINE_BODY { pack_pixels_565<step.value, high, low>(dst + 2 * j, src + 3 * j); });
+        for (ptrdiff_t j = blocked; j < width; j++) {
+            const int x = src[3 * j + high], g = src[3 * j + 1], z = src[3 * j + low];
+            dst[2 * j] = static_cast<uint8_t>(((g << 3) & 0xE0) | (z >> 3));
+            dst[2 * j + 1] = static_cast<uint8_t>((x & 0xF8) | (g >> 5));
+        }
+    });
+    return zivStatus_OK;
+}
+
+int32_t zivColorRGB888toBGR565u8(const Image* srcImg, const Image* dstImg) {
+    return to_565<2, 0>(srcImg, dstImg, zivPixFmt_RGB888, zivPixFmt_BGR565);
+}
+
+int32_t zivColorRGB888toRGB565u8(const Image* srcImg, const Image* dstImg) {
+    return to_565<0, 2>(srcImg, dstImg, zivPixFmt_RGB888, zivPixFmt_RGB565);
+}
+
+int32_t zivColorBGR888toRGB565u8(const Image* srcImg, const Image* dstImg) {
+    return to_565<2, 0>(srcImg, dstImg, zivPixFmt_BGR888, zivPixFmt_RGB565);
+}
+
+int32_t zivColorBGR888toBGR565u8(const Image* srcImg, const Image* dstImg) {
+    return to_565<0, 2>(srcImg, dstImg, zivPixFmt_BGR888, zivPixFmt_BGR565);
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET
