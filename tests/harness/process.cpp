@@ -1,0 +1,25 @@
+#include "harness/process.h"
+
+#include <chrono>
+#include <fstream>
+#include <string>
+#include <thread>
+
+namespace harness {
+
+int thread_count() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.rfind("Threads:", 0) == 0) return std::stoi(line.substr(8));
+    return -1;
+}
+
+bool thread_count_becomes(int expected) {
+    for (int i = 0; i < 500; i++) {
+        if (thread_count() == expected) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+}
+
+}  // namespace harness
