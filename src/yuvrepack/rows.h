@@ -2,7 +2,7 @@
 // given, any number of them, in ascending order.
 #pragma once
 
-#include "core/kernel.h"
+#include "core/rows.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
@@ -13,19 +13,7 @@ ZIV_INLINE uint8_t* plane_row(const Image* img, int plane, ptrdiff_t row) {
     return row_at(img->plane[plane], row, img->pitch[plane]);
 }
 
-// Covers samples 0 to count - 1 by vectors, the widest first, and returns the first sample left over: fewer than 16 are.
-template <class Body>
-ZIV_INLINE ptrdiff_t for_vectors(ptrdiff_t count, Body body) {
-    ptrdiff_t j = 0;
-    for (; j + widest <= count; j += widest) body(Step<widest>{}, j);
-    if constexpr (widest > 32)
-        if (j + 32 <= count) body(Step<32>{}, j), j += 32;
-    if constexpr (widest > 16)
-        if (j + 16 <= count) body(Step<16>{}, j), j += 16;
-    return j;
-}
-
-// The same for passes that take every other byte and may not touch the byte behind the last one taken. The body loads what
+// for_vectors for passes that take every other byte and may not touch the byte behind the last one taken. The body loads what
 // may end there by the loader it is given: whole vectors while samples follow, one byte less at the end.
 struct WholeLoad {
     template <int N>
@@ -49,19 +37,6 @@ ZIV_INLINE ptrdiff_t for_vectors_short_of_end(ptrdiff_t count, Body body) {
     if constexpr (widest > 16)
         if (j + 16 <= count) body(Step<16>{}, ShortLoad{}, j), j += 16;
     return j;
-}
-
-[[gnu::noinline]] inline void copy_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) {
-    constexpr int vectors = 4, bytes = vectors * widest;
-    ptrdiff_t j = 0;
-    for (; j + bytes <= count; j += bytes) {
-        U8<widest> v[vectors];
-        for (int k = 0; k < vectors; k++) v[k] = load<widest>(src + j + k * widest);
-        for (int k = 0; k < vectors; k++) store(dst + j + k * widest, v[k]);
-    }
-    j += for_vectors(count - j,
-                     [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY { store(dst + j + k, load<step.value>(src + j + k)); });
-    for (; j < count; j++) dst[j] = src[j];
 }
 
 // first[0] second[0] first[1] second[1] ...

@@ -1,0 +1,193 @@
+// Planar 4:2:2, chroma halved across (I422H) or down (I422V), to I420, NV21, NV12, YUYV and LPI422H. Samples are moved, dropped
+// or repeated, never averaged.
+#include "yuvrepack/rows.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+ZIV_INLINE int32_t check_planar422(const Image* srcImg, const Image* dstImg, uint32_t source, uint32_t destination) {
+    return check(srcImg, dstImg, source, destination, destination_2x2_source_height_2);
+}
+
+// ---- I422H: row by row, every plane at its pitch. An odd last column stays unwritten. ----
+
+int32_t zivColorI422HtoI420u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_I420)) return status;
+    const ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
+    for (ptrdiff_t i = 0; i < height; i++) {
+        copy_row(plane_row(srcImg, 0, i), plane_row(dstImg, 0, i), 2 * pairs);
+        if (i & 1) continue;
+        copy_row(plane_row(srcImg, 1, i), plane_row(dstImg, 1, i >> 1), pairs);
+        copy_row(plane_row(srcImg, 2, i), plane_row(dstImg, 2, i >> 1), pairs);
+    }
+    return zivStatus_OK;
+}
+
+// dst_chroma_pitch is the distance between the chroma of two even rows.
+template <PairOrder order>
+ZIV_INLINE void i422h_to_semiplanar420(const Image* srcImg, const Image* dstImg, ptrdiff_t dst_chroma_pitch) {
+    constexpr int first = order == PairOrder::uv ? 1 : 2, second = 3 - first;
+    const ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
+    for (ptrdiff_t i = 0; i < height; i++) {
+        copy_row(plane_row(srcImg, 0, i), plane_row(dstImg, 0, i), 2 * pairs);
+        if (i & 1) continue;
+        interleave_row(plane_row(srcImg, first, i), plane_row(srcImg, second, i),
+                       dstImg->plane[1] + (i >> 1) * dst_chroma_pitch, pairs);
+    }
+}
+
+// Steps the destination's chroma by its luma pitch.
+int32_t zivColorI422HtoNV21u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_NV21)) return status;
+    i422h_to_semiplanar420<PairOrder::vu>(srcImg, dstImg, dstImg->pitch[0]);
+    return zivStatus_OK;
+}
+
+// Steps the destination's chroma by its pitch once for every source row, also for the rows whose chroma is dropped.
+int32_t zivColorI422HtoNV12u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_NV12)) return status;
+    i422h_to_semiplanar420<PairOrder::uv>(srcImg, dstImg, ptrdiff_t{2} * dstImg->pitch[1]);
+    return zivStatus_OK;
+}
+
+// Y0 U Y1 V from two luma samples and one of each chroma plane.
+[[gnu::noinline]] inline void yuyv_row(const uint8_t* luma, const uint8_t* u, const uint8_t* v, uint8_t* dst, ptrdiff_t pairs) {
+    ptrdiff_t k = for_vectors(2 * pairs, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        constexpr int N = step.value;
+        const U8<N> chroma = merge_bytes<N>(load_widened<N>(u + (j >> 1)), load_widened<N>(v + (j >> 1)));
+        store2<N>(dst + 2 * j, load<N>(luma + j), chroma);
+    });
+    for (k >>= 1; k < pairs; k++) {
+        const uint8_t pixels[4] = {luma[2 * k], u[k], luma[2 * k + 1], v[k]};
+        __builtin_memcpy(dst + 4 * k, pixels, 4);
+    }
+}
+
+int32_t zivColorI422HtoYUYVu8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_YUYV)) return status;
+    const ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
+    for (ptrdiff_t i = 0; i < height; i++)
+        yuyv_row(plane_row(srcImg, 0, i), plane_row(srcImg, 1, i), plane_row(srcImg, 2, i), plane_row(dstImg, 0, i), pairs);
+    return zivStatus_OK;
+}
+
+int32_t zivColorI422HtoLPI422Hu8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_LPI422H)) return status;
+    const ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
+    for (ptrdiff_t i = 0; i < height; i++) {
+        copy_row(plane_row(srcImg, 0, i), plane_row(dstImg, 0, i), 2 * pairs);
+        interleave_row(plane_row(srcImg, 1, i), plane_row(srcImg, 2, i), plane_row(dstImg, 1, i), pairs);
+    }
+    return zivStatus_OK;
+}
+
+// ---- I422V: two rows a pass, which share one row of each chroma plane; these rows follow one another without gaps. The chroma
+//      of odd columns is dropped, and an odd last row stays unwritten. ----
+
+// The walk: pass(i, u, v) for rows i and i + 1. A pass takes `columns` samples of each chroma plane, an even number, so that
+// with an odd width it drifts from the rows of the image.
+template <class Pass>
+ZIV_INLINE void for_row_pairs(const Image* srcImg, ptrdiff_t columns, ptrdiff_t height, Pass pass) {
+    const uint8_t *u = srcImg->plane[1], *v = srcImg->plane[2];
+    for (ptrdiff_t i = 0; i < height - 1; i += 2, u += columns, v += columns) pass(i, u, v);
+}
+
+// With an odd width the tail covers one column past the row, in both rows: what the upper row writes there may be the lower
+// row's first sample, so that the tail goes column by column over both.
+int32_t zivColorI422VtoI420u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_I420)) return status;
+    const ptrdiff_t columns = (ptrdiff_t{dstImg->width} + 1) & ~ptrdiff_t{1}, blocked = blocked_columns<16>(dstImg->width);
+    uint8_t *dst_u = dstImg->plane[1], *dst_v = dstImg->plane[2];
+    for_row_pairs(srcImg, columns, dstImg->height, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v) {
+        const uint8_t* luma0 = plane_row(srcImg, 0, i);
+        const uint8_t* luma1 = luma0 + srcImg->pitch[0];
+        uint8_t* dst0 = plane_row(dstImg, 0, i);
+        uint8_t* dst1 = dst0 + dstImg->pitch[0];
+        copy_row(luma0, dst0, blocked);
+        copy_row(luma1, dst1, blocked);
+        even_row(u, dst_u, blocked >> 1);
+        even_row(v, dst_v, blocked >> 1);
+        for (ptrdiff_t j = blocked; j < columns; j += 2) {
+            const uint8_t upper[2] = {luma0[j], luma0[j + 1]}, lower[2] = {luma1[j], luma1[j + 1]};
+            const uint8_t pair_u = u[j], pair_v = v[j];
+            __builtin_memcpy(dst0 + j, upper, 2);
+            __builtin_memcpy(dst1 + j, lower, 2);
+            dst_u[j >> 1] = pair_u;
+            dst_v[j >> 1] = pair_v;
+        }
+        dst_u += columns >> 1;
+        dst_v += columns >> 1;
+    });
+    return zivStatus_OK;
+}
+
+// The others stop one column short of an odd width.
+
+ZIV_INLINE void copy_two_rows(const Image* srcImg, const Image* dstImg, ptrdiff_t i, ptrdiff_t columns) {
+    const uint8_t* luma = plane_row(srcImg, 0, i);
+    uint8_t* dst = plane_row(dstImg, 0, i);
+    copy_row(luma, dst, columns);
+    copy_row(luma + srcImg->pitch[0], dst + dstImg->pitch[0], columns);
+}
+
+int32_t zivColorI422VtoNV21u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_NV21)) return status;
+    const ptrdiff_t columns = dstImg->width & ~1;
+    for_row_pairs(srcImg, columns, dstImg->height, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v) {
+        copy_two_rows(srcImg, dstImg, i, columns);
+        interleave_even_row(v, u, dstImg->plane[1] + (i >> 1) * columns, columns >> 1);
+    });
+    return zivStatus_OK;
+}
+
+int32_t zivColorI422VtoNV12u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_NV12)) return status;
+    const ptrdiff_t columns = dstImg->width & ~1;
+    for_row_pairs(srcImg, columns, dstImg->height, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v) {
+        copy_two_rows(srcImg, dstImg, i, columns);
+        interleave_even_row(u, v, dstImg->plane[1] + (i >> 1) * columns, columns >> 1);
+    });
+    return zivStatus_OK;
+}
+
+// Y0 U Y1 V in two rows that share the chroma of the even columns; the byte behind the last sample taken is not touched in u
+// and v.
+[[gnu::noinline]] inline void yuyv_even_rows(const uint8_t* luma0, const uint8_t* luma1, const uint8_t* u, const uint8_t* v,
+                                             uint8_t* dst0, uint8_t* dst1, ptrdiff_t pairs) {
+    ptrdiff_t k = for_vectors_short_of_end(2 * pairs, [&](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
+        constexpr int N = step.value;
+        const U8<N> upper = load<N>(luma0 + j), lower = load<N>(luma1 + j);
+        const U8<N> chroma = even_pairs<N>(end.template load<N>(u + j), end.template load<N>(v + j));
+        store2<N>(dst0 + 2 * j, upper, chroma);
+        store2<N>(dst1 + 2 * j, lower, chroma);
+    });
+    for (; k < 2 * pairs; k += 2) {
+        const uint8_t upper[4] = {luma0[k], u[k], luma0[k + 1], v[k]}, lower[4] = {luma1[k], u[k], luma1[k + 1], v[k]};
+        __builtin_memcpy(dst0 + 2 * k, upper, 4);
+        __builtin_memcpy(dst1 + 2 * k, lower, 4);
+    }
+}
+
+int32_t zivColorI422VtoYUYVu8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_YUYV)) return status;
+    const ptrdiff_t columns = dstImg->width & ~1;
+    for_row_pairs(srcImg, columns, dstImg->height, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v) {
+        const uint8_t* luma = plane_row(srcImg, 0, i);
+        uint8_t* dst = plane_row(dstImg, 0, i);
+        yuyv_even_rows(luma, luma + srcImg->pitch[0], u, v, dst, dst + dstImg->pitch[0], columns >> 1);
+    });
+    return zivStatus_OK;
+}
+
+int32_t zivColorI422VtoLPI422Hu8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_LPI422H)) return status;
+    const ptrdiff_t columns = dstImg->width & ~1;
+    for_row_pairs(srcImg, columns, dstImg->height, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v) {
+        copy_two_rows(srcImg, dstImg, i, columns);
+        uint8_t* chroma = plane_row(dstImg, 1, i);
+        interleave_even_row(u, v, chroma, columns >> 1);
+        copy_row(chroma, chroma + dstImg->pitch[1], columns);
+    });
+    return zivStatus_OK;
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET
