@@ -11,7 +11,7 @@ set(ZIVCOLOR_TARGETS "${zivcolor_all_targets}" CACHE STRING "Instruction sets to
 set(zivcolor_flags_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512vbmi)
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     # The compiler's own header of the permutations starts from a vector that it leaves undefined on purpose.
-    list(APPEND zivcolor_flags_avx512 -Wno-maybe-uninitialized)
+    list(APPEND zivcolor_flags_avx512 -Wno-maybe-uninitialized -Wno-uninitialized)
 endif()
 set(zivcolor_flags_avx2 -mavx2)
 set(zivcolor_flags_sse4 -msse4.2)
