@@ -102,6 +102,11 @@ ZIV_INLINE S16<16> weigh_pair_q15<16>(S16<16> a, S16<16> b, int weight_a, int we
     return (S16<16>)vrshrn_high_n_s32(vrshrn_n_s32(lo, 15), hi, 15);
 }
 
+template <>
+ZIV_INLINE bool any_lane<16>(U16<16> v) {
+    return vmaxvq_u32((uint32x4_t)v) != 0;
+}
+
 // A term as two signed bytes that sum to it, d >> 1 and (d + 1) >> 1: two additions that saturate like one, as both go the same
 // way.
 template <>

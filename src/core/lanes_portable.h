@@ -226,6 +226,14 @@ ZIV_INLINE S16<N> weigh_pair_q15(S16<N> a, S16<N> b, int weight_a, int weight_b)
     return r;
 }
 
+// Whether any bit is set.
+template <int N>
+ZIV_INLINE bool any_lane(U16<N> v) {
+    uint16_t all = 0;
+    for (int i = 0; i < N / 2; i++) all = static_cast<uint16_t>(all | v[i]);
+    return all != 0;
+}
+
 // ---- Luma plus a term of its chroma pair: clamp(Y + d, 0, 255) for N pixels and N / 2 pairs, |d| <= 254. ----
 
 // The terms of three channels, made once for the pixels of one or two rows.

@@ -75,6 +75,11 @@ ZIV_INLINE S16<16> weigh_pair_q15<16>(S16<16> a, S16<16> b, int weight_a, int we
     return (S16<16>)_mm_packs_epi32(_mm_srai_epi32(_mm_add_epi32(lo, half), 15), _mm_srai_epi32(_mm_add_epi32(hi, half), 15));
 }
 
+template <>
+ZIV_INLINE bool any_lane<16>(U16<16> v) {
+    return !_mm_testz_si128((__m128i)v, (__m128i)v);
+}
+
 // ---- Interleaving loads and stores of c channels ----
 //
 // Register k of a pixel block holds, at byte n, channel (16 k + n) mod c of pixel (16 k + n) / c. The masks below pick a

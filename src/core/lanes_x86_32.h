@@ -92,6 +92,11 @@ ZIV_INLINE S16<32> weigh_pair_q15<32>(S16<32> a, S16<32> b, int weight_a, int we
                                        _mm256_srai_epi32(_mm256_add_epi32(hi, half), 15));
 }
 
+template <>
+ZIV_INLINE bool any_lane<32>(U16<32> v) {
+    return !_mm256_testz_si256((__m256i)v, (__m256i)v);
+}
+
 // ---- Interleaving loads and stores of c channels ----
 
 template <int channel>

@@ -92,6 +92,11 @@ ZIV_INLINE S16<64> weigh_pair_q15<64>(S16<64> a, S16<64> b, int weight_a, int we
                                        _mm512_srai_epi32(_mm512_add_epi32(hi, half), 15));
 }
 
+template <>
+ZIV_INLINE bool any_lane<64>(U16<64> v) {
+    return _mm512_test_epi16_mask((__m512i)v, (__m512i)v) != 0;
+}
+
 // ---- Interleaving loads and stores of c channels ----
 
 template <>

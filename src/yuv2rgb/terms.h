@@ -40,15 +40,15 @@ struct SetT5Shifted {
 using SetT5 = SetT5Shifted<5>;
 using SetT5HalfGreen = SetT5Shifted<6>;
 
-// N / 2 interleaved pairs, centred.
-template <int N>
-struct ChromaPairs {
-    S16<N> first, second;
+// Scale 32, summed and rounded once: (45 v + 16) >> 5, (-11 u - 23 v + 16) >> 5, (57 u + 16) >> 5.
+struct SetR5 {
+    static int r(int, int v) { return (45 * v + 16) >> 5; }
+    static int g(int u, int v) { return (-11 * u - 23 * v + 16) >> 5; }
+    static int b(int u, int) { return (57 * u + 16) >> 5; }
+    template <int N>
+    ZIV_INLINE static ChromaTerms<N> terms(S16<N> u, S16<N> v) {
+        return {(v * 45 + 16) >> 5, (16 - u * 11 - v * 23) >> 5, (u * 57 + 16) >> 5};
+    }
 };
-template <int N>
-ZIV_INLINE ChromaPairs<N> load_pairs(const uint8_t* p) {
-    const U8<N> pairs = load<N>(p);
-    return {(S16<N>)even_bytes<N>(pairs) - 128, (S16<N>)odd_bytes<N>(pairs) - 128};
-}
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -1,0 +1,145 @@
+// How the kernels of this family walk their rows: where luma and chroma stand, block steps over one row or over a pair of rows
+// that share their chroma, and the pixels of a scalar tail.
+#pragma once
+
+#include "yuv2rgb/terms.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+// ---- Chroma: the pairs of the N pixels from column j on, or of the one pair at column j, centred ----
+
+template <int N>
+struct Chroma {
+    S16<N> u, v;
+};
+
+enum class PairOrder { uv, vu };
+
+// Interleaved pairs of bytes.
+template <PairOrder order>
+struct PairedChroma {
+    const uint8_t* pairs;
+
+    int u(ptrdiff_t j) const { return pairs[j + (order == PairOrder::vu)] - 128; }
+    int v(ptrdiff_t j) const { return pairs[j + (order == PairOrder::uv)] - 128; }
+    template <int N>
+    ZIV_INLINE Chroma<N> load_at(ptrdiff_t j) const {
+        const U8<N> bytes = load<N>(pairs + j);
+        const S16<N> first = (S16<N>)even_bytes<N>(bytes) - 128, second = (S16<N>)odd_bytes<N>(bytes) - 128;
+        return order == PairOrder::uv ? Chroma<N>{first, second} : Chroma<N>{second, first};
+    }
+};
+
+// A plane for u and a plane for v.
+struct PlanarChroma {
+    const uint8_t *u_row, *v_row;
+
+    int u(ptrdiff_t j) const { return u_row[j >> 1] - 128; }
+    int v(ptrdiff_t j) const { return v_row[j >> 1] - 128; }
+    template <int N>
+    ZIV_INLINE Chroma<N> load_at(ptrdiff_t j) const {
+        return {(S16<N>)load_widened<N>(u_row + (j >> 1)) - 128, (S16<N>)load_widened<N>(v_row + (j >> 1)) - 128};
+    }
+};
+
+// ---- Pixels ----
+
+enum class Rgb { rgb, bgr, rgba, bgra };
+template <Rgb order>
+inline constexpr int pixel_bytes = order == Rgb::rgb || order == Rgb::bgr ? 3 : 4;
+template <Rgb order>
+inline constexpr bool red_first = order == Rgb::rgb || order == Rgb::rgba;
+
+// The terms of a set in the order of the destination's channels.
+template <class Set, Rgb order, int N>
+ZIV_INLINE auto terms_of(const Chroma<N>& chroma, [[maybe_unused]] uint8_t alpha) {
+    const ChromaTerms<N> d = Set::template terms<N>(chroma.u, chroma.v);
+    const S16<N> first = red_first<order> ? d.r : d.b, last = red_first<order> ? d.b : d.r;
+    if constexpr (pixel_bytes<order> == 3) return pixel_terms<N>(first, d.g, last);
+    else return pixel_terms<N>(first, d.g, last, alpha);
+}
+
+// One colour, or the terms of one pair, in plain integers.
+struct Colour {
+    int r, g, b;
+};
+template <class Set>
+ZIV_INLINE Colour colour_terms(int u, int v) {
+    return {Set::r(u, v), Set::g(u, v), Set::b(u, v)};
+}
+ZIV_INLINE Colour operator+(int luma, Colour d) { return {luma + d.r, luma + d.g, luma + d.b}; }
+
+template <Rgb order>
+ZIV_INLINE void store_clamped(uint8_t* p, Colour colour, uint8_t alpha) {
+    p[red_first<order> ? 0 : 2] = static_cast<uint8_t>(clamp_byte(colour.r));
+    p[1] = static_cast<uint8_t>(clamp_byte(colour.g));
+    p[red_first<order> ? 2 : 0] = static_cast<uint8_t>(clamp_byte(colour.b));
+    if constexpr (pixel_bytes<order> == 4) p[3] = alpha;
+}
+
+// What some tails do in place of a clamp: red and blue take their lower test from each other, and a value that passes both
+// tests is cut to 8 bits.
+ZIV_INLINE uint8_t clamp_crossed(int value, int other) {
+    return static_cast<uint8_t>(other < 0 ? 0 : value > 255 ? 255 : value);
+}
+
+// ---- One row ----
+
+// The blocked columns. Reads and writes exactly these.
+template <class Set, Rgb order, class RowChroma>
+ZIV_INLINE void convert_row_blocks(const uint8_t* luma, RowChroma chroma, uint8_t* dst, ptrdiff_t columns, uint8_t alpha) {
+    for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        constexpr int N = step.value;
+        store_pixels<N>(dst + pixel_bytes<order> * j, load<N>(luma + j),
+                        terms_of<Set, order, N>(chroma.template load_at<N>(j), alpha));
+    });
+}
+
+// ---- Two rows over one row of chroma ----
+
+struct RowPair {
+    const uint8_t *luma0, *luma1;
+    uint8_t *dst0, *dst1;
+};
+ZIV_INLINE RowPair row_pair_at(const Image* srcImg, const Image* dstImg, ptrdiff_t row) {
+    const uint8_t* luma = row_at_wrapped(srcImg->plane[0], row, srcImg->pitch[0]);
+    uint8_t* dst = row_at_wrapped(dstImg->plane[0], row, dstImg->pitch[0]);
+    return {luma, luma + srcImg->pitch[0], dst, dst + dstImg->pitch[0]};
+}
+
+// The blocked columns of both. Reads and writes exactly these.
+template <class Set, Rgb order, class RowChroma>
+ZIV_INLINE void convert_blocks(RowPair rows, RowChroma chroma, ptrdiff_t columns, uint8_t alpha) {
+    for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        constexpr int N = step.value;
+        const auto terms = terms_of<Set, order, N>(chroma.template load_at<N>(j), alpha);
+        store_pixels<N>(rows.dst0 + pixel_bytes<order> * j, load<N>(rows.luma0 + j), terms);
+        store_pixels<N>(rows.dst1 + pixel_bytes<order> * j, load<N>(rows.luma1 + j), terms);
+    });
+}
+
+// The four pixels of one chroma pair: columns j and j + 1 of the upper row, then of the lower.
+struct Quad {
+    int luma[4];
+};
+ZIV_INLINE Quad load_quad(RowPair rows, ptrdiff_t j) {
+    return {{rows.luma0[j], rows.luma0[j + 1], rows.luma1[j], rows.luma1[j + 1]}};
+}
+template <int bytes, class StorePixel>
+ZIV_INLINE void store_quad(RowPair rows, ptrdiff_t j, Quad quad, Colour d, StorePixel store_pixel) {
+    store_pixel(rows.dst0 + bytes * j, quad.luma[0] + d);
+    store_pixel(rows.dst0 + bytes * (j + 1), quad.luma[1] + d);
+    store_pixel(rows.dst1 + bytes * j, quad.luma[2] + d);
+    store_pixel(rows.dst1 + bytes * (j + 1), quad.luma[3] + d);
+}
+
+// The regular tail: column pairs from `first` on, every channel clamped. An odd last column stays as it was.
+template <class Set, Rgb order, class RowChroma>
+ZIV_INLINE void convert_tail(RowPair rows, RowChroma chroma, ptrdiff_t first, ptrdiff_t width, uint8_t alpha) {
+    for (ptrdiff_t j = first; j <= width - 2; j += 2)
+        store_quad<pixel_bytes<order>>(rows, j, load_quad(rows, j), colour_terms<Set>(chroma.u(j), chroma.v(j)),
+                                       [&](uint8_t* p, Colour colour)
+                                           ZIV_INLINE_BODY { store_clamped<order>(p, colour, alpha); });
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET
