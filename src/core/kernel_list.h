@@ -11,9 +11,7 @@
 #define ZIVCOLOR_YUV2RGB_CONVERSIONS(KERNEL)                                           \
     KERNEL(zivColorNV12toBGR888u8,      NV12,    BGR888,   Opaque, Dispatched, 8)      \
     KERNEL(zivColorNV21toBGR888u8,      NV21,    BGR888,   Opaque, Dispatched, 2)      \
-    KERNEL(zivColorNV21toRGB888u8,      NV21,    RGB888,   Opaque, Dispatched, 1)
-
-#define ZIVCOLOR_YUV2RGB_PENDING(KERNEL)                                               \
+    KERNEL(zivColorNV21toRGB888u8,      NV21,    RGB888,   Opaque, Dispatched, 1)      \
     KERNEL(zivColorNV21toBGRA8888u8,    NV21,    BGRA8888, Alpha,  Dispatched, 4)      \
     KERNEL(zivColorNV21toRGBA8888u8,    NV21,    RGBA8888, Alpha,  Dispatched, 0)      \
     KERNEL(zivColorNV12toRGBA8888u8,    NV12,    RGBA8888, Alpha,  Dispatched, 6)      \
