@@ -1,0 +1,239 @@
+// Between 4:2:0 and packed Y0 U Y1 V. Upward a chroma row serves two rows; downward the chroma of the even rows stays and that
+// of the odd rows is dropped.
+#include "yuvrepack/rows.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+ZIV_INLINE ptrdiff_t whole_pairs_up(int32_t width) { return (ptrdiff_t{width} + 1) & ~ptrdiff_t{1}; }
+
+// ---- 4:2:0 to packed ----
+
+// Two rows from one row of pairs U V, column by column over both: what an odd width writes past the upper row may be the start
+// of the lower one. Both rows are rounded up to whole pairs, and an odd height to whole pairs of rows.
+int32_t zivColorNV12toYUYVu8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV12, zivPixFmt_YUYV, both_2x2)) return status;
+    const ptrdiff_t width = dstImg->width, height = dstImg->height;
+    for (ptrdiff_t i = 0; i < height; i += 2) {
+        const uint8_t* luma0 = plane_row(srcImg, 0, i);
+        const uint8_t* luma1 = luma0 + srcImg->pitch[0];
+        const uint8_t* chroma = row_at(srcImg->plane[1], i >> 1, srcImg->pitch[0]);
+        uint8_t* dst0 = plane_row(dstImg, 0, i);
+        uint8_t* dst1 = dst0 + dstImg->pitch[0];
+        ptrdiff_t j = for_vectors(width, [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            const U8<N> pairs = load<N>(chroma + k);
+            store2<N>(dst0 + 2 * k, load<N>(luma0 + k), pairs);
+            store2<N>(dst1 + 2 * k, load<N>(luma1 + k), pairs);
+        });
+        for (; j < width; j += 2) {
+            const uint8_t u = chroma[j], v = chroma[j + 1];
+            const uint8_t upper[4] = {luma0[j], u, luma0[j + 1], v}, lower[4] = {luma1[j], u, luma1[j + 1], v};
+            __builtin_memcpy(dst0 + 2 * j, upper, 4);
+            __builtin_memcpy(dst1 + 2 * j, lower, 4);
+        }
+    }
+    return zivStatus_OK;
+}
+
+// Row by row, so that an odd height is exact; an odd width is rounded up to whole pairs.
+int32_t zivColorNV21toYUYVu8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_YUYV, both_2x2)) return status;
+    const ptrdiff_t columns = whole_pairs_up(dstImg->width), height = dstImg->height;
+    for (ptrdiff_t i = 0; i < height; i++) {
+        const uint8_t* luma = plane_row(srcImg, 0, i);
+        const uint8_t* chroma = row_at(srcImg->plane[1], i >> 1, srcImg->pitch[0]);
+        uint8_t* dst = plane_row(dstImg, 0, i);
+        ptrdiff_t j = for_vectors(columns, [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            store2<N>(dst + 2 * k, load<N>(luma + k), swap_pairs<N>(load<N>(chroma + k)));
+        });
+        for (; j < columns; j += 2) {
+            const uint8_t pixels[4] = {luma[j], chroma[j + 1], luma[j + 1], chroma[j]};
+            __builtin_memcpy(dst + 2 * j, pixels, 4);
+        }
+    }
+    return zivStatus_OK;
+}
+
+// Whole pairs of rows and columns only.
+int32_t zivColorI420toYUYVu8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check(srcImg, dstImg, zivPixFmt_I420, zivPixFmt_YUYV, both_2x2)) return status;
+    const ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
+    for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
+        const uint8_t* luma0 = plane_row(srcImg, 0, i);
+        const uint8_t* luma1 = luma0 + srcImg->pitch[0];
+        const uint8_t* u = plane_row(srcImg, 1, i >> 1);
+        const uint8_t* v = plane_row(srcImg, 2, i >> 1);
+        uint8_t* dst0 = plane_row(dstImg, 0, i);
+        uint8_t* dst1 = dst0 + dstImg->pitch[0];
+        ptrdiff_t j = for_vectors(pairs, [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            const U8<N> uk = load<N>(u + k), vk = load<N>(v + k);
+            const U8<N> first = interleave_low<N>(uk, vk), second = interleave_high<N>(uk, vk);
+            store2<N>(dst0 + 4 * k, load<N>(luma0 + 2 * k), first);
+            store2<N>(dst0 + 4 * k + 2 * N, load<N>(luma0 + 2 * k + N), second);
+            store2<N>(dst1 + 4 * k, load<N>(luma1 + 2 * k), first);
+            store2<N>(dst1 + 4 * k + 2 * N, load<N>(luma1 + 2 * k + N), second);
+        });
+        for (; j < pairs; j++) {
+            const uint8_t upper[4] = {luma0[2 * j], u[j], luma0[2 * j + 1], v[j]};
+            const uint8_t lower[4] = {luma1[2 * j], u[j], luma1[2 * j + 1], v[j]};
+            __builtin_memcpy(dst0 + 4 * j, upper, 4);
+            __builtin_memcpy(dst1 + 4 * j, lower, 4);
+        }
+    }
+    return zivStatus_OK;
+}
+
+// ---- Packed to semi-planar 4:2:0 ----
+
+// Luma and pairs V U of one row.
+[[gnu::noinline]] inline void unpack_row_vu(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
+    ptrdiff_t j = for_vectors(columns, [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
+        constexpr int N = step.value;
+        const Channels<N, 2> v = load2<N>(src + 2 * k);
+        store(luma + k, v.c[0]);
+        store(chroma + k, swap_pairs<N>(v.c[1]));
+    });
+    for (; j < columns; j += 2) {
+        const uint8_t pixels[4] = {src[2 * j], src[2 * j + 1], src[2 * j + 2], src[2 * j + 3]};
+        luma[j] = pixels[0];
+        luma[j + 1] = pixels[2];
+        chroma[j] = pixels[3];
+        chroma[j + 1] = pixels[1];
+    }
+}
+
+// Row by row; the rows of the chroma plane come from the even ones.
+template <PairOrder order>
+ZIV_INLINE void unpack_row(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns, bool keeps_chroma) {
+    if (!keeps_chroma) even_row(src, luma, columns);
+    else if constexpr (order == PairOrder::vu) unpack_row_vu(src, luma, chroma, columns);
+    else split_row(src, luma, chroma, columns);
+}
+
+template <PairOrder order>
+ZIV_INLINE int32_t unpack(const Image* srcImg, const Image* dstImg) {
+    const ptrdiff_t columns = whole_pairs_up(dstImg->width), height = dstImg->height;
+    for (ptrdiff_t i = 0; i < height; i++)
+        unpack_row<order>(plane_row(srcImg, 0, i), plane_row(dstImg, 0, i), plane_row(dstImg, 1, i >> 1), columns, !(i & 1));
+    return zivStatus_OK;
+}
+
+int32_t zivColorYUYVtoNV21u8_v2(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_sizes(srcImg, dstImg, destination_2x2)) return status;
+    return unpack<PairOrder::vu>(srcImg, dstImg);
+}
+
+int32_t zivColorYUYVtoNV12u8_v2(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check(srcImg, dstImg, zivPixFmt_YUYV, zivPixFmt_NV12, both_2x2)) return status;
+    return unpack<PairOrder::uv>(srcImg, dstImg);
+}
+
+// Tight buffers; the pointers run on from row to row by the columns walked.
+template <PairOrder order>
+ZIV_INLINE void unpack_tight(const uint8_t* src, uint8_t* dst, ptrdiff_t area, ptrdiff_t columns, ptrdiff_t height) {
+    uint8_t* chroma = dst + area;
+    for (ptrdiff_t i = 0; i < height; i++, src += 2 * columns, dst += columns) {
+        unpack_row<order>(src, dst, chroma, columns, !(i & 1));
+        if (!(i & 1)) chroma += columns;
+    }
+}
+
+// Walks whole pairs: with an odd width each row starts a column further.
+int32_t zivColorYUYVtoNV21u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth, int32_t lHeight) {
+    if (!pSrc || !pDst) return zivStatus_NullPointer;
+    if (lWidth < 2 || lHeight < 2) return zivStatus_BadArgument;
+    unpack_tight<PairOrder::vu>(pSrc, pDst, ptrdiff_t{lWidth} * lHeight, whole_pairs_up(lWidth), lHeight);
+    return zivStatus_OK;
+}
+
+// Walks single columns: with an odd width the last pair of a chroma row has no V.
+int32_t zivColorYUYVtoNV12u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth, int32_t lHeight) {
+    if (!pSrc || !pDst) return zivStatus_NullPointer;
+    if (lWidth < 2 || lHeight < 2) return zivStatus_BadArgument;
+    unpack_tight<PairOrder::uv>(pSrc, pDst, ptrdiff_t{lWidth} * lHeight, lWidth, lHeight);
+    return zivStatus_OK;
+}
+
+// ---- Packed to planar 4:2:0 ----
+
+// Luma and both planes of chroma of one row.
+[[gnu::noinline]] inline void unpack_row_planar(const uint8_t* src, uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t pairs) {
+    ptrdiff_t j = for_vectors(pairs, [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
+        constexpr int N = step.value;
+        const Channels<N, 2> a = load2<N>(src + 4 * k), b = load2<N>(src + 4 * k + 2 * N);
+        store(luma + 2 * k, a.c[0]);
+        store(luma + 2 * k + N, b.c[0]);
+        store(u + k, even_lanes<N>(a.c[1], b.c[1]));
+        store(v + k, odd_lanes<N>(a.c[1], b.c[1]));
+    });
+    for (; j < pairs; j++) {
+        const uint8_t pixels[4] = {src[4 * j], src[4 * j + 1], src[4 * j + 2], src[4 * j + 3]};
+        luma[2 * j] = pixels[0];
+        luma[2 * j + 1] = pixels[2];
+        u[j] = pixels[1];
+        v[j] = pixels[3];
+    }
+}
+
+ZIV_INLINE bool apart(const uint8_t* a, ptrdiff_t a_bytes, const uint8_t* b, ptrdiff_t b_bytes) {
+    const uintptr_t at_a = reinterpret_cast<uintptr_t>(a), at_b = reinterpret_cast<uintptr_t>(b);
+    return at_a + static_cast<uintptr_t>(a_bytes) <= at_b || at_b + static_cast<uintptr_t>(b_bytes) <= at_a;
+}
+
+// Two rows a pass; the lower row of luma lands one width, not one pitch, below the upper. Blocks of 16 columns leave 1 to 16
+// columns, and the tail takes a step of a whole pair for each of them: both rows run as many columns past their end.
+int32_t zivColorYUYVtoI420u8_2(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_sizes(srcImg, dstImg, destination_2x2)) return status;
+    const ptrdiff_t width = dstImg->width, height = dstImg->height;
+    const ptrdiff_t blocked = (width - 1) / 16 * 16, pairs = blocked / 2 + (width - blocked), columns = 2 * pairs;
+    for (ptrdiff_t i = 0; i < height; i += 2) {
+        const uint8_t* src0 = plane_row(srcImg, 0, i);
+        const uint8_t* src1 = src0 + srcImg->pitch[0];
+        uint8_t* luma0 = plane_row(dstImg, 0, i);
+        uint8_t* luma1 = luma0 + width;
+        uint8_t* u = plane_row(dstImg, 1, i >> 1);
+        uint8_t* v = plane_row(dstImg, 2, i >> 1);
+        if (apart(luma0, width + columns, u, pairs) && apart(luma0, width + columns, v, pairs) && apart(u, pairs, v, pairs)) {
+            // Where the rows of luma overlap, the upper one is written by a later step: so it goes last.
+            even_row(src1, luma1, columns);
+            unpack_row_planar(src0, luma0, u, v, pairs);
+            continue;
+        }
+        for (ptrdiff_t j = 0; j < pairs; j++) {
+            const uint8_t upper[4] = {src0[4 * j], src0[4 * j + 1], src0[4 * j + 2], src0[4 * j + 3]};
+            const uint8_t lower[2] = {src1[4 * j], src1[4 * j + 2]};
+            luma0[2 * j] = upper[0];
+            luma0[2 * j + 1] = upper[2];
+            luma1[2 * j] = lower[0];
+            luma1[2 * j + 1] = lower[1];
+            u[j] = upper[1];
+            v[j] = upper[3];
+        }
+    }
+    return zivStatus_OK;
+}
+
+// Tight buffers, whole pairs of rows and columns only. A pass runs along the columns that it walks and on over one row of the
+// width: with an odd width luma rows start a column earlier each pass, in the source and in the destination.
+int32_t zivColorYUYVtoI420u8(const uint8_t* yuvSrc, uint8_t* yuvDst, int32_t width, int32_t height) {
+    if (!yuvSrc || !yuvDst) return zivStatus_NullPointer;
+    if (width < 2 || height < 2) return zivStatus_BadArgument;
+    const ptrdiff_t row = width, pairs = width >> 1, columns = 2 * pairs, area = row * height;
+    const uint8_t* src = yuvSrc;
+    uint8_t* luma = yuvDst;
+    uint8_t* u = yuvDst + area;
+    uint8_t* v = u + (area >> 2);
+    for (int32_t pass = 0; pass < height >> 1; pass++) {
+        unpack_row_planar(src, luma, u, v, pairs);
+        even_row(src + 2 * row, luma + row, columns);
+        src += 2 * (columns + row);
+        luma += columns + row;
+        u += pairs;
+        v += pairs;
+    }
+    return zivStatus_OK;
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET
