@@ -288,15 +288,15 @@ ZIV_INLINE void store_packed<16>(uint8_t* p, U8<16> luma, const PackedChroma<16>
 // ---- Whole pixels moved from one byte layout to another ----
 
 // Where the bytes of register k of the written pixels are read: within one vector at `first`, or else the later ones within
-// a second at `second`. R is the bytes of a register, and the pixels that the registers hold together.
-template <int R, int k, int in, int... from>
+// a second at `second`. R is the bytes of a register.
+template <int pixels, int R, int k, int in, int... from>
 struct MoveSource {
     static constexpr int byte(int n) {  // the source byte of written byte n, or `ones`
         constexpr int out = sizeof...(from), place[out] = {from...};
         return place[n % out] == ones ? ones : n / out * in + place[n % out];
     }
     static constexpr int least() {
-        int r = in * R;
+        int r = in * pixels;
         for (int n = R * k; n < R * (k + 1); n++) r = byte(n) != ones && byte(n) < r ? byte(n) : r;
         return r;
     }
@@ -305,9 +305,9 @@ struct MoveSource {
         for (int n = R * k; n < R * (k + 1); n++) r = byte(n) > r ? byte(n) : r;
         return r;
     }
-    static constexpr int first = least() < in * R - R ? least() : in * R - R;
+    static constexpr int first = least() < in * pixels - R ? least() : in * pixels - R;
     static constexpr bool two = most() - first >= R;
-    static constexpr int second = most() - R + 1;
+    static constexpr int second = two ? most() - R + 1 : first;
     static constexpr bool is_one(int n) { return byte(R * k + n) == ones; }
     static constexpr bool in_first(int n) { return !is_one(n) && byte(R * k + n) - first < R; }
     static constexpr bool in_second(int n) { return !is_one(n) && !in_first(n); }
@@ -315,12 +315,20 @@ struct MoveSource {
     static constexpr int index_in_second(int n) { return byte(R * k + n) - second; }
 };
 template <class Source>
+constexpr int first_byte(int n) {
+    return Source::in_first(n) ? Source::index_in_first(n) : 0x80;
+}
+template <class Source>
+constexpr int second_byte(int n) {
+    return Source::in_second(n) ? Source::index_in_second(n) : 0x80;
+}
+template <class Source>
 ZIV_INLINE __m128i first_mask() {
-    return bytes128([](int n) { return Source::in_first(n) ? Source::index_in_first(n) : 0x80; });
+    return bytes128([](int n) { return first_byte<Source>(n); });
 }
 template <class Source>
 ZIV_INLINE __m128i second_mask() {
-    return bytes128([](int n) { return Source::in_second(n) ? Source::index_in_second(n) : 0x80; });
+    return bytes128([](int n) { return second_byte<Source>(n); });
 }
 template <class Source>
 ZIV_INLINE __m128i ones_mask() {
@@ -331,18 +339,19 @@ template <int in, int... from>
 struct PixelMove<16, in, from...> {
     template <int k>
     ZIV_INLINE static __m128i moved(const uint8_t* src) {
-        using Source = MoveSource<16, k, in, from...>;
+        using Source = MoveSource<16, 16, k, in, from...>;
         __m128i r = _mm_shuffle_epi8(load128(src + Source::first), first_mask<Source>());
         if constexpr (Source::two) r = _mm_or_si128(r, _mm_shuffle_epi8(load128(src + Source::second), second_mask<Source>()));
         if constexpr (((from == ones) || ...)) r = _mm_or_si128(r, ones_mask<Source>());
         return r;
     }
     ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
-        const __m128i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src);
-        if constexpr (sizeof...(from) == 4) store128(dst + 48, moved<3>(src));
+        constexpr int out = sizeof...(from);
+        const __m128i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src), r3 = moved<out - 1>(src);
         store128(dst, r0);
         store128(dst + 16, r1);
         store128(dst + 32, r2);
+        if constexpr (out == 4) store128(dst + 48, r3);
     }
 };
 

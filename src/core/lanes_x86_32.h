@@ -16,6 +16,10 @@ ZIV_INLINE void store_halves(uint8_t* low, uint8_t* high, __m256i v) {
     store128(low, _mm256_castsi256_si128(v));
     store128(high, _mm256_extracti128_si256(v, 1));
 }
+template <class Index>
+ZIV_INLINE __m256i bytes256(Index index) {
+    return _mm256_load_si256(reinterpret_cast<const __m256i*>(byte_table<32>(index)));
+}
 ZIV_INLINE __m256i both_halves(__m128i v) { return _mm256_broadcastsi128_si256(v); }
 
 template <>
@@ -251,29 +255,40 @@ ZIV_INLINE void store_packed<32>(uint8_t* p, U8<32> luma, const PackedChroma<32>
 
 // ---- Whole pixels moved from one byte layout to another: 16 pixels in each half ----
 
+// The masks of two registers of 16 bytes beside each other.
+template <class Low, class High>
+ZIV_INLINE __m256i first_masks() {
+    return bytes256([](int n) { return n < 16 ? first_byte<Low>(n) : first_byte<High>(n - 16); });
+}
+template <class Low, class High>
+ZIV_INLINE __m256i second_masks() {
+    return bytes256([](int n) { return n < 16 ? second_byte<Low>(n) : second_byte<High>(n - 16); });
+}
+template <class Low, class High>
+ZIV_INLINE __m256i ones_masks() {
+    return bytes256([](int n) { return (n < 16 ? Low::is_one(n) : High::is_one(n - 16)) ? 255 : 0; });
+}
+
 template <int in, int... from>
 struct PixelMove<32, in, from...> {
-    static constexpr int out = sizeof...(from);
     template <int k>
     ZIV_INLINE static __m256i moved(const uint8_t* src) {
-        using Source = MoveSource<16, k, in, from...>;
-        const uint8_t* const first = src + Source::first;
-        __m256i r = _mm256_shuffle_epi8(load_halves(first, first + 16 * in), both_halves(first_mask<Source>()));
-        if constexpr (Source::two) {
-            const uint8_t* const second = src + Source::second;
-            r = _mm256_or_si256(r,
-                                _mm256_shuffle_epi8(load_halves(second, second + 16 * in), both_halves(second_mask<Source>())));
-        }
-        if constexpr (((from == ones) || ...)) r = _mm256_or_si256(r, both_halves(ones_mask<Source>()));
+        using Low = MoveSource<32, 16, 2 * k, in, from...>;
+        using High = MoveSource<32, 16, 2 * k + 1, in, from...>;
+        __m256i r = _mm256_shuffle_epi8(load_halves(src + Low::first, src + High::first), first_masks<Low, High>());
+        if constexpr (Low::two || High::two)
+            r = _mm256_or_si256(
+                r, _mm256_shuffle_epi8(load_halves(src + Low::second, src + High::second), second_masks<Low, High>()));
+        if constexpr (((from == ones) || ...)) r = _mm256_or_si256(r, ones_masks<Low, High>());
         return r;
     }
     ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
-        const __m256i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src);
-        uint8_t* const upper = dst + 16 * out;
-        if constexpr (out == 4) store_halves(dst + 48, upper + 48, moved<3>(src));
-        store_halves(dst, upper, r0);
-        store_halves(dst + 16, upper + 16, r1);
-        store_halves(dst + 32, upper + 32, r2);
+        constexpr int out = sizeof...(from);
+        const __m256i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src), r3 = moved<out - 1>(src);
+        store256(dst, r0);
+        store256(dst + 32, r1);
+        store256(dst + 64, r2);
+        if constexpr (out == 4) store256(dst + 96, r3);
     }
 };
 

@@ -285,7 +285,7 @@ template <int in, int... from>
 struct PixelMove<64, in, from...> {
     template <int k>
     ZIV_INLINE static __m512i moved(const uint8_t* src) {
-        using Source = MoveSource<64, k, in, from...>;
+        using Source = MoveSource<64, 64, k, in, from...>;
         const __m512i index = bytes512([](int n) { return Source::index_in_first(n) & 63; });
         const __m512i first = load512(src + Source::first);
         __m512i r;
@@ -303,11 +303,14 @@ struct PixelMove<64, in, from...> {
         return r;
     }
     ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
-        const __m512i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src);
-        if constexpr (sizeof...(from) == 4) store512(dst + 192, moved<3>(src));
+        constexpr int out = sizeof...(from);
+        // A store that straddles two lines waits for both: ask for the lines of a later step now.
+        for (int k = 0; k < out; k++) __builtin_prefetch(dst + 512 + 64 * k, 1);
+        const __m512i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src), r3 = moved<out - 1>(src);
         store512(dst, r0);
         store512(dst + 64, r1);
         store512(dst + 128, r2);
+        if constexpr (out == 4) store512(dst + 192, r3);
     }
 };
 
