@@ -62,6 +62,12 @@
     KERNEL(zivColorNV12toI420u8,     NV12,  I420,    Opaque, Dispatched, 5)      \
     KERNEL(zivColorNV12toNV21u8,     NV12,  NV21,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorYV12toNV21u8_2,   YV12,  NV21,    Opaque, Dispatched, NoTask) \
+    KERNEL(zivColorNV12toYUYVu8,     NV12,  YUYV,    Opaque, Dispatched, NoTask) \
+    KERNEL(zivColorNV21toYUYVu8,     NV21,  YUYV,    Opaque, Dispatched, NoTask) \
+    KERNEL(zivColorI420toYUYVu8,     I420,  YUYV,    Opaque, Dispatched, 12)     \
+    KERNEL(zivColorYUYVtoNV21u8_v2,  YUYV,  NV21,    Opaque, Dispatched, NoTask) \
+    KERNEL(zivColorYUYVtoNV12u8_v2,  YUYV,  NV12,    Opaque, Dispatched, NoTask) \
+    KERNEL(zivColorYUYVtoI420u8_2,   YUYV,  I420,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorI422HtoI420u8,    I422H, I420,    Opaque, Dispatched, 25)     \
     KERNEL(zivColorI422HtoNV21u8,    I422H, NV21,    Opaque, Dispatched, 26)     \
     KERNEL(zivColorI422HtoNV12u8,    I422H, NV12,    Opaque, Dispatched, 27)     \
@@ -71,22 +77,16 @@
     KERNEL(zivColorI422VtoNV21u8,    I422V, NV21,    Opaque, Dispatched, 31)     \
     KERNEL(zivColorI422VtoNV12u8,    I422V, NV12,    Opaque, Dispatched, 32)     \
     KERNEL(zivColorI422VtoYUYVu8,    I422V, YUYV,    Opaque, Dispatched, 33)     \
-    KERNEL(zivColorI422VtoLPI422Hu8, I422V, LPI422H, Opaque, Dispatched, 34)
-
-#define ZIVCOLOR_YUVREPACK_PENDING(KERNEL)                                       \
-    KERNEL(zivColorNV12toYUYVu8,     NV12,  YUYV,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorNV21toYUYVu8,     NV21,  YUYV,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorI420toYUYVu8,     I420,  YUYV,    Opaque, Dispatched, 12)     \
-    KERNEL(zivColorYUYVtoNV21u8_v2,  YUYV,  NV21,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorYUYVtoNV12u8_v2,  YUYV,  NV12,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorYUYVtoI420u8_2,   YUYV,  I420,    Opaque, Dispatched, NoTask) \
+    KERNEL(zivColorI422VtoLPI422Hu8, I422V, LPI422H, Opaque, Dispatched, 34)     \
     KERNEL(zivColorI444toI420u8,     I444,  I420,    Opaque, Dispatched, 35)     \
     KERNEL(zivColorI444toNV21u8,     I444,  NV21,    Opaque, Dispatched, 36)     \
     KERNEL(zivColorI444toNV12u8,     I444,  NV12,    Opaque, Dispatched, 37)     \
     KERNEL(zivColorI444toYUYVu8,     I444,  YUYV,    Opaque, Dispatched, 38)     \
     KERNEL(zivColorI444toLPI422Hu8,  I444,  LPI422H, Opaque, Dispatched, 39)     \
     KERNEL(zivColorYUVtoNV21u8,      YUV,   NV21,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorNV21toYUVu8,      NV21,  YUV,     Opaque, Dispatched, NoTask) \
+    KERNEL(zivColorNV21toYUVu8,      NV21,  YUV,     Opaque, Dispatched, NoTask)
+
+#define ZIVCOLOR_YUVREPACK_PENDING(KERNEL)                                       \
     KERNEL(zivColorNV21toNV41,       NV21,  NV41,    Opaque, Direct,     NoTask) \
     KERNEL(zivColorNV21toNV41_2,     NV21,  NV41,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorNV41toNV21,       NV41,  NV21,    Opaque, Direct,     NoTask) \
@@ -112,9 +112,7 @@
 #define ZIVCOLOR_YUVREPACK_ROUTINES(KERNEL)                                         \
     KERNEL(int32_t, zivColorYV12toNV21u8,                                           \
            (const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height),     \
-           (pSrc, pDst, width, height))
-
-#define ZIVCOLOR_YUVREPACK_PENDING_ROUTINES(KERNEL)                                 \
+           (pSrc, pDst, width, height))                                             \
     KERNEL(int32_t, zivColorYUYVtoNV21u8,                                           \
            (const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth, int32_t lHeight),   \
            (pSrc, pDst, lWidth, lHeight))                                           \

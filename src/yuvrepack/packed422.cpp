@@ -182,6 +182,19 @@ ZIV_INLINE bool apart(const uint8_t* a, ptrdiff_t a_bytes, const uint8_t* b, ptr
     return at_a + static_cast<uintptr_t>(a_bytes) <= at_b || at_b + static_cast<uintptr_t>(b_bytes) <= at_a;
 }
 
+// Column pairs j to j + count - 1 of two rows: all loads first, then the stores in the order that tells where they overlap.
+template <int count>
+ZIV_INLINE void unpack_step(const uint8_t* src0, const uint8_t* src1, uint8_t* luma0, uint8_t* luma1, uint8_t* u, uint8_t* v,
+                            ptrdiff_t j) {
+    uint8_t upper[4 * count], lower[4 * count];
+    __builtin_memcpy(upper, src0 + 4 * j, 4 * count);
+    __builtin_memcpy(lower, src1 + 4 * j, 4 * count);
+    for (int k = 0; k < 2 * count; k++) luma0[2 * j + k] = upper[2 * k];
+    for (int k = 0; k < 2 * count; k++) luma1[2 * j + k] = lower[2 * k];
+    for (int k = 0; k < count; k++) u[j + k] = upper[4 * k + 1];
+    for (int k = 0; k < count; k++) v[j + k] = upper[4 * k + 3];
+}
+
 // Two rows a pass; the lower row of luma lands one width, not one pitch, below the upper. Blocks of 16 columns leave 1 to 16
 // columns, and the tail takes a step of a whole pair for each of them: both rows run as many columns past their end.
 int32_t zivColorYUYVtoI420u8_2(const Image* srcImg, const Image* dstImg) {
@@ -196,21 +209,13 @@ int32_t zivColorYUYVtoI420u8_2(const Image* srcImg, const Image* dstImg) {
         uint8_t* u = plane_row(dstImg, 1, i >> 1);
         uint8_t* v = plane_row(dstImg, 2, i >> 1);
         if (apart(luma0, width + columns, u, pairs) && apart(luma0, width + columns, v, pairs) && apart(u, pairs, v, pairs)) {
-            // Where the rows of luma overlap, the upper one is written by a later step: so it goes last.
+            // Where only the rows of luma overlap, the upper one is written by a later step: so it goes last.
             even_row(src1, luma1, columns);
             unpack_row_planar(src0, luma0, u, v, pairs);
             continue;
         }
-        for (ptrdiff_t j = 0; j < pairs; j++) {
-            const uint8_t upper[4] = {src0[4 * j], src0[4 * j + 1], src0[4 * j + 2], src0[4 * j + 3]};
-            const uint8_t lower[2] = {src1[4 * j], src1[4 * j + 2]};
-            luma0[2 * j] = upper[0];
-            luma0[2 * j + 1] = upper[2];
-            luma1[2 * j] = lower[0];
-            luma1[2 * j + 1] = lower[1];
-            u[j] = upper[1];
-            v[j] = upper[3];
-        }
+        for (ptrdiff_t j = 0; j < blocked / 2; j += 8) unpack_step<8>(src0, src1, luma0, luma1, u, v, j);
+        for (ptrdiff_t j = blocked / 2; j < pairs; j++) unpack_step<1>(src0, src1, luma0, luma1, u, v, j);
     }
     return zivStatus_OK;
 }
