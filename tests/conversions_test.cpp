@@ -12,16 +12,17 @@ using namespace harness;
 
 // What the work buffer of the upward NV41 kernel holds where nothing was written to it is not determined, and its first
 // generation ends the process: both have tests of their own.
-bool determined(const Conversion& c) {
-    const std::string name = c.name;
-    return name != "zivColorNV41toNV21" && name != "zivColorNV41toNV21_2";
+std::vector<Conversion> determined_conversions() {
+    std::vector<Conversion> rows;
+    for (const Conversion& c : conversions()) {
+        const std::string name = c.name;
+        if (name != "zivColorNV41toNV21" && name != "zivColorNV41toNV21_2") rows.push_back(c);
+    }
+    return rows;
 }
 
 class Conversions : public testing::TestWithParam<Conversion> {
 protected:
-    void SetUp() override {
-        if (!determined(GetParam())) GTEST_SKIP() << "tested by itself";
-    }
     // A deterministic seed for each conversion.
     uint64_t seed() const {
         uint64_t s = base_seed;
@@ -203,7 +204,7 @@ TEST_P(Conversions, NullDescriptorsAndFormatCodes) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Conversions, testing::ValuesIn(conversions()),
+INSTANTIATE_TEST_SUITE_P(All, Conversions, testing::ValuesIn(determined_conversions()),
                          [](const testing::TestParamInfo<Conversion>& row) { return std::string(row.param.name); });
 
 }  // namespace
