@@ -235,11 +235,55 @@ ZIVCOLOR_API void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap,
 
 /* ---- Conversion on several threads ----------------------------------------------------------------------------------- */
 
+/* A context holds worker threads and runs one conversion on all of them: the destination's rows are cut into bands, four for
+ * each core, and every band is converted by the kernel that zivColorCvt picks for the pair. A context knows nothing of images:
+ * one serves any number of conversions, of any formats and sizes. Idle workers sleep. A process may hold any number of
+ * contexts, and threads may share one.
+ *
+ * Threads pay from about 1000 by 500 pixels on; below that, zivColorCvt is as fast or faster. */
+
+/* Starts a context: a worker for each CPU that the calling thread may run on, 8 at most, fewer if the system grants no more
+ * threads. Cores and bands stay fixed for the life of the context.
+ *   hMemMgr   where the context's record comes from; null is the C heap
+ * Returns the context's handle, or null if there is no worker or no memory for the record; in the latter case the workers
+ * stay behind. */
 ZIVCOLOR_API void* zivColorCvtInit_MultiThreads(void* hMemMgr);
+
+/* Converts srcImg to dstImg on the context and returns when all is done; the calling thread lends a hand. Allocates nothing.
+ *
+ * Bands: contiguous runs of rows of the destination, whose height alone is read. Each begins at an even row. Bands differ by
+ * one pair of rows at most, the higher ones come last, and the last also takes the odd row; with few rows the first bands are
+ * empty. A band is converted as an image of its own: same formats, widths and pitches, the band's height for both, and planes
+ * that begin at the band's first row by the pitches of the descriptors: pitch[k] times the row, or half the row for chroma
+ * that is halved vertically.
+ *
+ * The result is that of zivColorCvt if no kernel writes past the end of its rows (an even width is enough) and if the pitches
+ * agree with what the kernel assumes where it does not read them:
+ *   BGRA8888 to LPI422H, LPI422H to BGRA8888, I444 to LPI422H   every pitch is the tight row of its plane
+ *   I422V to all                                                the source's chroma pitches are its width
+ *   I422V and I444 to I420, NV21 and NV12                       the destination's chroma pitches are the tight rows
+ *   I422H to NV21                                               the destination's pitch[1] equals its pitch[0]
+ * I422H to NV12 is no match: its kernel spreads chroma rows two pitches apart from the start of each band, bands overlap, and
+ * which of them stays is not determined.
+ *
+ *   extParam   the low 8 bits of alpha become the alpha byte where RGBA8888 or BGRA8888 is made from YUV; null is alpha 0
+ *
+ *   zivStatus_NullPointer   the handle, srcImg or dstImg is null; nothing is touched
+ *   zivStatus_BadArgument   zivColorCvtFunc knows no task for the pair (zivColorCvt converts 36 pairs more); nothing is touched
+ *   zivStatus_OK            in all other cases, even if the kernel refused: a size below its least leaves the rows of the band
+ *                           as they were and is not reported */
 ZIVCOLOR_API int32_t zivColorCvtProcess_MultiThreads(void* zivColorCvtHandle, const __tag_KOBR_OFFSCREEN* srcImg,
                                                      const __tag_KOBR_OFFSCREEN* dstImg,
                                                      const zivColorExtParam_ALPHA_t* extParam);
+
+/* Ends the context: when it returns zivStatus_OK, its threads have ended and its memory is given back. No conversion may be
+ * running on it. hMemMgr must be the one given to zivColorCvtInit_MultiThreads.
+ *   zivStatus_NullPointer     the handle is null
+ *   zivStatus_EngineFailure   the workers could not be shut down; the context's record stays allocated */
 ZIVCOLOR_API int32_t zivColorCvtUnInit_MultiThreads(void* hMemMgr, void* zivColorCvtHandle);
+
+/* The index, 0 to 45, of the band task for the pair of format codes, or -1 if the pair has none. Reads the two codes and
+ * nothing else; the pointers are not tested for null. */
 ZIVCOLOR_API int32_t zivColorCvtFunc(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
 #ifdef __cplusplus
