@@ -1,0 +1,103 @@
+// The coefficient sets of RGB to YUV, each in its scalar and its vector form. All are full range with chroma centred at 128,
+// and take chroma from the difference between a colour and the luma. The float set stands with its two kernels.
+#pragma once
+
+#include "core/kernel.h"
+#include "core/lanes_rgb.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+// How a source lays out a pixel.
+struct PixelLayout {
+    int bytes, red, blue;
+};
+inline constexpr PixelLayout rgb888{3, 0, 2}, bgr888{3, 2, 0}, rgba8888{4, 0, 2}, bgra8888{4, 2, 0};
+
+template <PixelLayout in>
+constexpr Weights weights_in_memory_order(int red, int green, int blue) {
+    return in.red == 0 ? Weights{red, green, blue} : Weights{blue, green, red};
+}
+
+struct Pixel {
+    int r, g, b;
+};
+template <PixelLayout in>
+ZIV_INLINE Pixel load_pixel(const uint8_t* p) {
+    return {p[in.red], p[1], p[in.blue]};
+}
+
+// The luma of C columns, and the chroma of the even ones among them.
+template <int C>
+struct Yuv {
+    Luma<C> y;
+    Chroma<C> u, v;
+};
+
+// Luma of scale 64, cut: (19 R + 38 G + 7 B) >> 6. Chroma is the difference times a weight, cut by a shift. Everything fits 16
+// bits. With blue_of_first_8 the vector form takes the blue of columns 8 to 15 of every 16 for their luma from columns 0 to 7.
+template <int weight_u, int shift_u, int weight_v, int shift_v, bool blue_of_first_8 = false>
+struct CutSet {
+    static int y(Pixel p) { return (19 * p.r + 38 * p.g + 7 * p.b) >> 6; }
+    static int u(Pixel p) { return clamp_byte(((p.b - y(p)) * weight_u >> shift_u) + 128); }
+    static int v(Pixel p) { return clamp_byte(((p.r - y(p)) * weight_v >> shift_v) + 128); }
+
+    template <int C, PixelLayout in>
+    ZIV_INLINE static Yuv<C> convert(const uint8_t* p) {
+        const Pixels<C, in.bytes> pixels = load_pixels<C, in.bytes>(p);
+        constexpr int shared = blue_of_first_8 ? in.blue : own_bytes;
+        const Luma<C> luma = luma_q6<weights_in_memory_order<in>(19, 38, 7), shared>(pixels);
+        const OuterBytes<C> even = even_outer_bytes(pixels);
+        const Samples<C> y = even_columns(luma);
+        return {luma, scaled_difference<weight_u, shift_u>(in.blue == 0 ? even.c0 : even.c2, y),
+                scaled_difference<weight_v, shift_v>(in.red == 0 ? even.c0 : even.c2, y)};
+    }
+};
+using ShortSet = CutSet<9, 4, 91, 7>;
+using ShortSetBlueOfFirst8 = CutSet<9, 4, 91, 7, true>;
+using EighthsSet = CutSet<4, 3, 7, 3>;
+using ThirtySecondsSet = CutSet<18, 5, 23, 5>;
+
+// Luma of scale 2^15, rounded. The weights sum to one more than the scale.
+struct FineLuma {
+    static int sum(Pixel p) { return 9798 * p.r + 19235 * p.g + 3736 * p.b; }
+    static int y(Pixel p) { return (sum(p) + 16384) >> 15; }
+
+    template <int C, PixelLayout in>
+    ZIV_INLINE static LumaQ15<C> convert_luma(const Pixels<C, in.bytes>& pixels) {
+        return luma_q15<weights_in_memory_order<in>(9798, 19235, 3736)>(pixels);
+    }
+};
+
+// The finished luma is taken from the colour.
+struct FineRoundedSet : FineLuma {
+    static int u(Pixel p) { return clamp_byte((((p.b - y(p)) * 18492 + 16384) >> 15) + 128); }
+    static int v(Pixel p) { return clamp_byte((((p.r - y(p)) * 23372 + 16384) >> 15) + 128); }
+
+    template <int C, PixelLayout in>
+    ZIV_INLINE static Yuv<C> convert(const uint8_t* p) {
+        const Pixels<C, in.bytes> pixels = load_pixels<C, in.bytes>(p);
+        const Luma<C> luma = convert_luma<C, in>(pixels).rounded;
+        const OuterBytes<C> even = even_outer_bytes(pixels);
+        const Samples<C> y = even_columns(luma);
+        return {luma, rounded_difference_q15<18492>(in.blue == 0 ? even.c0 : even.c2, y),
+                rounded_difference_q15<23372>(in.red == 0 ? even.c0 : even.c2, y)};
+    }
+};
+
+// Luma keeps 7 fractional bits when it is taken from the colour.
+struct FineFractionalSet : FineLuma {
+    static int difference(int colour, Pixel p) { return (colour << 7) - (sum(p) >> 8); }
+    static int u(Pixel p) { return clamp_byte((((difference(p.b, p) * 18492 >> 7) + 16384) >> 15) + 128); }
+    static int v(Pixel p) { return clamp_byte((((difference(p.r, p) * 23372 >> 7) + 16384) >> 15) + 128); }
+
+    template <int C, PixelLayout in>
+    ZIV_INLINE static Yuv<C> convert(const uint8_t* p) {
+        const Pixels<C, in.bytes> pixels = load_pixels<C, in.bytes>(p);
+        const LumaQ15<C> luma = convert_luma<C, in>(pixels);
+        const OuterBytes<C> even = even_outer_bytes(pixels);
+        return {luma.rounded, fractional_difference_q15<18492>(in.blue == 0 ? even.c0 : even.c2, luma.even_q7),
+                fractional_difference_q15<23372>(in.red == 0 ? even.c0 : even.c2, luma.even_q7)};
+    }
+};
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET
