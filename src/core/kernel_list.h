@@ -84,9 +84,7 @@
     KERNEL(zivColorI444toYUYVu8,     I444,  YUYV,    Opaque, Dispatched, 38)     \
     KERNEL(zivColorI444toLPI422Hu8,  I444,  LPI422H, Opaque, Dispatched, 39)     \
     KERNEL(zivColorYUVtoNV21u8,      YUV,   NV21,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorNV21toYUVu8,      NV21,  YUV,     Opaque, Dispatched, NoTask)
-
-#define ZIVCOLOR_YUVREPACK_PENDING(KERNEL)                                       \
+    KERNEL(zivColorNV21toYUVu8,      NV21,  YUV,     Opaque, Dispatched, NoTask) \
     KERNEL(zivColorNV21toNV41,       NV21,  NV41,    Opaque, Direct,     NoTask) \
     KERNEL(zivColorNV21toNV41_2,     NV21,  NV41,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorNV41toNV21,       NV41,  NV21,    Opaque, Direct,     NoTask) \
@@ -170,6 +168,7 @@
 
 #define ZIVCOLOR_ROUTINES(KERNEL)       \
     ZIVCOLOR_YUVREPACK_ROUTINES(KERNEL) \
-    ZIVCOLOR_RGBREPACK_ROUTINES(KERNEL)
+    ZIVCOLOR_RGBREPACK_ROUTINES(KERNEL) \
+    ZIVCOLOR_GEOMETRY_ROUTINES(KERNEL)
 
 // clang-format on

@@ -172,4 +172,18 @@ ZIV_INLINE U8<16> shift_right_insert(U8<16> kept, U8<16> inserted) {
     return (U8<16>)vsriq_n_u8((uint8x16_t)kept, (uint8x16_t)inserted, n);
 }
 
+// ---- Pairs of chroma samples made fewer or more ----
+
+template <>
+ZIV_INLINE void store_square_means<16>(uint8_t* p, const uint8_t* upper, const uint8_t* lower) {
+    const uint8x16x2_t above = vld2q_u8(upper), below = vld2q_u8(lower);
+    uint8x8x2_t means;
+    for (int k = 0; k < 2; k++) means.val[k] = vrshrn_n_u16(vpadalq_u8(vpaddlq_u8(above.val[k]), below.val[k]), 2);
+    vst2_u8(p, means);
+}
+template <>
+ZIV_INLINE void store2_pairs<16>(uint8_t* p, U8<16> a, U8<16> b) {
+    vst2q_u16(reinterpret_cast<uint16_t*>(p), {{(uint16x8_t)a, (uint16x8_t)b}});
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

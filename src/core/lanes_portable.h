@@ -353,4 +353,76 @@ ZIV_INLINE void pack_pixels_565(uint8_t* dst, const uint8_t* src) {
     PixelPack565<N, high, low>::pack(dst, src);
 }
 
+// ---- Turning and mirroring. A vector of 32 or 64 bytes is parts of 16 bytes side by side, and the terms on parts treat each
+//      by itself. ----
+
+// 16 bytes from p, from p + distance and so on.
+template <int N>
+ZIV_INLINE U8<N> load_parts(const uint8_t* p, ptrdiff_t distance) {
+    U8<N> v;
+    for (int k = 0; k < N / 16; k++) __builtin_memcpy(reinterpret_cast<uint8_t*>(&v) + 16 * k, p + k * distance, 16);
+    return v;
+}
+
+// a0 b0 a1 b1 ... from the lower or upper halves of the parts, by bytes or by pairs of bytes.
+template <int N>
+U8<N> zip_parts_low(U8<N> a, U8<N> b);
+template <int N>
+U8<N> zip_parts_high(U8<N> a, U8<N> b);
+template <int N>
+U8<N> zip_pair_parts_low(U8<N> a, U8<N> b);
+template <int N>
+U8<N> zip_pair_parts_high(U8<N> a, U8<N> b);
+template <>
+ZIV_INLINE U8<16> zip_parts_low<16>(U8<16> a, U8<16> b) {
+    return __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+}
+template <>
+ZIV_INLINE U8<16> zip_parts_high<16>(U8<16> a, U8<16> b) {
+    return __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
+}
+template <>
+ZIV_INLINE U8<16> zip_pair_parts_low<16>(U8<16> a, U8<16> b) {
+    return (U8<16>)__builtin_shufflevector((U16<16>)a, (U16<16>)b, 0, 8, 1, 9, 2, 10, 3, 11);
+}
+template <>
+ZIV_INLINE U8<16> zip_pair_parts_high<16>(U8<16> a, U8<16> b) {
+    return (U8<16>)__builtin_shufflevector((U16<16>)a, (U16<16>)b, 4, 12, 5, 13, 6, 14, 7, 15);
+}
+
+// The bytes, or the pairs of bytes, from the last to the first.
+template <int N>
+U8<N> reverse_bytes(U8<N> v);
+template <int N>
+U8<N> reverse_pairs(U8<N> v);
+template <>
+ZIV_INLINE U8<16> reverse_bytes<16>(U8<16> v) {
+    return __builtin_shufflevector(v, v, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+}
+template <>
+ZIV_INLINE U8<16> reverse_pairs<16>(U8<16> v) {
+    return (U8<16>)__builtin_shufflevector((U16<16>)v, (U16<16>)v, 7, 6, 5, 4, 3, 2, 1, 0);
+}
+
+// ---- Pairs of chroma samples made fewer or more ----
+
+// Two rows of N pairs to one of N / 2: (a + b + c + d + 2) >> 2 over each 2 by 2 samples of a channel.
+template <int N>
+ZIV_INLINE void store_square_means(uint8_t* p, const uint8_t* upper, const uint8_t* lower) {
+    uint8_t means[N];
+    for (int i = 0; i < N; i++) {
+        const int at = i / 2 * 4 + i % 2;
+        means[i] = static_cast<uint8_t>((upper[at] + upper[at + 2] + lower[at] + lower[at + 2] + 2) >> 2);
+    }
+    __builtin_memcpy(p, means, N);
+}
+
+// Interleaving store of pairs: a0 b0 a1 b1 ...
+template <int N>
+ZIV_INLINE void store2_pairs(uint8_t* p, U8<N> a, U8<N> b) {
+    static_assert(N == 16, "a wider vector has more than one part");
+    store(p, zip_pair_parts_low<16>(a, b));
+    store(p + 16, zip_pair_parts_high<16>(a, b));
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

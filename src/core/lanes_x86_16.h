@@ -380,4 +380,19 @@ struct PixelPack565<16, high, low> {
     }
 };
 
+// ---- Pairs of chroma samples made fewer or more ----
+
+// The sums of neighbouring samples of a channel, as 16-bit lanes: first, second, first, second ...
+ZIV_INLINE __m128i neighbour_sums(const uint8_t* p) {
+    const __m128i by_channel = _mm_setr_epi8(0, 2, 1, 3, 4, 6, 5, 7, 8, 10, 9, 11, 12, 14, 13, 15);
+    return _mm_maddubs_epi16(_mm_shuffle_epi8(load128(p), by_channel), _mm_set1_epi8(1));
+}
+template <>
+ZIV_INLINE void store_square_means<16>(uint8_t* p, const uint8_t* upper, const uint8_t* lower) {
+    const __m128i half = _mm_set1_epi16(2);
+    const __m128i lo = _mm_add_epi16(_mm_add_epi16(neighbour_sums(upper), neighbour_sums(lower)), half);
+    const __m128i hi = _mm_add_epi16(_mm_add_epi16(neighbour_sums(upper + 16), neighbour_sums(lower + 16)), half);
+    store128(p, _mm_packus_epi16(_mm_srli_epi16(lo, 2), _mm_srli_epi16(hi, 2)));
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

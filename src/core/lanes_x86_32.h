@@ -315,4 +315,57 @@ struct PixelPack565<32, high, low> {
     }
 };
 
+// ---- Turning and mirroring ----
+
+template <>
+ZIV_INLINE U8<32> load_parts<32>(const uint8_t* p, ptrdiff_t distance) {
+    return (U8<32>)load_halves(p, p + distance);
+}
+template <>
+ZIV_INLINE U8<32> zip_parts_low<32>(U8<32> a, U8<32> b) {
+    return (U8<32>)_mm256_unpacklo_epi8((__m256i)a, (__m256i)b);
+}
+template <>
+ZIV_INLINE U8<32> zip_parts_high<32>(U8<32> a, U8<32> b) {
+    return (U8<32>)_mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
+}
+template <>
+ZIV_INLINE U8<32> zip_pair_parts_low<32>(U8<32> a, U8<32> b) {
+    return (U8<32>)_mm256_unpacklo_epi16((__m256i)a, (__m256i)b);
+}
+template <>
+ZIV_INLINE U8<32> zip_pair_parts_high<32>(U8<32> a, U8<32> b) {
+    return (U8<32>)_mm256_unpackhi_epi16((__m256i)a, (__m256i)b);
+}
+template <>
+ZIV_INLINE U8<32> reverse_bytes<32>(U8<32> v) {
+    const __m256i within = both_halves(_mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0));
+    return (U8<32>)_mm256_permute4x64_epi64(_mm256_shuffle_epi8((__m256i)v, within), 0x4E);
+}
+template <>
+ZIV_INLINE U8<32> reverse_pairs<32>(U8<32> v) {
+    const __m256i within = both_halves(_mm_setr_epi8(14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1));
+    return (U8<32>)_mm256_permute4x64_epi64(_mm256_shuffle_epi8((__m256i)v, within), 0x4E);
+}
+
+// ---- Pairs of chroma samples made fewer or more ----
+
+ZIV_INLINE __m256i square_means(const uint8_t* upper, const uint8_t* lower) {
+    const __m256i by_channel = both_halves(_mm_setr_epi8(0, 2, 1, 3, 4, 6, 5, 7, 8, 10, 9, 11, 12, 14, 13, 15));
+    const __m256i one = _mm256_set1_epi8(1);
+    const __m256i sums = _mm256_add_epi16(_mm256_maddubs_epi16(_mm256_shuffle_epi8(load256(upper), by_channel), one),
+                                          _mm256_maddubs_epi16(_mm256_shuffle_epi8(load256(lower), by_channel), one));
+    return _mm256_srli_epi16(_mm256_add_epi16(sums, _mm256_set1_epi16(2)), 2);
+}
+template <>
+ZIV_INLINE void store_square_means<32>(uint8_t* p, const uint8_t* upper, const uint8_t* lower) {
+    const __m256i packed = _mm256_packus_epi16(square_means(upper, lower), square_means(upper + 32, lower + 32));
+    store256(p, _mm256_permute4x64_epi64(packed, 0xD8));
+}
+template <>
+ZIV_INLINE void store2_pairs<32>(uint8_t* p, U8<32> a, U8<32> b) {
+    store_halves(p, p + 32, (__m256i)zip_pair_parts_low<32>(a, b));
+    store_halves(p + 16, p + 48, (__m256i)zip_pair_parts_high<32>(a, b));
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -340,4 +340,61 @@ struct PixelPack565<64, high, low> {
     }
 };
 
+// ---- Turning and mirroring ----
+
+template <>
+ZIV_INLINE U8<64> load_parts<64>(const uint8_t* p, ptrdiff_t distance) {
+    // A masked broadcast is a load into its place, which an insertion is not.
+    __m512i v = _mm512_castsi128_si512(load128(p));
+    v = _mm512_mask_broadcast_i32x4(v, 0x00F0, load128(p + distance));
+    v = _mm512_mask_broadcast_i32x4(v, 0x0F00, load128(p + 2 * distance));
+    return (U8<64>)_mm512_mask_broadcast_i32x4(v, 0xF000, load128(p + 3 * distance));
+}
+template <>
+ZIV_INLINE U8<64> zip_parts_low<64>(U8<64> a, U8<64> b) {
+    return (U8<64>)_mm512_unpacklo_epi8((__m512i)a, (__m512i)b);
+}
+template <>
+ZIV_INLINE U8<64> zip_parts_high<64>(U8<64> a, U8<64> b) {
+    return (U8<64>)_mm512_unpackhi_epi8((__m512i)a, (__m512i)b);
+}
+template <>
+ZIV_INLINE U8<64> zip_pair_parts_low<64>(U8<64> a, U8<64> b) {
+    return (U8<64>)_mm512_unpacklo_epi16((__m512i)a, (__m512i)b);
+}
+template <>
+ZIV_INLINE U8<64> zip_pair_parts_high<64>(U8<64> a, U8<64> b) {
+    return (U8<64>)_mm512_unpackhi_epi16((__m512i)a, (__m512i)b);
+}
+template <>
+ZIV_INLINE U8<64> reverse_bytes<64>(U8<64> v) {
+    return (U8<64>)_mm512_permutexvar_epi8(bytes512([](int n) { return 63 - n; }), (__m512i)v);
+}
+template <>
+ZIV_INLINE U8<64> reverse_pairs<64>(U8<64> v) {
+    return (U8<64>)_mm512_permutexvar_epi8(bytes512([](int n) { return 62 - n / 2 * 2 + n % 2; }), (__m512i)v);
+}
+
+// ---- Pairs of chroma samples made fewer or more ----
+
+ZIV_INLINE __m512i square_means512(const uint8_t* upper, const uint8_t* lower) {
+    const __m512i by_channel = _mm512_broadcast_i32x4(_mm_setr_epi8(0, 2, 1, 3, 4, 6, 5, 7, 8, 10, 9, 11, 12, 14, 13, 15));
+    const __m512i one = _mm512_set1_epi8(1);
+    const __m512i sums = _mm512_add_epi16(_mm512_maddubs_epi16(_mm512_shuffle_epi8(load512(upper), by_channel), one),
+                                          _mm512_maddubs_epi16(_mm512_shuffle_epi8(load512(lower), by_channel), one));
+    return _mm512_srli_epi16(_mm512_add_epi16(sums, _mm512_set1_epi16(2)), 2);
+}
+template <>
+ZIV_INLINE void store_square_means<64>(uint8_t* p, const uint8_t* upper, const uint8_t* lower) {
+    store256(p, _mm512_cvtepi16_epi8(square_means512(upper, lower)));
+    store256(p + 32, _mm512_cvtepi16_epi8(square_means512(upper + 64, lower + 64)));
+}
+template <>
+ZIV_INLINE void store2_pairs<64>(uint8_t* p, U8<64> a, U8<64> b) {
+    const __m512i low = bytes512([](int n) { return n / 4 * 2 + n % 2 + n % 4 / 2 * 64; });
+    const __m512i high = bytes512([](int n) { return 32 + n / 4 * 2 + n % 2 + n % 4 / 2 * 64; });
+    store512(p, _mm512_permutex2var_epi8((__m512i)a, low, (__m512i)b));
+    store512(p + 64, _mm512_permutex2var_epi8((__m512i)a, high, (__m512i)b));
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -1,0 +1,113 @@
+// The walk of the half turn and the mirrors: two luma rows and the chroma row that belongs to them, a pass at a time.
+#pragma once
+
+#include "core/rows.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+// Bytes from first up to past.
+struct Extent {
+    uintptr_t first, past;
+};
+ZIV_INLINE bool apart(Extent a, Extent b) { return a.past <= b.first || b.past <= a.first; }
+
+// What `count` runs of `bytes` bytes cover, the first at p, each `step` bytes further.
+ZIV_INLINE Extent extent_of_runs(const uint8_t* p, ptrdiff_t step, ptrdiff_t count, ptrdiff_t bytes) {
+    const uintptr_t first = reinterpret_cast<uintptr_t>(p);
+    const uintptr_t last = first + static_cast<uintptr_t>(step) * static_cast<uintptr_t>(count - 1);
+    const uintptr_t length = static_cast<uintptr_t>(bytes);
+    return step < 0 ? Extent{last, first + length} : Extent{first, last + length};
+}
+
+// A plane's side of the walk: where the first pass has its run, and how far the next one's is.
+struct Runs {
+    uint8_t* first;
+    ptrdiff_t step;
+    ZIV_INLINE uint8_t* at(ptrdiff_t pass) const { return first + pass * step; }
+};
+
+// The runs of a luma plane's upper and lower rows, and of its chroma plane. The lower row is as far from the upper one in every
+// pass.
+struct PlaneRuns {
+    Runs luma;
+    ptrdiff_t to_lower;
+    Runs chroma;
+};
+
+ZIV_INLINE Extent luma_extent(const PlaneRuns& runs, ptrdiff_t passes, ptrdiff_t bytes) {
+    const Extent upper = extent_of_runs(runs.luma.first, runs.luma.step, passes, bytes);
+    const Extent lower = extent_of_runs(runs.luma.first + runs.to_lower, runs.luma.step, passes, bytes);
+    return {upper.first < lower.first ? upper.first : lower.first, upper.past > lower.past ? upper.past : lower.past};
+}
+
+// Whether the order of steps within a pass cannot be seen: nothing that is written is read, and luma and chroma are written to
+// different places.
+ZIV_INLINE bool order_is_free(const PlaneRuns& src, const PlaneRuns& dst, ptrdiff_t passes, ptrdiff_t bytes) {
+    const Extent src_luma = luma_extent(src, passes, bytes), dst_luma = luma_extent(dst, passes, bytes);
+    const Extent src_chroma = extent_of_runs(src.chroma.first, src.chroma.step, passes, bytes);
+    const Extent dst_chroma = extent_of_runs(dst.chroma.first, dst.chroma.step, passes, bytes);
+    return apart(dst_luma, dst_chroma) && apart(dst_luma, src_luma) && apart(dst_luma, src_chroma) &&
+           apart(dst_chroma, src_luma) && apart(dst_chroma, src_chroma);
+}
+
+enum class Samples { bytes, pairs };
+
+template <Samples samples, int N>
+ZIV_INLINE U8<N> reversed(U8<N> v) {
+    if constexpr (samples == Samples::bytes) return reverse_bytes<N>(v);
+    else return reverse_pairs<N>(v);
+}
+
+// Byte x of the source goes to byte bytes - 1 - x of the destination; pairs keep their own order. bytes is even. The last
+// vector may go over bytes that are already written, with the same values.
+template <Samples samples>
+[[gnu::noinline]] inline void reverse_row(const uint8_t* src, uint8_t* dst, ptrdiff_t bytes) {
+    const auto step = [&](auto size, ptrdiff_t j) ZIV_INLINE_BODY {
+        constexpr int N = size.value;
+        store(dst + bytes - j - N, reversed<samples, N>(load<N>(src + j)));
+    };
+    const ptrdiff_t done = for_vectors(bytes, step);
+    if (done == bytes) return;
+    if (bytes >= 16) return step(Step<16>{}, bytes - 16);
+    for (ptrdiff_t j = 0; j < bytes; j += 2) {
+        dst[bytes - 2 - j] = src[j + (samples == Samples::bytes)];
+        dst[bytes - 1 - j] = src[j + (samples == Samples::pairs)];
+    }
+}
+
+// One step of 8 or of 2 columns when the order is seen: three loads, then the stores.
+template <int N, bool mirrored>
+ZIV_INLINE void step_in_order(const uint8_t* const (&src)[3], uint8_t* const (&dst)[3], ptrdiff_t j, ptrdiff_t bytes) {
+    uint8_t run[3][N];
+    for (int k = 0; k < 3; k++) __builtin_memcpy(run[k], src[k] + j, N);
+    for (int k = 0; k < 3; k++) {
+        uint8_t out[N];
+        for (int n = 0; n < N; n++) out[n] = run[k][!mirrored ? n : k < 2 ? N - 1 - n : N - 2 - n + 2 * (n % 2)];
+        __builtin_memcpy(dst[k] + (mirrored ? bytes - j - N : j), out, N);
+    }
+}
+
+// Moves passes runs of bytes bytes. blocked: the columns that go in steps of 8 when the order is seen; the rest, up to bytes,
+// goes in steps of 2.
+template <bool mirrored>
+ZIV_INLINE void move_row_pairs(const PlaneRuns& src, const PlaneRuns& dst, ptrdiff_t passes, ptrdiff_t blocked,
+                               ptrdiff_t bytes) {
+    const bool free = order_is_free(src, dst, passes, bytes);
+    for (ptrdiff_t pass = 0; pass < passes; pass++) {
+        const uint8_t* const from[3] = {src.luma.at(pass), src.luma.at(pass) + src.to_lower, src.chroma.at(pass)};
+        uint8_t* const to[3] = {dst.luma.at(pass), dst.luma.at(pass) + dst.to_lower, dst.chroma.at(pass)};
+        if (!free) {
+            ptrdiff_t j = 0;
+            for (; j < blocked; j += 8) step_in_order<8, mirrored>(from, to, j, bytes);
+            for (; j < bytes; j += 2) step_in_order<2, mirrored>(from, to, j, bytes);
+        } else if constexpr (mirrored) {
+            reverse_row<Samples::bytes>(from[0], to[0], bytes);
+            reverse_row<Samples::bytes>(from[1], to[1], bytes);
+            reverse_row<Samples::pairs>(from[2], to[2], bytes);
+        } else {
+            for (int k = 0; k < 3; k++) copy_row(from[k], to[k], bytes);
+        }
+    }
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET

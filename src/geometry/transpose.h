@@ -1,0 +1,104 @@
+// Transposition of a plane of samples of 1 or 2 bytes. Sizes are told by the runs that are moved: a run of `columns` bytes in
+// each source row, a run of `rows` bytes in each destination row.
+#pragma once
+
+#include "core/kernel.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+struct Transposition {
+    const uint8_t* src;
+    ptrdiff_t src_pitch;
+    uint8_t* dst;
+    ptrdiff_t dst_pitch;
+};
+
+// One round of a perfect shuffle over `count` vectors: log2(count) rounds exchange the number of a vector and the number of a
+// lane within each part.
+template <int N, int sample, int count>
+ZIV_INLINE void shuffle_round(U8<N> (&v)[count]) {
+    U8<N> w[count];
+#pragma GCC unroll 8
+    for (int i = 0; i < count / 2; i++) {
+        const U8<N> a = v[i], b = v[i + count / 2];
+        w[2 * i] = sample == 1 ? zip_parts_low<N>(a, b) : zip_pair_parts_low<N>(a, b);
+        w[2 * i + 1] = sample == 1 ? zip_parts_high<N>(a, b) : zip_pair_parts_high<N>(a, b);
+    }
+#pragma GCC unroll 16
+    for (int i = 0; i < count; i++) v[i] = w[i];
+}
+
+// 16 bytes of each source row to 16 / sample destination rows of N bytes.
+template <int N, int sample>
+ZIV_INLINE void transpose_tile(const Transposition& t) {
+    constexpr int count = 16 / sample;
+    U8<N> v[count];
+#pragma GCC unroll 16
+    for (int i = 0; i < count; i++) v[i] = load_parts<N>(t.src + i * t.src_pitch, count * t.src_pitch);
+    shuffle_round<N, sample, count>(v);
+    shuffle_round<N, sample, count>(v);
+    shuffle_round<N, sample, count>(v);
+    if constexpr (sample == 1) shuffle_round<N, sample, count>(v);
+#pragma GCC unroll 16
+    for (int i = 0; i < count; i++) store(t.dst + i * t.dst_pitch, v[i]);
+}
+
+// 8 bytes of each source row to 8 / sample destination rows of 8 bytes, in ascending order of source columns.
+template <int sample>
+ZIV_INLINE void transpose_block(const Transposition& t) {
+    constexpr int count = 4 / sample;  // vectors, each of two rows
+    U8<16> v[count];
+    for (int i = 0; i < count; i++) {
+        uint64_t row[2];
+        __builtin_memcpy(row, t.src + 2 * i * t.src_pitch, 8);
+        __builtin_memcpy(row + 1, t.src + (2 * i + 1) * t.src_pitch, 8);
+        __builtin_memcpy(&v[i], row, 16);
+    }
+    shuffle_round<16, sample, count>(v);
+    shuffle_round<16, sample, count>(v);
+    if constexpr (sample == 1) shuffle_round<16, sample, count>(v);
+    for (int i = 0; i < count; i++) {
+        uint64_t run[2];
+        __builtin_memcpy(run, &v[i], 16);
+        __builtin_memcpy(t.dst + 2 * i * t.dst_pitch, run, 8);
+        __builtin_memcpy(t.dst + (2 * i + 1) * t.dst_pitch, run + 1, 8);
+    }
+}
+
+// The part of the plane at byte x of source row y / sample, which is byte y of destination row x / sample.
+template <int sample>
+ZIV_INLINE Transposition part_at(const Transposition& t, ptrdiff_t x, ptrdiff_t y) {
+    return {t.src + y / sample * t.src_pitch + x, t.src_pitch, t.dst + x / sample * t.dst_pitch + y, t.dst_pitch};
+}
+
+// Strips of source columns as wide as a cache line, each walked down all rows, so that a line of either side is finished while
+// it is at hand. The last tiles in either direction lie over the ones before.
+template <int sample, int N>
+[[gnu::noinline]] inline void transpose_by_tiles(const Transposition& t, ptrdiff_t columns, ptrdiff_t rows) {
+    constexpr ptrdiff_t strip = 64;
+    for (ptrdiff_t x0 = 0; x0 < columns; x0 += strip) {
+        const ptrdiff_t x_end = x0 + strip < columns ? x0 + strip : columns;
+        for (ptrdiff_t y0 = 0; y0 < rows; y0 += N) {
+            const ptrdiff_t y = y0 + N <= rows ? y0 : rows - N;
+            for (ptrdiff_t x = x0; x < x_end; x += 16)
+                transpose_tile<N, sample>(part_at<sample>(t, x + 16 <= columns ? x : columns - 16, y));
+        }
+    }
+}
+
+// columns and rows are multiples of 8, and no two destination rows share a byte.
+template <int sample>
+ZIV_INLINE void transpose_plane(const Transposition& t, ptrdiff_t columns, ptrdiff_t rows) {
+    if (columns < 16 || rows < 16) {
+        for (ptrdiff_t y = 0; y < rows; y += 8)
+            for (ptrdiff_t x = 0; x < columns; x += 8) transpose_block<sample>(part_at<sample>(t, x, y));
+        return;
+    }
+    if constexpr (widest > 32)
+        if (rows >= 64) return transpose_by_tiles<sample, 64>(t, columns, rows);
+    if constexpr (widest > 16)
+        if (rows >= 32) return transpose_by_tiles<sample, 32>(t, columns, rows);
+    transpose_by_tiles<sample, 16>(t, columns, rows);
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -1,0 +1,208 @@
+// Turns and mirrors on every target against the reference, and by their meaning.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "harness/workspace.h"
+
+namespace {
+
+using namespace harness;
+
+enum class Routine { clockwise, counter_clockwise, half_turn, horizontal, vertical };
+
+struct Geometry {
+    int32_t width, height, source_pitch[2], destination_pitch[2], destination_height;
+};
+
+// Buffers: source luma, source chroma, destination luma, destination chroma.
+Call call_of(Routine routine, const Geometry& g) {
+    return [=](const zivcolor::KernelTable& kernels, uint8_t* const* buffers) -> int64_t {
+        const zivcolor::Image source{
+            zivPixFmt_NV21, g.width, g.height, {buffers[0], buffers[1]}, {g.source_pitch[0], g.source_pitch[1]}};
+        const zivcolor::Image destination{zivPixFmt_NV21,
+                                          g.height,
+                                          g.destination_height,
+                                          {buffers[2], buffers[3]},
+                                          {g.destination_pitch[0], g.destination_pitch[1]}};
+        switch (routine) {
+            case Routine::clockwise: return kernels.zivRotate(&source, &destination, 1), 0;
+            case Routine::counter_clockwise: return kernels.zivRotate(&source, &destination, 3), 0;
+            case Routine::half_turn: return kernels.zivRotate(&source, &destination, 2), 0;
+            case Routine::horizontal: return kernels.zivflip_horizontal_nv21(&source, &destination);
+            case Routine::vertical: return kernels.zivflip_vertical_nv21(&source, &destination);
+        }
+        return 0;
+    };
+}
+
+bool is_quarter_turn(Routine routine) { return routine == Routine::clockwise || routine == Routine::counter_clockwise; }
+
+std::vector<Room> rooms_of(const Geometry& g) {
+    const auto size = [](int64_t n) { return static_cast<size_t>(n); };
+    int64_t pitch = g.width;
+    for (const int32_t p : {g.source_pitch[0], g.source_pitch[1], g.destination_pitch[0], g.destination_pitch[1]})
+        pitch = std::max<int64_t>(pitch, p < 0 ? -int64_t{p} : p);
+    const int64_t rows = std::max({g.width, g.height, g.destination_height}) + 3;
+    const size_t reach = size(pitch * rows + g.width + 64);
+    return {{reach, reach}, {reach, reach}, {reach, reach}, {reach, reach}};
+}
+
+std::string describe(const Geometry& g) {
+    std::string text = std::to_string(g.width) + "x" + std::to_string(g.height) + " pitches";
+    for (const int32_t p : {g.source_pitch[0], g.source_pitch[1], g.destination_pitch[0], g.destination_pitch[1]})
+        text += ' ', text += std::to_string(p);
+    return text + ", destination height " + std::to_string(g.destination_height);
+}
+
+class GeometryRoutine : public testing::TestWithParam<Routine> {
+protected:
+    Geometry tight(int width, int height) const {
+        const int across = is_quarter_turn(GetParam()) ? height : width;
+        return {width, height, {width, width}, {across, across}, is_quarter_turn(GetParam()) ? width : height};
+    }
+    void expect_same(const Geometry& g, uint64_t seed) const {
+        expect_same_bytes(call_of(GetParam(), g), rooms_of(g), seed, [&] { return describe(g); });
+    }
+    Random random{base_seed + static_cast<uint64_t>(GetParam())};
+};
+
+TEST_P(GeometryRoutine, SmallTightImages) {
+    for (int width = -1; width <= 50; width++)
+        for (int height = -1; height <= 34; height++) {
+            expect_same(tight(width, height), random.next());
+            if (HasFailure()) return;
+        }
+}
+
+TEST_P(GeometryRoutine, PitchesOfAnyKind) {
+    for (int round = 0; round < 1500; round++) {
+        Geometry g = tight(random.between(1, 150), random.between(1, 150));
+        for (int32_t* pitches : {g.source_pitch, g.destination_pitch})
+            for (int k = 0; k < 2; k++) {
+                pitches[k] += random.below(3) ? random.below(40) & ~1 : random.below(60) - 20;
+                if (random.below(8) == 0) pitches[k] = -pitches[k];
+            }
+        if (random.below(4) == 0) g.destination_height = random.between(1, 160);
+        expect_same(g, random.next());
+        if (HasFailure()) return;
+    }
+}
+
+// All four planes in one block of memory, a little apart or over each other: the order of blocks shows.
+TEST_P(GeometryRoutine, PlanesThatMeet) {
+    for (int round = 0; round < 1500; round++) {
+        Geometry g = tight(random.between(8, 90), random.between(8, 90));
+        for (int k = 0; k < 2; k++) g.destination_pitch[k] += random.below(2) ? 0 : random.below(24) - 12;
+        const int64_t luma = int64_t{g.width} * g.height;
+        const ptrdiff_t destination = is_quarter_turn(GetParam()) || random.below(2) ? 2 * luma : random.below(200) - 100;
+        const ptrdiff_t chroma = random.below(2) ? luma : random.below(static_cast<int>(luma));
+        const Call on_planes = call_of(GetParam(), g);
+        const Call call = [&](const zivcolor::KernelTable& kernels, uint8_t* const* buffers) {
+            uint8_t* const start = buffers[0];
+            uint8_t* const planes[4] = {start, start + luma, start + destination, start + destination + chroma};
+            return on_planes(kernels, planes);
+        };
+        const size_t room = rooms_of(g)[0].after;
+        expect_same_bytes(call, {{room, 3 * room}}, random.next(), [&] {
+            return describe(g) + ", destination at " + std::to_string(destination) + ", its chroma " + std::to_string(chroma);
+        });
+        if (HasFailure()) return;
+    }
+}
+
+TEST_P(GeometryRoutine, StaysInsideItsReach) {
+    for (const int width : {7, 8, 9, 15, 16, 17, 24, 31, 32, 40, 63, 64, 65, 72, 127, 128, 129, 136})
+        for (const int height : {1, 2, 7, 8, 9, 16, 24, 32, 33, 40, 64, 72, 130}) {
+            const Geometry g = tight(width, height);
+            expect_in_bounds(call_of(GetParam(), g), rooms_of(g), random.next(), [&] { return describe(g); });
+            if (HasFailure()) return;
+        }
+}
+
+TEST_P(GeometryRoutine, LargeImages) {
+    for (const auto& [width, height] : {std::pair{328, 248}, {512, 512}, {1000, 72}, {72, 1000}, {1920, 136}}) {
+        Geometry g = tight(width, height);
+        expect_same(g, random.next());
+        g.destination_pitch[0] = g.destination_pitch[1] = 2048;
+        expect_same(g, random.next());
+        if (HasFailure()) return;
+    }
+}
+
+std::string name_of(const testing::TestParamInfo<Routine>& row) {
+    static const char* const names[] = {"Clockwise", "CounterClockwise", "HalfTurn", "Horizontal", "Vertical"};
+    return names[static_cast<int>(row.param)];
+}
+INSTANTIATE_TEST_SUITE_P(All, GeometryRoutine,
+                         testing::Values(Routine::clockwise, Routine::counter_clockwise, Routine::half_turn,
+                                         Routine::horizontal, Routine::vertical),
+                         name_of);
+
+// A 16 by 8 image whose luma is 16 y + x and whose pair at (yc, xc) is 16 yc + xc, 200 + 16 yc + xc.
+struct Numbered {
+    std::vector<uint8_t> bytes = std::vector<uint8_t>(16 * 12);
+    zivcolor::Image image{zivPixFmt_NV21, 16, 8, {bytes.data(), bytes.data() + 128}, {16, 16}};
+    Numbered() {
+        for (int y = 0; y < 8; y++)
+            for (int x = 0; x < 16; x++) bytes[static_cast<size_t>(16 * y + x)] = static_cast<uint8_t>(16 * y + x);
+        for (int y = 0; y < 4; y++)
+            for (int x = 0; x < 8; x++)
+                for (int k = 0; k < 2; k++)
+                    bytes[static_cast<size_t>(128 + 16 * y + 2 * x + k)] = static_cast<uint8_t>(200 * k + 16 * y + x);
+    }
+};
+
+struct Place {
+    int y, x;
+};
+
+// Where the luma samples (0, 0), (1, 3) and (7, 15) went, and the pairs (0, 0) and (3, 7).
+void expect_places(const Numbered& turned, int pitch, const Place (&luma)[3], const Place (&pairs)[2]) {
+    const int samples[3] = {0, 16 + 3, 127}, firsts[2] = {0, 48 + 7}, seconds[2] = {200, (200 + 48 + 7) & 0xFF};
+    for (int k = 0; k < 3; k++) EXPECT_EQ(int{turned.bytes[static_cast<size_t>(pitch * luma[k].y + luma[k].x)]}, samples[k]);
+    for (int k = 0; k < 2; k++) {
+        const auto at = static_cast<size_t>(128 + pitch * pairs[k].y + 2 * pairs[k].x);
+        EXPECT_EQ(int{turned.bytes[at]}, firsts[k]);
+        EXPECT_EQ(int{turned.bytes[at + 1]}, seconds[k]);
+    }
+}
+
+TEST(Geometry, MovesEachSampleWhereItsNameSays) {
+    Numbered source, turned;
+    turned.image.pitch[0] = turned.image.pitch[1] = 8, turned.image.width = 8, turned.image.height = 16;
+    zivRotate(&source.image, &turned.image, 1);  // the top left goes to the top right
+    expect_places(turned, 8, {{0, 7}, {3, 6}, {15, 0}}, {{0, 3}, {7, 0}});
+    zivRotate(&source.image, &turned.image, 3);  // to the bottom left
+    expect_places(turned, 8, {{15, 0}, {12, 1}, {0, 7}}, {{7, 0}, {0, 3}});
+    turned.image.pitch[0] = turned.image.pitch[1] = 16, turned.image.width = 16, turned.image.height = 8;
+    for (const int mode : {0, 2, 4, -1}) {  // to the bottom right
+        std::fill(turned.bytes.begin(), turned.bytes.end(), uint8_t{99});
+        zivRotate(&source.image, &turned.image, mode);
+        expect_places(turned, 16, {{7, 15}, {6, 12}, {0, 0}}, {{3, 7}, {0, 0}});
+    }
+    EXPECT_EQ(zivflip_horizontal_nv21(&source.image, &turned.image), zivStatus_OK);
+    expect_places(turned, 16, {{0, 15}, {1, 12}, {7, 0}}, {{0, 7}, {3, 0}});
+    EXPECT_EQ(zivflip_vertical_nv21(&source.image, &turned.image), zivStatus_OK);
+    expect_places(turned, 16, {{7, 0}, {6, 3}, {0, 15}}, {{3, 0}, {0, 7}});
+}
+
+TEST(Geometry, Statuses) {
+    Numbered source, turned;
+    for (const auto mirror : {zivflip_horizontal_nv21, zivflip_vertical_nv21}) {
+        EXPECT_EQ(mirror(nullptr, &turned.image), zivStatus_NullPointer);
+        EXPECT_EQ(mirror(nullptr, nullptr), zivStatus_NullPointer);
+        source.image.format = zivPixFmt_NV12;
+        EXPECT_EQ(mirror(&source.image, nullptr), zivStatus_BadArgument);
+        source.image.format = zivPixFmt_NV21;
+        turned.image.format = 0;
+        EXPECT_EQ(mirror(&source.image, &turned.image), zivStatus_OK);
+        source.image.height = 0;
+        EXPECT_EQ(mirror(&source.image, nullptr), zivStatus_OK);
+        source.image.height = 8;
+    }
+}
+
+}  // namespace
