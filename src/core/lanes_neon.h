@@ -7,6 +7,13 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
+// By the intrinsics, as the compiler would move the bytes of a plain copy through general registers.
+template <>
+ZIV_INLINE U8<16> load<16>(const uint8_t* p) {
+    return (U8<16>)vld1q_u8(p);
+}
+ZIV_INLINE void store(uint8_t* p, U8<16> v) { vst1q_u8(p, (uint8x16_t)v); }
+
 template <>
 ZIV_INLINE U16<16> load_widened<16>(const uint8_t* p) {
     return (U16<16>)vmovl_u8(vld1_u8(p));

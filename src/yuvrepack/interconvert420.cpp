@@ -3,17 +3,22 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
-// The common walk: pairs of rows, pairs of columns. An odd last row or column stays unwritten.
-// chroma_row(row, pairs) moves the chroma of one pair of rows.
+// Whether the rows of the chroma follow each other without a gap.
+ZIV_INLINE bool chroma_is_tight(const Image* img, ptrdiff_t columns) {
+    if (img->format == zivPixFmt_I420) return img->pitch[1] == columns >> 1 && img->pitch[2] == columns >> 1;
+    return img->pitch[1] == columns;
+}
+
+// Pairs of rows, pairs of columns: an odd last row or column stays unwritten. chroma_row(row, pairs) moves a row of chroma;
+// tight images are one long row.
 template <class ChromaRow>
 ZIV_INLINE void convert_row_pairs(const Image* srcImg, const Image* dstImg, ChromaRow chroma_row) {
-    const ptrdiff_t columns = dstImg->width & ~1, height = dstImg->height;
-    for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
-        const uint8_t* luma = row_at(srcImg->plane[0], i, srcImg->pitch[0]);
-        uint8_t* dst = row_at(dstImg->plane[0], i, dstImg->pitch[0]);
-        copy_row(luma, dst, columns);
-        copy_row(luma + srcImg->pitch[0], dst + dstImg->pitch[0], columns);
-        chroma_row(i >> 1, columns >> 1);
+    const ptrdiff_t columns = dstImg->width & ~1, rows = dstImg->height >> 1;
+    copy_plane(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], columns, 2 * rows);
+    if (chroma_is_tight(srcImg, columns) && chroma_is_tight(dstImg, columns)) {
+        chroma_row(0, (columns >> 1) * rows);
+    } else {
+        for (ptrdiff_t i = 0; i < rows; i++) chroma_row(i, columns >> 1);
     }
 }
 
@@ -51,15 +56,17 @@ int32_t zivColorNV12toNV21u8(const Image* srcImg, const Image* dstImg) {
 }
 
 // Every row, so that an odd last one carries its chroma too; an odd width is rounded up to whole pairs. The destination's
-// chroma rows step by the pitch of its luma.
+// chroma rows step by the pitch of its luma. A tight image is one long row.
 int32_t zivColorYV12toNV21u8_2(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_sizes(srcImg, dstImg, destination_2x2)) return status;
-    const ptrdiff_t columns = (ptrdiff_t{dstImg->width} + 1) & ~ptrdiff_t{1}, height = dstImg->height;
+    ptrdiff_t columns = whole_pairs_up(dstImg->width), pairs = columns >> 1, height = dstImg->height;
+    if (dstImg->pitch[0] == columns && srcImg->pitch[0] == columns && srcImg->pitch[1] == pairs && srcImg->pitch[2] == pairs)
+        pairs *= (height + 1) >> 1, columns *= height, height = 1;
     for (ptrdiff_t i = 0; i < height; i++) {
         copy_row(plane_row(srcImg, 0, i), plane_row(dstImg, 0, i), columns);
         if (i & 1) continue;
         interleave_row(plane_row(srcImg, 1, i >> 1), plane_row(srcImg, 2, i >> 1),
-                       row_at(dstImg->plane[1], i >> 1, dstImg->pitch[0]), columns >> 1);
+                       row_at(dstImg->plane[1], i >> 1, dstImg->pitch[0]), pairs);
     }
     return zivStatus_OK;
 }
@@ -69,7 +76,7 @@ int32_t zivColorYV12toNV21u8_2(const Image* srcImg, const Image* dstImg) {
 int32_t zivColorYV12toNV21u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height) {
     if (!pSrc || !pDst) return zivStatus_NullPointer;
     if (width < 2 || height < 2) return zivStatus_BadArgument;
-    const ptrdiff_t columns = (width + 1) & ~ptrdiff_t{1}, luma_bytes = width * height;
+    const ptrdiff_t columns = whole_pairs_up(width), luma_bytes = width * height;
     const uint8_t* luma = pSrc;
     const uint8_t* first = pSrc + luma_bytes;
     const uint8_t* second = first + (luma_bytes >> 2);

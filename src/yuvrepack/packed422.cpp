@@ -4,8 +4,6 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
-ZIV_INLINE ptrdiff_t whole_pairs_up(int32_t width) { return (ptrdiff_t{width} + 1) & ~ptrdiff_t{1}; }
-
 // ---- 4:2:0 to packed ----
 
 // Two rows from one row of pairs U V, column by column over both: what an odd width writes past the upper row may be the start
