@@ -75,15 +75,6 @@ inline int32_t convert(const zivcolor::KernelTable& kernels, const Conversion& c
     return c.convert(kernels, &s, &d, alpha);
 }
 
-inline bool listed(std::initializer_list<const char*> names) {
-    for (const std::string name : names) {
-        bool found = false;
-        for (const Conversion& c : conversions()) found = found || name == c.name;
-        if (!found) return false;
-    }
-    return true;
-}
-
 // Calls body(kernels) for the reference and for every target that runs here.
 template <class Body>
 void on_every_table(Body body) {
