@@ -17,7 +17,7 @@ struct zivColorParam_t {
 
 namespace zivcolor {
 
-// The tasks by the index that zivColorCvtFunc returns. A slot whose kernel is not in the kernel list is null.
+// The tasks by the index that zivColorCvtFunc returns.
 using BandTasks = std::array<TaskFunction, 46>;
 extern const BandTasks band_tasks;
 
