@@ -44,7 +44,7 @@ struct LumaQ15 {
     Samples<C> even_q7;
 };
 
-// One chroma value for each even column, saturated to a byte when it is stored.
+// One chroma value for each even column, around 0: centred at 128 and saturated to a byte when it is stored.
 template <int C>
 struct Chroma {
     S16<C> lanes;
@@ -65,24 +65,25 @@ ZIV_INLINE Samples<C> even_columns(Luma<C> luma) {
     return {(S16<C>)even_bytes<C>(luma.bytes)};
 }
 
-// (((a - luma) * weight) >> shift) + 128; the product with 128 added in fits 16 bits.
+// ((a - luma) * weight) >> shift; the product fits 16 bits.
 template <int weight, int shift, int C>
 ZIV_INLINE Chroma<C> scaled_difference(Samples<C> a, Samples<C> luma) {
-    return {((a.lanes - luma.lanes) * int16_t{weight} + int16_t{128 << shift}) >> shift};
+    return {((a.lanes - luma.lanes) * int16_t{weight}) >> shift};
 }
 
-// (((a - luma) * weight + 2^14) >> 15) + 128
+// ((a - luma) * weight + 2^14) >> 15
 template <int weight, int C>
 ZIV_INLINE Chroma<C> rounded_difference_q15(Samples<C> a, Samples<C> luma) {
-    return {multiply_round_high<C>(a.lanes - luma.lanes, S16<C>{} + int16_t{weight}) + 128};
+    return {multiply_round_high<C>(a.lanes - luma.lanes, S16<C>{} + int16_t{weight})};
 }
 
-// (((((a << 7) - luma_q7) * weight >> 7) + 2^14) >> 15) + 128, where the difference fits 16 bits. Shifting right by 16,
-// rounding and shifting by 6 is the same, as no bit below 2^16 can carry into the rounding bit.
+// ((((a << 7) - luma_q7) * weight >> 7) + 2^14) >> 15, where the difference fits 16 bits. Shifting right by 16, rounding and
+// shifting by 6 is the same, as no bit below 2^16 can carry into the rounding bit; that shift is the rounding high multiply by
+// 2^9.
 template <int weight, int C>
 ZIV_INLINE Chroma<C> fractional_difference_q15(Samples<C> a, Samples<C> luma_q7) {
     const S16<C> product = multiply_high<C>((a.lanes << 7) - luma_q7.lanes, S16<C>{} + int16_t{weight});
-    return {((product + 32) >> 6) + 128};
+    return {multiply_round_high<C>(product, S16<C>{} + int16_t{512})};
 }
 
 template <int C>
@@ -93,13 +94,13 @@ ZIV_INLINE void store_luma(uint8_t* p, Luma<C> luma) {
 // first[0] second[0] first[1] second[1] ...
 template <int C>
 ZIV_INLINE void store_pairs(uint8_t* p, Chroma<C> first, Chroma<C> second) {
-    store(p, interleave_saturated<C>(first.lanes, second.lanes));
+    store(p, interleave_chroma<C>(first.lanes, second.lanes));
 }
 
 // Luma and chroma of a packed row in turn, luma first or chroma first.
 template <bool luma_first, int C>
 ZIV_INLINE void store_packed(uint8_t* p, Luma<C> luma, Chroma<C> first, Chroma<C> second) {
-    const U8<C> pairs = interleave_saturated<C>(first.lanes, second.lanes);
+    const U8<C> pairs = interleave_chroma<C>(first.lanes, second.lanes);
     if constexpr (luma_first) store2<C>(p, luma.bytes, pairs);
     else store2<C>(p, pairs, luma.bytes);
 }

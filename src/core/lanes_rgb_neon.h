@@ -164,18 +164,19 @@ ZIV_INLINE void store_packed(uint8_t* p, Luma<32> luma, Chroma<32> first, Chroma
     vst4q_u8(p, v);
 }
 
+ZIV_INLINE uint8x8_t chroma_bytes(S16<16> v) { return veor_u8(vreinterpret_u8_s8(vqmovn_s16((int16x8_t)v)), vdup_n_u8(128)); }
 template <>
-ZIV_INLINE U8<16> interleave_saturated<16>(S16<16> a, S16<16> b) {
-    const uint8x8_t a8 = vqmovun_s16((int16x8_t)a), b8 = vqmovun_s16((int16x8_t)b);
+ZIV_INLINE U8<16> interleave_chroma<16>(S16<16> a, S16<16> b) {
+    const uint8x8_t a8 = chroma_bytes(a), b8 = chroma_bytes(b);
     return (U8<16>)vzip1q_u8(vcombine_u8(a8, a8), vcombine_u8(b8, b8));
 }
 ZIV_INLINE void store_pairs(uint8_t* p, Chroma<16> first, Chroma<16> second) {
-    const uint8x8x2_t v = {{vqmovun_s16((int16x8_t)first.lanes), vqmovun_s16((int16x8_t)second.lanes)}};
+    const uint8x8x2_t v = {{chroma_bytes(first.lanes), chroma_bytes(second.lanes)}};
     vst2_u8(p, v);
 }
 ZIV_INLINE void store_planes(uint8_t* pa, uint8_t* pb, Chroma<16> a, Chroma<16> b) {
-    vst1_u8(pa, vqmovun_s16((int16x8_t)a.lanes));
-    vst1_u8(pb, vqmovun_s16((int16x8_t)b.lanes));
+    vst1_u8(pa, chroma_bytes(a.lanes));
+    vst1_u8(pb, chroma_bytes(b.lanes));
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -46,10 +46,10 @@ ZIV_INLINE OuterBytes<C> even_outer_bytes(const Pixels<C, c>& pixels) {
     return {{(S16<C>)even_bytes<C>(pixels.channels.c[0])}, {(S16<C>)even_bytes<C>(pixels.channels.c[2])}};
 }
 
-// clamp(a[0], 0, 255) clamp(b[0], 0, 255) clamp(a[1], 0, 255) ...
+// clamp(a[0] + 128, 0, 255) clamp(b[0] + 128, 0, 255) clamp(a[1] + 128, 0, 255) ...
 template <int N>
-ZIV_INLINE U8<N> interleave_saturated(S16<N> a, S16<N> b) {
-    const U8<N> both = narrow_saturating<N>(a, b);
+ZIV_INLINE U8<N> interleave_chroma(S16<N> a, S16<N> b) {
+    const U8<N> both = narrow_saturating<N>(a + 128, b + 128);
     U8<N> r;
     for (int i = 0; i < N / 2; i++) r[2 * i] = both[i], r[2 * i + 1] = both[i + N / 2];
     return r;
@@ -59,7 +59,7 @@ ZIV_INLINE U8<N> interleave_saturated(S16<N> a, S16<N> b) {
 template <int C>
 ZIV_INLINE void store_planes(uint8_t* pa, uint8_t* pb, Chroma<C> a, Chroma<C> b) {
     uint8_t both[C];
-    store(both, narrow_saturating<C>(a.lanes, b.lanes));
+    store(both, narrow_saturating<C>(a.lanes + 128, b.lanes + 128));
     __builtin_memcpy(pa, both, C / 2);
     __builtin_memcpy(pb, both + C / 2, C / 2);
 }

@@ -20,21 +20,44 @@ ZIV_INLINE S16<16> add_products(U8<16> a, S8<16> b) { return (S16<16>)_mm_maddub
 ZIV_INLINE S32<16> add_products(S16<16> a, S16<16> b) { return (S32<16>)_mm_madd_epi16((__m128i)a, (__m128i)b); }
 // Words and bytes from wider lanes with unsigned saturation, in 16-byte groups: four lanes of each operand in turn, then eight.
 ZIV_INLINE U16<16> pack(S32<16> a, S32<16> b) { return (U16<16>)_mm_packus_epi32((__m128i)a, (__m128i)b); }
+ZIV_INLINE U8<16> pack_signed(S16<16> a, S16<16> b) { return (U8<16>)_mm_packs_epi16((__m128i)a, (__m128i)b); }
 ZIV_INLINE U8<16> pack(S16<16> a, S16<16> b) { return (U8<16>)_mm_packus_epi16((__m128i)a, (__m128i)b); }
 // 4-byte lanes in the order of memory from what two packings of four vectors left.
 ZIV_INLINE U8<16> order_packed(U8<16> v) { return v; }
 
+// Four pixels to every 16 bytes, in their order: the vectors hold N / 4 pixels each.
 template <int N>
 struct Quads {
     U8<N> q[4];
 };
-// N pixels, four bytes each, N / 4 to a vector. The fourth byte of a 3-byte pixel is anything.
-ZIV_INLINE Quads<16> load_quads(Pixels<16, 3> pixels) {
-    const __m128i first = bytes128([](int n) { return n % 4 == 3 ? 0x80 : n / 4 * 3 + n % 4; });
-    const __m128i last = bytes128([](int n) { return n % 4 == 3 ? 0x80 : 4 + n / 4 * 3 + n % 4; });
+
+// How the 12 bytes of four pixels are spread over 16: the byte that goes to place n, or none. As 4-byte pixels; as the words
+// of bytes 0 and 2; as the words of byte 1, with a word of 0 above.
+inline constexpr int no_byte = -1;
+struct AsPixels {
+    static constexpr int from(int n) { return n % 4 == 3 ? no_byte : n / 4 * 3 + n % 4; }
+};
+struct AsOuterWords {
+    static constexpr int from(int n) { return n % 2 ? no_byte : n / 4 * 3 + n % 4; }
+};
+struct AsMiddleWords {
+    static constexpr int from(int n) { return n % 4 ? no_byte : n / 4 * 3 + 1; }
+};
+// The 12 bytes stand behind `skip` others.
+template <class Spread, int skip = 0>
+ZIV_INLINE __m128i spread_group_mask() {
+    return bytes128([](int n) { return Spread::from(n) == no_byte ? 0x80 : skip + Spread::from(n); });
+}
+template <class Spread>
+ZIV_INLINE Quads<16> load_spread(Pixels<16, 3> pixels) {
+    const __m128i first = spread_group_mask<Spread>(), last = spread_group_mask<Spread, 4>();
     const uint8_t* p = pixels.p;
     return {{(U8<16>)_mm_shuffle_epi8(load128(p), first), (U8<16>)_mm_shuffle_epi8(load128(p + 12), first),
              (U8<16>)_mm_shuffle_epi8(load128(p + 24), first), (U8<16>)_mm_shuffle_epi8(load128(p + 32), last)}};
+}
+template <int N>
+ZIV_INLINE Quads<N> load_quads(Pixels<N, 3> pixels) {
+    return load_spread<AsPixels>(pixels);
 }
 template <int N>
 ZIV_INLINE Quads<N> load_quads(Pixels<N, 4> pixels) {
@@ -73,15 +96,16 @@ ZIV_INLINE U16<16> outer_words(Pixels<16, c> pixels) {
     return (U16<16>)v;
 }
 
+// Chroma saturates as a signed byte around 0; turning the top bit over then adds 128.
 template <int N>
-ZIV_INLINE U8<N> interleave_saturated(S16<N> a, S16<N> b);
+ZIV_INLINE U8<N> interleave_chroma(S16<N> a, S16<N> b);
 template <>
-ZIV_INLINE U8<16> interleave_saturated<16>(S16<16> a, S16<16> b) {
+ZIV_INLINE U8<16> interleave_chroma<16>(S16<16> a, S16<16> b) {
     const __m128i in_turn = _mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15);
-    return (U8<16>)_mm_shuffle_epi8((__m128i)pack(a, b), in_turn);
+    return (U8<16>)_mm_shuffle_epi8((__m128i)(pack_signed(a, b) ^ 128), in_turn);
 }
 ZIV_INLINE void store_planes(uint8_t* pa, uint8_t* pb, Chroma<16> a, Chroma<16> b) {
-    const __m128i both = (__m128i)pack(a.lanes, b.lanes);
+    const __m128i both = (__m128i)(pack_signed(a.lanes, b.lanes) ^ 128);
     store64(pa, both);
     _mm_storeh_pd(reinterpret_cast<double*>(pb), _mm_castsi128_pd(both));
 }
@@ -93,20 +117,22 @@ ZIV_INLINE U8<16> even_quads(U8<16> a, U8<16> b) { return (U8<16>)_mm_shuffle_ps
 ZIV_INLINE S16<32> add_products(U8<32> a, S8<32> b) { return (S16<32>)_mm256_maddubs_epi16((__m256i)a, (__m256i)b); }
 ZIV_INLINE S32<32> add_products(S16<32> a, S16<32> b) { return (S32<32>)_mm256_madd_epi16((__m256i)a, (__m256i)b); }
 ZIV_INLINE U16<32> pack(S32<32> a, S32<32> b) { return (U16<32>)_mm256_packus_epi32((__m256i)a, (__m256i)b); }
+ZIV_INLINE U8<32> pack_signed(S16<32> a, S16<32> b) { return (U8<32>)_mm256_packs_epi16((__m256i)a, (__m256i)b); }
 ZIV_INLINE U8<32> pack(S16<32> a, S16<32> b) { return (U8<32>)_mm256_packus_epi16((__m256i)a, (__m256i)b); }
 ZIV_INLINE U8<32> order_packed(U8<32> v) {
     return (U8<32>)_mm256_permutevar8x32_epi32((__m256i)v, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
 }
 
-ZIV_INLINE Quads<32> load_quads(Pixels<32, 3> pixels) {
-    const __m128i first = bytes128([](int n) { return n % 4 == 3 ? 0x80 : n / 4 * 3 + n % 4; });
-    const __m128i last = bytes128([](int n) { return n % 4 == 3 ? 0x80 : 4 + n / 4 * 3 + n % 4; });
-    const __m256i both_first = both_halves(first), first_last = _mm256_inserti128_si256(both_first, last, 1);
+template <class Spread>
+ZIV_INLINE Quads<32> load_spread(Pixels<32, 3> pixels) {
+    const __m256i first = both_halves(spread_group_mask<Spread>());
+    const __m128i last_group = spread_group_mask<Spread, 4>();
+    const __m256i last = _mm256_inserti128_si256(first, last_group, 1);
     const uint8_t* p = pixels.p;
-    return {{(U8<32>)_mm256_shuffle_epi8(load_halves(p, p + 12), both_first),
-             (U8<32>)_mm256_shuffle_epi8(load_halves(p + 24, p + 36), both_first),
-             (U8<32>)_mm256_shuffle_epi8(load_halves(p + 48, p + 60), both_first),
-             (U8<32>)_mm256_shuffle_epi8(load_halves(p + 72, p + 80), first_last)}};
+    return {{(U8<32>)_mm256_shuffle_epi8(load_halves(p, p + 12), first),
+             (U8<32>)_mm256_shuffle_epi8(load_halves(p + 24, p + 36), first),
+             (U8<32>)_mm256_shuffle_epi8(load_halves(p + 48, p + 60), first),
+             (U8<32>)_mm256_shuffle_epi8(load_halves(p + 72, p + 80), last)}};
 }
 template <int channel>
 ZIV_INLINE void share_channel(Quads<32>& v) {
@@ -124,12 +150,12 @@ ZIV_INLINE U16<32> outer_words(Pixels<32, c> pixels) {
     return (U16<32>)v;
 }
 template <>
-ZIV_INLINE U8<32> interleave_saturated<32>(S16<32> a, S16<32> b) {
+ZIV_INLINE U8<32> interleave_chroma<32>(S16<32> a, S16<32> b) {
     const __m128i in_turn = _mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15);
-    return (U8<32>)_mm256_shuffle_epi8((__m256i)pack(a, b), both_halves(in_turn));
+    return (U8<32>)_mm256_shuffle_epi8((__m256i)(pack_signed(a, b) ^ 128), both_halves(in_turn));
 }
 ZIV_INLINE void store_planes(uint8_t* pa, uint8_t* pb, Chroma<32> a, Chroma<32> b) {
-    store_halves(pa, pb, _mm256_permute4x64_epi64((__m256i)pack(a.lanes, b.lanes), 0xD8));
+    store_halves(pa, pb, _mm256_permute4x64_epi64((__m256i)(pack_signed(a.lanes, b.lanes) ^ 128), 0xD8));
 }
 ZIV_INLINE U8<32> even_quads(U8<32> a, U8<32> b) { return (U8<32>)_mm256_shuffle_ps((__m256)a, (__m256)b, 0x88); }
 #endif
@@ -138,18 +164,28 @@ ZIV_INLINE U8<32> even_quads(U8<32> a, U8<32> b) { return (U8<32>)_mm256_shuffle
 ZIV_INLINE S16<64> add_products(U8<64> a, S8<64> b) { return (S16<64>)_mm512_maddubs_epi16((__m512i)a, (__m512i)b); }
 ZIV_INLINE S32<64> add_products(S16<64> a, S16<64> b) { return (S32<64>)_mm512_madd_epi16((__m512i)a, (__m512i)b); }
 ZIV_INLINE U16<64> pack(S32<64> a, S32<64> b) { return (U16<64>)_mm512_packus_epi32((__m512i)a, (__m512i)b); }
+ZIV_INLINE U8<64> pack_signed(S16<64> a, S16<64> b) { return (U8<64>)_mm512_packs_epi16((__m512i)a, (__m512i)b); }
 ZIV_INLINE U8<64> pack(S16<64> a, S16<64> b) { return (U8<64>)_mm512_packus_epi16((__m512i)a, (__m512i)b); }
 ZIV_INLINE U8<64> order_packed(U8<64> v) {
     return (U8<64>)_mm512_permutexvar_epi32(_mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15),
                                             (__m512i)v);
 }
 
-ZIV_INLINE Quads<64> load_quads(Pixels<64, 3> pixels) {
-    const __m512i first = bytes512([](int n) { return n / 4 * 3 + n % 4 % 3; });
-    const __m512i last = bytes512([](int n) { return 16 + n / 4 * 3 + n % 4 % 3; });
+template <class Spread, int skip = 0>
+ZIV_INLINE U8<64> spread_groups(__m512i v) {
+    constexpr __mmask64 mask = mask512([](int n) { return Spread::from(n % 16) != no_byte; });
+    const __m512i index =
+        bytes512([](int n) { return Spread::from(n % 16) == no_byte ? 0 : skip + n / 16 * 12 + Spread::from(n % 16); });
+    return (U8<64>)_mm512_maskz_permutexvar_epi8(mask, index, v);
+}
+template <class Spread>
+ZIV_INLINE Quads<64> load_spread(Pixels<64, 3> pixels) {
     const uint8_t* p = pixels.p;
-    return {{(U8<64>)_mm512_permutexvar_epi8(first, load512(p)), (U8<64>)_mm512_permutexvar_epi8(first, load512(p + 48)),
-             (U8<64>)_mm512_permutexvar_epi8(first, load512(p + 96)), (U8<64>)_mm512_permutexvar_epi8(last, load512(p + 128))}};
+    __m512i v[4] = {load512(p), load512(p + 48), load512(p + 96), load512(p + 128)};
+    // Two spreads of the same pixels are to share these loads, which cross cache lines.
+    for (__m512i& pixels16 : v) asm("" : "+v"(pixels16));
+    return {{spread_groups<Spread>(v[0]), spread_groups<Spread>(v[1]), spread_groups<Spread>(v[2]),
+             spread_groups<Spread, 16>(v[3])}};
 }
 template <int channel>
 ZIV_INLINE void share_channel(Quads<64>& v) {
@@ -173,12 +209,13 @@ ZIV_INLINE U16<64> outer_words(Pixels<64, c> pixels) {
     return (U16<64>)v;
 }
 template <>
-ZIV_INLINE U8<64> interleave_saturated<64>(S16<64> a, S16<64> b) {
+ZIV_INLINE U8<64> interleave_chroma<64>(S16<64> a, S16<64> b) {
     const __m128i in_turn = _mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15);
-    return (U8<64>)_mm512_shuffle_epi8((__m512i)pack(a, b), _mm512_broadcast_i32x4(in_turn));
+    return (U8<64>)_mm512_shuffle_epi8((__m512i)(pack_signed(a, b) ^ 128), _mm512_broadcast_i32x4(in_turn));
 }
 ZIV_INLINE void store_planes(uint8_t* pa, uint8_t* pb, Chroma<64> a, Chroma<64> b) {
-    const __m512i both = (__m512i)narrow_saturating<64>(a.lanes, b.lanes);
+    const __m512i in_order = _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7);
+    const __m512i both = _mm512_permutexvar_epi64(in_order, (__m512i)(pack_signed(a.lanes, b.lanes) ^ 128));
     store256(pa, _mm512_castsi512_si256(both));
     store256(pb, _mm512_extracti64x4_epi64(both, 1));
 }
@@ -214,6 +251,20 @@ ZIV_INLINE Luma<C> luma_q6(Pixels<C, c> pixels) {
     return {second_bytes<C>(sum[0], sum[1], sum[2], sum[3])};
 }
 
+// Bits 8 to 23 of the 32-bit lanes, in the order that packing leaves them in.
+template <int N>
+ZIV_INLINE U16<N> middle_words(S32<N> a, S32<N> b) {
+    return pack(a >> 8, b >> 8);
+}
+#if defined(ZIVCOLOR_TARGET_avx512)
+template <>
+ZIV_INLINE U16<64> middle_words<64>(S32<64> a, S32<64> b) {
+    const __m512i index = bytes512([](int n) { return n / 16 * 16 + n % 8 / 2 * 4 + n % 2 + 1; });
+    return (U16<64>)_mm512_mask_permutexvar_epi8(_mm512_permutexvar_epi8(index, (__m512i)a), 0xFF00FF00FF00FF00, index,
+                                                 (__m512i)b);
+}
+#endif
+
 // Words 0, 2, 4, ... of luma in the order that packing leaves them in.
 template <int N>
 ZIV_INLINE S16<N> even_packed_words(U16<N> a, U16<N> b) {
@@ -221,15 +272,14 @@ ZIV_INLINE S16<N> even_packed_words(U16<N> a, U16<N> b) {
 }
 
 // S = c0 * w.c0 + c1 * w.c1 + c2 * w.c2, below 2^23 - 2^14: (S + 2^14) >> 15, and S >> 8 of the even columns.
-template <Weights w, int C, int c>
-ZIV_INLINE LumaQ15<C> luma_q15(Pixels<C, c> pixels) {
-    const Quads<C> v = load_quads(pixels);
-    const S16<C> weights_02 = (S16<C>)(S32<C>{} + (w.c0 | w.c2 << 16)), weights_1 = (S16<C>)(S32<C>{} + w.c1);
+template <Weights w, int C>
+ZIV_INLINE LumaQ15<C> luma_q15(Pixels<C, 3> pixels) {
+    const Quads<C> outer = load_spread<AsOuterWords>(pixels), middle = load_spread<AsMiddleWords>(pixels);
+    const S16<C> outer_weights = (S16<C>)(S32<C>{} + (w.c0 | w.c2 << 16)), middle_weight = S16<C>{} + int16_t{w.c1};
     S32<C> sum[4];
     for (int k = 0; k < 4; k++)
-        sum[k] =
-            add_products((S16<C>)even_bytes<C>(v.q[k]), weights_02) + add_products((S16<C>)odd_bytes<C>(v.q[k]), weights_1);
-    const U16<C> q7_lo = pack(sum[0] >> 8, sum[1] >> 8), q7_hi = pack(sum[2] >> 8, sum[3] >> 8);
+        sum[k] = add_products((S16<C>)outer.q[k], outer_weights) + add_products((S16<C>)middle.q[k], middle_weight);
+    const U16<C> q7_lo = middle_words<C>(sum[0], sum[1]), q7_hi = middle_words<C>(sum[2], sum[3]);
     // A rounding shift by 7 is the rounding high multiply by 2^8.
     const S16<C> scale = S16<C>{} + 256;
     const S16<C> lo = multiply_round_high<C>((S16<C>)q7_lo, scale), hi = multiply_round_high<C>((S16<C>)q7_hi, scale);
