@@ -127,18 +127,82 @@ ZIVCOLOR_API int32_t zivColorLPI422HtoRGBA8888u8(const __tag_KOBR_OFFSCREEN* src
 
 /* ---- RGB to YUV ------------------------------------------------------------------------------------------------------ */
 
+/* Coefficient sets. All give full range with chroma centred at 128; >> floors, clamp limits to 0..255. R, G, B are 0..255.
+ *   short            Y = (19 R + 38 G + 7 B) >> 6, U = clamp(((B - Y) * 9 >> 4) + 128), V = clamp(((R - Y) * 91 >> 7) + 128)
+ *   fine             S = 9798 R + 19235 G + 3736 B, Y = (S + 16384) >> 15; chroma from the rounded luma:
+ *                    U = clamp((((B - Y) * 18492 + 16384) >> 15) + 128), V likewise from R - Y and 23372
+ *   fine fractional  the same Y; chroma from the luma with 7 fractional bits, D = S >> 8:
+ *                    U = clamp((((((B << 7) - D) * 18492 >> 7) + 16384) >> 15) + 128), V likewise from R and 23372
+ *   float            Y = 0.299 R + 0.587 G + 0.114 B, U = -0.1678 R - 0.3313 G + 0.5 B, V = 0.5 R - 0.4187 G - 0.0813 B, each
+ *                    truncated toward 0, then 128 added to U and V and the result limited to 0..255
+ *   eighths          the short Y; U = clamp(((B - Y) * 4 >> 3) + 128), V = clamp(((R - Y) * 7 >> 3) + 128)
+ *   thirty-seconds   the short Y; U = clamp(((B - Y) * 18 >> 5) + 128), V = clamp(((R - Y) * 23 >> 5) + 128)
+ * The weights are those of BT.601 luma, R 0.299, G 0.587, B 0.114, and of its colour differences, rounded to each set's scale.
+ * The short set's luma sums to 64 and the fine set's to 32769. Greys give Y equal to the grey level and chroma 128, but for the
+ * float set's blocks.
+ *
+ * Chroma is never averaged: it is the chroma of one pixel, the one at the even column (of the even row, in 4:2:0).
+ *
+ * What all of these functions share: a row is walked in blocks of columns from the left, and what is left of it in a tail.
+ * Rows stand at plane + row * pitch in 64 bits, any pitch, negative ones too, unless told otherwise. Nothing but the bytes told
+ * is read or written. A fourth byte of a source pixel is not looked at. Sizes of the two images are not compared.
+ *   zivStatus_NullPointer   srcImg or dstImg is null
+ *   zivStatus_BadArgument   a format code is not the one in the function's name, or a width or height of either image is below
+ *                           the least told for the group
+ *   zivStatus_OK            otherwise */
+
+/* 24-bit RGB to 4:2:0. Least size 2 by 2. Width and height are those of dstImg. Blocks of 16 columns while 16 are left, then
+ * single pixels. Chroma row k comes from image row 2 k alone; H rows give (H + 1) / 2 chroma rows. A semi-planar chroma row takes
+ * (W + 1) / 2 pairs, so an odd W writes the byte at index W of it; an I420 one takes (W + 1) / 2 bytes in each plane.
+ * Reads source pitch[0]; writes by pitch[0] and pitch[1], I420 also pitch[2]. */
+
+/* Plane 1 takes V, U. Fine fractional set, in the tail too. */
 ZIVCOLOR_API int32_t zivColorBGR888toNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Plane 1 takes V, U. Short set. Chroma rows step by the destination's pitch[0]; its pitch[1] is not read. The tail writes the
+ * chroma of all its columns to one byte, V and then U, so that after an even row byte c of the chroma row, c being the columns
+ * that the blocks covered, holds the U of the last even column; the bytes behind it keep what they held. */
 ZIVCOLOR_API int32_t zivColorRGB888toNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Plane 1 takes U, V. Fine fractional set, in the tail too. */
 ZIVCOLOR_API int32_t zivColorBGR888toNV12u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Plane 1 takes U, V. Short set; the tail shifts V by 4 where the blocks shift by 7: V = clamp(((R - Y) * 91 >> 4) + 128). */
 ZIVCOLOR_API int32_t zivColorRGB888toNV12u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Plane 1 takes U, plane 2 V. Fine set, in the tail too. */
 ZIVCOLOR_API int32_t zivColorBGR888toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Plane 1 takes U, plane 2 V. Short set, in the tail too. */
 ZIVCOLOR_API int32_t zivColorRGB888toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* 32-bit RGB to NV21 by the float set. Least size 2 by 2; width and height are those of dstImg; pitches, chroma rows and the byte
+ * at index W as in the group above. Blocks of 8 columns from column j while j < W - 8, so that 1 to 8 columns of every row are
+ * left to the tail; a width of 8 or less has no block. Blocks work in binary32, every product and every sum rounded by itself,
+ * green and red added first; the tail in binary64, its luma rounded to binary32 before it is truncated. A colour may come out
+ * one step apart in block and tail: the grey levels 37, 61, 74, 93, 111, 122, 148, 186, 215, 222, 233, 244 and 253 give a Y one
+ * lower in a block. Plane 1 takes V, U. */
 ZIVCOLOR_API int32_t zivColorBGRA8888toNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorRGBA8888toNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* 32-bit RGB to NV12 and I420 by the short set. Least size 2 by 2; height is that of dstImg, width too but for
+ * zivColorRGBA8888toI420u8, whose width is that of srcImg. Blocks, tail, pitches, chroma rows as in 24-bit RGB to 4:2:0. */
+
+/* Plane 1 takes U, V. In a block the luma of columns 8 to 15 takes its blue from columns 0 to 7: 7 B in the luma of the pixel at
+ * column 8 + n is that of the pixel at column n. Chroma there uses this luma and the pixel's own B and R. The tail's luma takes
+ * its own blue. */
 ZIVCOLOR_API int32_t zivColorBGRA8888toNV12u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorRGBA8888toNV12u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Plane 1 takes U, plane 2 V. */
 ZIVCOLOR_API int32_t zivColorBGRA8888toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorRGBA8888toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* RGB to packed 4:2:2, four bytes for the pixels at columns 2 n and 2 n + 1. Least size 2 by 1; width and height are those of
+ * dstImg. Chroma comes from column 2 n of the same row, luma from both. Blocks of 16 columns while 16 are left, then pairs of
+ * pixels: an odd W reads the pixel at column W, 3 or 4 bytes past the row (of a 4-byte pixel the first three), and writes a
+ * whole group of four bytes, 2 W + 2 in a row. Reads and writes by pitch[0]. Short set, but for zivColorBGR888toYUYVu8, which
+ * takes the fine set. Block and tail give the same bytes. */
 ZIVCOLOR_API int32_t zivColorRGBA8888toYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorRGB888toYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorBGR888toYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
@@ -148,10 +212,27 @@ ZIVCOLOR_API int32_t zivColorRGB888toUYVYu8(const __tag_KOBR_OFFSCREEN* srcImg, 
 ZIVCOLOR_API int32_t zivColorBGR888toUYVYu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorRGB888toVYUYu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorBGR888toVYUYu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* To planar 4:4:4 by the short set: plane 0 takes Y, plane 1 V, plane 2 U, one byte a pixel each, by their own pitches. Least size
+ * 1 by 1; width and height are those of dstImg. Blocks of 8 columns, then single pixels, with the same bytes. */
 ZIVCOLOR_API int32_t zivColorRGB888toYV24u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* To planar 4:2:2 by the short set: plane 0 takes Y, plane 1 U and plane 2 V of the even columns, every row, by their own pitches.
+ * Least size 2 by 1; height is that of dstImg, width too but for zivColorBGR888toI422Hu8, whose width is that of srcImg. Blocks of
+ * 16 columns while 16 are left, then pairs of pixels: an odd W reads the pixel at column W, 3 bytes past the row, and writes its
+ * luma at column W. Chroma rows take (W + 1) / 2 bytes. Block and tail give the same bytes. */
 ZIVCOLOR_API int32_t zivColorRGB888toI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorBGR888toI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* To line-packed 4:2:2: plane 0 takes Y, plane 1 pairs U, V of the even columns, every row. Least size 2 by 2; width and height
+ * are those of srcImg. Blocks of 16 columns while 16 are left, then single pixels, with the same bytes. An odd W writes a whole
+ * pair for its last column, W + 1 bytes of chroma. */
+
+/* Eighths set. Reads no pitch at all: every row follows the one before, 4 W bytes of source, W of luma, W of chroma (W + 1 when W
+ * is odd). */
 ZIVCOLOR_API int32_t zivColorBGRA8888toLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Thirty-seconds set. Reads the source's pitch[0] and the destination's pitch[0] and pitch[1]. */
 ZIVCOLOR_API int32_t zivColorRGBA8888toLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
 /* ---- YUV to YUV ------------------------------------------------------------------------------------------------------ */
