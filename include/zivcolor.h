@@ -152,8 +152,8 @@ ZIVCOLOR_API int32_t zivColorLPI422HtoRGBA8888u8(const __tag_KOBR_OFFSCREEN* src
  *   zivStatus_OK            otherwise */
 
 /* 24-bit RGB to 4:2:0. Least size 2 by 2. Width and height are those of dstImg. Blocks of 16 columns while 16 are left, then
- * single pixels. Chroma row k comes from image row 2 k alone; H rows give (H + 1) / 2 chroma rows. A semi-planar chroma row takes
- * (W + 1) / 2 pairs, so an odd W writes the byte at index W of it; an I420 one takes (W + 1) / 2 bytes in each plane.
+ * single pixels. Chroma row k comes from image row 2 k alone; H rows give (H + 1) / 2 chroma rows. A semi-planar chroma row
+ * takes (W + 1) / 2 pairs, so an odd W writes the byte at index W of it; an I420 one takes (W + 1) / 2 bytes in each plane.
  * Reads source pitch[0]; writes by pitch[0] and pitch[1], I420 also pitch[2]. */
 
 /* Plane 1 takes V, U. Fine fractional set, in the tail too. */
@@ -176,21 +176,21 @@ ZIVCOLOR_API int32_t zivColorBGR888toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, 
 /* Plane 1 takes U, plane 2 V. Short set, in the tail too. */
 ZIVCOLOR_API int32_t zivColorRGB888toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
-/* 32-bit RGB to NV21 by the float set. Least size 2 by 2; width and height are those of dstImg; pitches, chroma rows and the byte
- * at index W as in the group above. Blocks of 8 columns from column j while j < W - 8, so that 1 to 8 columns of every row are
- * left to the tail; a width of 8 or less has no block. Blocks work in binary32, every product and every sum rounded by itself,
- * green and red added first; the tail in binary64, its luma rounded to binary32 before it is truncated. A colour may come out
- * one step apart in block and tail: the grey levels 37, 61, 74, 93, 111, 122, 148, 186, 215, 222, 233, 244 and 253 give a Y one
- * lower in a block. Plane 1 takes V, U. */
+/* 32-bit RGB to NV21 by the float set. Least size 2 by 2; width and height are those of dstImg; pitches, chroma rows and the
+ * byte at index W as in the group above. Blocks of 8 columns from column j while j < W - 8, so that 1 to 8 columns of every row
+ * are left to the tail; a width of 8 or less has no block. Blocks work in binary32, every product and every sum rounded by
+ * itself, green and red added first; the tail in binary64, its luma rounded to binary32 before it is truncated. A colour may
+ * come out one step apart in block and tail: the grey levels 37, 61, 74, 93, 111, 122, 148, 186, 215, 222, 233, 244 and 253
+ * give a Y one lower in a block. Plane 1 takes V, U. */
 ZIVCOLOR_API int32_t zivColorBGRA8888toNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorRGBA8888toNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
 /* 32-bit RGB to NV12 and I420 by the short set. Least size 2 by 2; height is that of dstImg, width too but for
  * zivColorRGBA8888toI420u8, whose width is that of srcImg. Blocks, tail, pitches, chroma rows as in 24-bit RGB to 4:2:0. */
 
-/* Plane 1 takes U, V. In a block the luma of columns 8 to 15 takes its blue from columns 0 to 7: 7 B in the luma of the pixel at
- * column 8 + n is that of the pixel at column n. Chroma there uses this luma and the pixel's own B and R. The tail's luma takes
- * its own blue. */
+/* Plane 1 takes U, V. In a block the luma of columns 8 to 15 takes its blue from columns 0 to 7: 7 B in the luma of the pixel
+ * at column 8 + n is that of the pixel at column n. Chroma there uses this luma and the pixel's own B and R. The tail's luma
+ * takes its own blue. */
 ZIVCOLOR_API int32_t zivColorBGRA8888toNV12u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorRGBA8888toNV12u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
@@ -213,14 +213,14 @@ ZIVCOLOR_API int32_t zivColorBGR888toUYVYu8(const __tag_KOBR_OFFSCREEN* srcImg, 
 ZIVCOLOR_API int32_t zivColorRGB888toVYUYu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorBGR888toVYUYu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
-/* To planar 4:4:4 by the short set: plane 0 takes Y, plane 1 V, plane 2 U, one byte a pixel each, by their own pitches. Least size
- * 1 by 1; width and height are those of dstImg. Blocks of 8 columns, then single pixels, with the same bytes. */
+/* To planar 4:4:4 by the short set: plane 0 takes Y, plane 1 V, plane 2 U, one byte a pixel each, by their own pitches. Least
+ * size 1 by 1; width and height are those of dstImg. Blocks of 8 columns, then single pixels, with the same bytes. */
 ZIVCOLOR_API int32_t zivColorRGB888toYV24u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
-/* To planar 4:2:2 by the short set: plane 0 takes Y, plane 1 U and plane 2 V of the even columns, every row, by their own pitches.
- * Least size 2 by 1; height is that of dstImg, width too but for zivColorBGR888toI422Hu8, whose width is that of srcImg. Blocks of
- * 16 columns while 16 are left, then pairs of pixels: an odd W reads the pixel at column W, 3 bytes past the row, and writes its
- * luma at column W. Chroma rows take (W + 1) / 2 bytes. Block and tail give the same bytes. */
+/* To planar 4:2:2 by the short set: plane 0 takes Y, plane 1 U and plane 2 V of the even columns, every row, by their own
+ * pitches. Least size 2 by 1; height is that of dstImg, width too but for zivColorBGR888toI422Hu8, whose width is that of
+ * srcImg. Blocks of 16 columns while 16 are left, then pairs of pixels: an odd W reads the pixel at column W, 3 bytes past the
+ * row, and writes its luma at column W. Chroma rows take (W + 1) / 2 bytes. Block and tail give the same bytes. */
 ZIVCOLOR_API int32_t zivColorRGB888toI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorBGR888toI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
@@ -228,8 +228,8 @@ ZIVCOLOR_API int32_t zivColorBGR888toI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg,
  * are those of srcImg. Blocks of 16 columns while 16 are left, then single pixels, with the same bytes. An odd W writes a whole
  * pair for its last column, W + 1 bytes of chroma. */
 
-/* Eighths set. Reads no pitch at all: every row follows the one before, 4 W bytes of source, W of luma, W of chroma (W + 1 when W
- * is odd). */
+/* Eighths set. Reads no pitch at all: every row follows the one before, 4 W bytes of source, W of luma, W of chroma (W + 1 when
+ * W is odd). */
 ZIVCOLOR_API int32_t zivColorBGRA8888toLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
 /* Thirty-seconds set. Reads the source's pitch[0] and the destination's pitch[0] and pitch[1]. */
