@@ -97,6 +97,10 @@ ZIV_INLINE S16<16> multiply_round_high<16>(S16<16> a, S16<16> b) {
     return (S16<16>)vqrdmulhq_s16((int16x8_t)a, (int16x8_t)b);
 }
 template <>
+ZIV_INLINE S16<16> multiply_q15<16>(S16<16> a, int weight) {
+    return (S16<16>)vqdmulhq_n_s16((int16x8_t)a, static_cast<int16_t>(weight));
+}
+template <>
 ZIV_INLINE S16<16> multiply_high<16>(S16<16> a, S16<16> b) {
     return (S16<16>)vshrq_n_s16(vqdmulhq_s16((int16x8_t)a, (int16x8_t)b), 1);
 }
@@ -110,8 +114,8 @@ ZIV_INLINE S16<16> weigh_pair_q15<16>(S16<16> a, S16<16> b, int weight_a, int we
 }
 
 template <>
-ZIV_INLINE bool any_lane<16>(U16<16> v) {
-    return vmaxvq_u32((uint32x4_t)v) != 0;
+ZIV_INLINE bool any_zero<16>(U16<16> v) {
+    return vminvq_u16((uint16x8_t)v) == 0;
 }
 
 // A term as two signed bytes that sum to it, d >> 1 and (d + 1) >> 1: two additions that saturate like one, as both go the same

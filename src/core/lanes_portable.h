@@ -19,6 +19,10 @@ ZIV_INLINE void store(uint8_t* p, V v) {
     __builtin_memcpy(p, &v, sizeof v);
 }
 
+// Hints that the bytes from p on will soon be written, step by step. Touches nothing.
+template <int bytes>
+ZIV_INLINE void expect_writes(uint8_t*) {}
+
 // N / 2 bytes, zero-widened to 16-bit lanes.
 template <int N>
 ZIV_INLINE U16<N> load_widened(const uint8_t* p) {
@@ -210,6 +214,14 @@ ZIV_INLINE S16<N> multiply_round_high(S16<N> a, S16<N> b) {
     return r;
 }
 
+// (a * weight) >> 15; |weight| < 2^14.
+template <int N>
+ZIV_INLINE S16<N> multiply_q15(S16<N> a, int weight) {
+    S16<N> r;
+    for (int i = 0; i < N / 2; i++) r[i] = static_cast<int16_t>((a[i] * weight) >> 15);
+    return r;
+}
+
 // (a * b) >> 16
 template <int N>
 ZIV_INLINE S16<N> multiply_high(S16<N> a, S16<N> b) {
@@ -226,15 +238,31 @@ ZIV_INLINE S16<N> weigh_pair_q15(S16<N> a, S16<N> b, int weight_a, int weight_b)
     return r;
 }
 
-// Whether any bit is set.
+// Whether any lane is zero.
 template <int N>
-ZIV_INLINE bool any_lane(U16<N> v) {
-    uint16_t all = 0;
-    for (int i = 0; i < N / 2; i++) all = static_cast<uint16_t>(all | v[i]);
-    return all != 0;
+ZIV_INLINE bool any_zero(U16<N> v) {
+    bool any = false;
+    for (int i = 0; i < N / 2; i++) any |= v[i] == 0;
+    return any;
 }
 
 // ---- Luma plus a term of its chroma pair: clamp(Y + d, 0, 255) for N pixels and N / 2 pairs, |d| <= 254. ----
+
+// Terms come in lanes of 16 bits, a pair a lane, in an order of the pairs that is the target's own: these two bring chroma into
+// that order, from N / 2 pairs of bytes that stay side by side and from N / 2 bytes of one plane, zero-widened.
+template <int N>
+ZIV_INLINE U8<N> arrange_pairs(U8<N> pairs) {
+    return pairs;
+}
+template <int N>
+ZIV_INLINE U16<N> load_arranged(const uint8_t* p) {
+    return load_widened<N>(p);
+}
+// Back in order: the low byte of each pair's lane in the bytes of both of its pixels. Lanes are at most 255.
+template <int N>
+ZIV_INLINE U8<N> double_arranged(U16<N> v) {
+    return double_bytes<N>(v);
+}
 
 // The terms of three channels, made once for the pixels of one or two rows.
 template <int N>

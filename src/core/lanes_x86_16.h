@@ -12,6 +12,13 @@ ZIV_INLINE void store128(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_c
 ZIV_INLINE __m128i load64(const uint8_t* p) { return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)); }
 ZIV_INLINE void store64(uint8_t* p, __m128i v) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), v); }
 
+// The lines eight lines on: rows that miss the first cache, and stores that straddle lines, otherwise wait for one another.
+template <int bytes>
+requires(bytes > 0) ZIV_INLINE void expect_writes(uint8_t* p) {
+    const uintptr_t ahead = reinterpret_cast<uintptr_t>(p) + 512;
+    for (uintptr_t line = 0; line < bytes; line += 64) __builtin_prefetch(reinterpret_cast<const void*>(ahead + line), 1);
+}
+
 template <>
 ZIV_INLINE U16<16> load_widened<16>(const uint8_t* p) {
     return (U16<16>)_mm_cvtepu8_epi16(load64(p));
@@ -63,6 +70,10 @@ ZIV_INLINE S16<16> multiply_round_high<16>(S16<16> a, S16<16> b) {
     return (S16<16>)_mm_mulhrs_epi16((__m128i)a, (__m128i)b);
 }
 template <>
+ZIV_INLINE S16<16> multiply_q15<16>(S16<16> a, int weight) {
+    return (S16<16>)_mm_mulhi_epi16((__m128i)a, _mm_set1_epi16(static_cast<int16_t>(2 * weight)));
+}
+template <>
 ZIV_INLINE S16<16> multiply_high<16>(S16<16> a, S16<16> b) {
     return (S16<16>)_mm_mulhi_epi16((__m128i)a, (__m128i)b);
 }
@@ -76,8 +87,8 @@ ZIV_INLINE S16<16> weigh_pair_q15<16>(S16<16> a, S16<16> b, int weight_a, int we
 }
 
 template <>
-ZIV_INLINE bool any_lane<16>(U16<16> v) {
-    return !_mm_testz_si128((__m128i)v, (__m128i)v);
+ZIV_INLINE bool any_zero<16>(U16<16> v) {
+    return _mm_movemask_epi8(_mm_cmpeq_epi16((__m128i)v, _mm_setzero_si128())) != 0;
 }
 
 // ---- Interleaving loads and stores of c channels ----
@@ -160,20 +171,20 @@ ZIV_INLINE void store4<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c, U8<16> d) {
 // The terms are laid out once as the stored pixels are, so that a row costs only the spreading of its luma, an add and a
 // subtract.
 
-// Byte n of register k takes the term of pair ((16 k + n) / 3) / 2: channels 0 and 1 stand side by side in the 16-bit lanes of
-// one vector, channel 2 in those of another, in the byte `at`.
+// Byte n of register k takes the term of pair ((16 k + n) / 3) / 2. Channels 0 and 1 stand in the lower and the upper half of
+// one vector of bytes, channel 2 in half `half` of another.
 template <int k>
 ZIV_INLINE __m128i pair_mask_01() {
     return bytes128([](int n) {
         const int channel = (16 * k + n) % 3, pair = (16 * k + n) / 6;
-        return channel < 2 ? 2 * pair + channel : 0x80;
+        return channel < 2 ? 8 * channel + pair : 0x80;
     });
 }
-template <int k, int at>
+template <int k, int half>
 ZIV_INLINE __m128i pair_mask_2() {
     return bytes128([](int n) {
         const int channel = (16 * k + n) % 3, pair = (16 * k + n) / 6;
-        return channel == 2 ? 2 * pair + at : 0x80;
+        return channel == 2 ? 8 * half + pair : 0x80;
     });
 }
 template <int k>
@@ -181,34 +192,21 @@ ZIV_INLINE __m128i luma_mask3() {
     return bytes128([](int n) { return (16 * k + n) / 3; });
 }
 
-// max(d, 0) and max(-d, 0)
-template <int N>
-struct SplitTerm {
-    S16<N> up, down;
-};
-template <int N>
-ZIV_INLINE SplitTerm<N> split_term(S16<N> d) {
-    const S16<N> up = d > 0 ? d : S16<N>{};
-    return {up, up - d};
-}
-
+// Narrowing with saturation splits a term into max(d, 0) and, of -d, max(-d, 0).
 template <>
 struct PixelTerms3<16> {
     __m128i up[3], down[3];
 };
+template <int k, int half>
+ZIV_INLINE __m128i place_terms3(__m128i t01, __m128i t2) {
+    return _mm_or_si128(_mm_shuffle_epi8(t01, pair_mask_01<k>()), _mm_shuffle_epi8(t2, pair_mask_2<k, half>()));
+}
 template <>
 ZIV_INLINE PixelTerms3<16> pixel_terms<16>(S16<16> d0, S16<16> d1, S16<16> d2) {
-    const SplitTerm<16> t0 = split_term<16>(d0), t1 = split_term<16>(d1), t2 = split_term<16>(d2);
-    const __m128i up01 = (__m128i)(t0.up | (t1.up << 8)), down01 = (__m128i)(t0.down | (t1.down << 8));
-    const __m128i t2_both = (__m128i)(t2.up | (t2.down << 8));
-    PixelTerms3<16> r;
-    r.up[0] = _mm_or_si128(_mm_shuffle_epi8(up01, pair_mask_01<0>()), _mm_shuffle_epi8(t2_both, pair_mask_2<0, 0>()));
-    r.up[1] = _mm_or_si128(_mm_shuffle_epi8(up01, pair_mask_01<1>()), _mm_shuffle_epi8(t2_both, pair_mask_2<1, 0>()));
-    r.up[2] = _mm_or_si128(_mm_shuffle_epi8(up01, pair_mask_01<2>()), _mm_shuffle_epi8(t2_both, pair_mask_2<2, 0>()));
-    r.down[0] = _mm_or_si128(_mm_shuffle_epi8(down01, pair_mask_01<0>()), _mm_shuffle_epi8(t2_both, pair_mask_2<0, 1>()));
-    r.down[1] = _mm_or_si128(_mm_shuffle_epi8(down01, pair_mask_01<1>()), _mm_shuffle_epi8(t2_both, pair_mask_2<1, 1>()));
-    r.down[2] = _mm_or_si128(_mm_shuffle_epi8(down01, pair_mask_01<2>()), _mm_shuffle_epi8(t2_both, pair_mask_2<2, 1>()));
-    return r;
+    const __m128i up01 = _mm_packus_epi16((__m128i)d0, (__m128i)d1), down01 = _mm_packus_epi16((__m128i)-d0, (__m128i)-d1);
+    const __m128i t2 = _mm_packus_epi16((__m128i)d2, (__m128i)-d2);
+    return {{place_terms3<0, 0>(up01, t2), place_terms3<1, 0>(up01, t2), place_terms3<2, 0>(up01, t2)},
+            {place_terms3<0, 1>(down01, t2), place_terms3<1, 1>(down01, t2), place_terms3<2, 1>(down01, t2)}};
 }
 template <>
 ZIV_INLINE void store_pixels<16>(uint8_t* p, U8<16> luma, const PixelTerms3<16>& t) {
@@ -219,25 +217,27 @@ ZIV_INLINE void store_pixels<16>(uint8_t* p, U8<16> luma, const PixelTerms3<16>&
 }
 
 // Four channels: register q holds pixels 4 q to 4 q + 3, pairs 2 q and 2 q + 1. Alpha is a term too: up by 255, down by the
-// rest.
+// rest. Four pairs are narrowed into one vector: channels 0 and 1 of each, then channels 2 and 3.
 template <>
 struct PixelTerms4<16> {
     __m128i up[4], down[4];
 };
+template <int first>
+ZIV_INLINE __m128i pair_mask4() {
+    return bytes128([](int n) { return n % 4 / 2 * 8 + (first + n / 8) * 2 + n % 2; });
+}
 template <>
 ZIV_INLINE PixelTerms4<16> pixel_terms<16>(S16<16> d0, S16<16> d1, S16<16> d2, uint8_t alpha) {
-    const SplitTerm<16> t0 = split_term<16>(d0), t1 = split_term<16>(d1), t2 = split_term<16>(d2);
-    const __m128i up01 = (__m128i)(t0.up | (t1.up << 8)), down01 = (__m128i)(t0.down | (t1.down << 8));
-    const __m128i up23 = _mm_or_si128((__m128i)t2.up, _mm_set1_epi16(static_cast<int16_t>(0xFF00 - 0x10000)));
-    const __m128i down23 = _mm_or_si128((__m128i)t2.down, _mm_slli_epi16(_mm_set1_epi16(static_cast<int16_t>(255 - alpha)), 8));
-    const __m128i up_lo = _mm_unpacklo_epi16(up01, up23), up_hi = _mm_unpackhi_epi16(up01, up23);
-    const __m128i down_lo = _mm_unpacklo_epi16(down01, down23), down_hi = _mm_unpackhi_epi16(down01, down23);
-    PixelTerms4<16> r;
-    r.up[0] = _mm_unpacklo_epi32(up_lo, up_lo), r.up[1] = _mm_unpackhi_epi32(up_lo, up_lo);
-    r.up[2] = _mm_unpacklo_epi32(up_hi, up_hi), r.up[3] = _mm_unpackhi_epi32(up_hi, up_hi);
-    r.down[0] = _mm_unpacklo_epi32(down_lo, down_lo), r.down[1] = _mm_unpackhi_epi32(down_lo, down_lo);
-    r.down[2] = _mm_unpacklo_epi32(down_hi, down_hi), r.down[3] = _mm_unpackhi_epi32(down_hi, down_hi);
-    return r;
+    const __m128i zero = _mm_setzero_si128(), full = _mm_set1_epi16(255), down3 = _mm_set1_epi32((510 - alpha) << 16);
+    const __m128i lo01 = _mm_unpacklo_epi16((__m128i)d0, (__m128i)d1), hi01 = _mm_unpackhi_epi16((__m128i)d0, (__m128i)d1);
+    const __m128i lo23 = _mm_unpacklo_epi16((__m128i)d2, full), hi23 = _mm_unpackhi_epi16((__m128i)d2, full);
+    const __m128i up_lo = _mm_packus_epi16(lo01, lo23), up_hi = _mm_packus_epi16(hi01, hi23);
+    const __m128i down_lo = _mm_packus_epi16(_mm_sub_epi16(zero, lo01), _mm_sub_epi16(down3, lo23));
+    const __m128i down_hi = _mm_packus_epi16(_mm_sub_epi16(zero, hi01), _mm_sub_epi16(down3, hi23));
+    return {{_mm_shuffle_epi8(up_lo, pair_mask4<0>()), _mm_shuffle_epi8(up_lo, pair_mask4<2>()),
+             _mm_shuffle_epi8(up_hi, pair_mask4<0>()), _mm_shuffle_epi8(up_hi, pair_mask4<2>())},
+            {_mm_shuffle_epi8(down_lo, pair_mask4<0>()), _mm_shuffle_epi8(down_lo, pair_mask4<2>()),
+             _mm_shuffle_epi8(down_hi, pair_mask4<0>()), _mm_shuffle_epi8(down_hi, pair_mask4<2>())}};
 }
 template <>
 ZIV_INLINE void store_pixels<16>(uint8_t* p, U8<16> luma, const PixelTerms4<16>& t) {

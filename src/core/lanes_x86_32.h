@@ -83,6 +83,10 @@ ZIV_INLINE S16<32> multiply_round_high<32>(S16<32> a, S16<32> b) {
     return (S16<32>)_mm256_mulhrs_epi16((__m256i)a, (__m256i)b);
 }
 template <>
+ZIV_INLINE S16<32> multiply_q15<32>(S16<32> a, int weight) {
+    return (S16<32>)_mm256_mulhi_epi16((__m256i)a, _mm256_set1_epi16(static_cast<int16_t>(2 * weight)));
+}
+template <>
 ZIV_INLINE S16<32> multiply_high<32>(S16<32> a, S16<32> b) {
     return (S16<32>)_mm256_mulhi_epi16((__m256i)a, (__m256i)b);
 }
@@ -97,8 +101,8 @@ ZIV_INLINE S16<32> weigh_pair_q15<32>(S16<32> a, S16<32> b, int weight_a, int we
 }
 
 template <>
-ZIV_INLINE bool any_lane<32>(U16<32> v) {
-    return !_mm256_testz_si256((__m256i)v, (__m256i)v);
+ZIV_INLINE bool any_zero<32>(U16<32> v) {
+    return _mm256_movemask_epi8(_mm256_cmpeq_epi16((__m256i)v, _mm256_setzero_si256())) != 0;
 }
 
 // ---- Interleaving loads and stores of c channels ----
@@ -166,18 +170,18 @@ template <>
 struct PixelTerms3<32> {
     __m256i up[3], down[3];
 };
-template <int k, int at>
+template <int k, int half>
 ZIV_INLINE __m256i place_terms3(__m256i t01, __m256i t2) {
     return _mm256_or_si256(_mm256_shuffle_epi8(t01, both_halves(pair_mask_01<k>())),
-                           _mm256_shuffle_epi8(t2, both_halves(pair_mask_2<k, at>())));
+                           _mm256_shuffle_epi8(t2, both_halves(pair_mask_2<k, half>())));
 }
 template <>
 ZIV_INLINE PixelTerms3<32> pixel_terms<32>(S16<32> d0, S16<32> d1, S16<32> d2) {
-    const SplitTerm<32> t0 = split_term<32>(d0), t1 = split_term<32>(d1), t2 = split_term<32>(d2);
-    const __m256i up01 = (__m256i)(t0.up | (t1.up << 8)), down01 = (__m256i)(t0.down | (t1.down << 8));
-    const __m256i t2_both = (__m256i)(t2.up | (t2.down << 8));
-    return {{place_terms3<0, 0>(up01, t2_both), place_terms3<1, 0>(up01, t2_both), place_terms3<2, 0>(up01, t2_both)},
-            {place_terms3<0, 1>(down01, t2_both), place_terms3<1, 1>(down01, t2_both), place_terms3<2, 1>(down01, t2_both)}};
+    const __m256i up01 = _mm256_packus_epi16((__m256i)d0, (__m256i)d1);
+    const __m256i down01 = _mm256_packus_epi16((__m256i)-d0, (__m256i)-d1);
+    const __m256i t2 = _mm256_packus_epi16((__m256i)d2, (__m256i)-d2);
+    return {{place_terms3<0, 0>(up01, t2), place_terms3<1, 0>(up01, t2), place_terms3<2, 0>(up01, t2)},
+            {place_terms3<0, 1>(down01, t2), place_terms3<1, 1>(down01, t2), place_terms3<2, 1>(down01, t2)}};
 }
 template <>
 ZIV_INLINE void store_pixels<32>(uint8_t* p, U8<32> luma, const PixelTerms3<32>& t) {
@@ -194,19 +198,21 @@ template <>
 struct PixelTerms4<32> {
     __m256i up[4], down[4];
 };
+template <int first>
+ZIV_INLINE __m256i place_terms4(__m256i terms) {
+    return _mm256_shuffle_epi8(terms, both_halves(pair_mask4<first>()));
+}
 template <>
 ZIV_INLINE PixelTerms4<32> pixel_terms<32>(S16<32> d0, S16<32> d1, S16<32> d2, uint8_t alpha) {
-    const SplitTerm<32> t0 = split_term<32>(d0), t1 = split_term<32>(d1), t2 = split_term<32>(d2);
-    const __m256i up01 = (__m256i)(t0.up | (t1.up << 8)), down01 = (__m256i)(t0.down | (t1.down << 8));
-    const __m256i up23 = _mm256_or_si256((__m256i)t2.up, _mm256_set1_epi16(static_cast<int16_t>(0xFF00 - 0x10000)));
-    const __m256i down23 =
-        _mm256_or_si256((__m256i)t2.down, _mm256_slli_epi16(_mm256_set1_epi16(static_cast<int16_t>(255 - alpha)), 8));
-    const __m256i up_lo = _mm256_unpacklo_epi16(up01, up23), up_hi = _mm256_unpackhi_epi16(up01, up23);
-    const __m256i down_lo = _mm256_unpacklo_epi16(down01, down23), down_hi = _mm256_unpackhi_epi16(down01, down23);
-    return {{_mm256_unpacklo_epi32(up_lo, up_lo), _mm256_unpackhi_epi32(up_lo, up_lo), _mm256_unpacklo_epi32(up_hi, up_hi),
-             _mm256_unpackhi_epi32(up_hi, up_hi)},
-            {_mm256_unpacklo_epi32(down_lo, down_lo), _mm256_unpackhi_epi32(down_lo, down_lo),
-             _mm256_unpacklo_epi32(down_hi, down_hi), _mm256_unpackhi_epi32(down_hi, down_hi)}};
+    const __m256i zero = _mm256_setzero_si256(), full = _mm256_set1_epi16(255), down3 = _mm256_set1_epi32((510 - alpha) << 16);
+    const __m256i lo01 = _mm256_unpacklo_epi16((__m256i)d0, (__m256i)d1),
+                  hi01 = _mm256_unpackhi_epi16((__m256i)d0, (__m256i)d1);
+    const __m256i lo23 = _mm256_unpacklo_epi16((__m256i)d2, full), hi23 = _mm256_unpackhi_epi16((__m256i)d2, full);
+    const __m256i up_lo = _mm256_packus_epi16(lo01, lo23), up_hi = _mm256_packus_epi16(hi01, hi23);
+    const __m256i down_lo = _mm256_packus_epi16(_mm256_sub_epi16(zero, lo01), _mm256_sub_epi16(down3, lo23));
+    const __m256i down_hi = _mm256_packus_epi16(_mm256_sub_epi16(zero, hi01), _mm256_sub_epi16(down3, hi23));
+    return {{place_terms4<0>(up_lo), place_terms4<2>(up_lo), place_terms4<0>(up_hi), place_terms4<2>(up_hi)},
+            {place_terms4<0>(down_lo), place_terms4<2>(down_lo), place_terms4<0>(down_hi), place_terms4<2>(down_hi)}};
 }
 template <>
 ZIV_INLINE void store_pixels<32>(uint8_t* p, U8<32> luma, const PixelTerms4<32>& t) {

@@ -79,6 +79,10 @@ ZIV_INLINE S16<64> multiply_round_high<64>(S16<64> a, S16<64> b) {
     return (S16<64>)_mm512_mulhrs_epi16((__m512i)a, (__m512i)b);
 }
 template <>
+ZIV_INLINE S16<64> multiply_q15<64>(S16<64> a, int weight) {
+    return (S16<64>)_mm512_mulhi_epi16((__m512i)a, _mm512_set1_epi16(static_cast<int16_t>(2 * weight)));
+}
+template <>
 ZIV_INLINE S16<64> multiply_high<64>(S16<64> a, S16<64> b) {
     return (S16<64>)_mm512_mulhi_epi16((__m512i)a, (__m512i)b);
 }
@@ -93,8 +97,8 @@ ZIV_INLINE S16<64> weigh_pair_q15<64>(S16<64> a, S16<64> b, int weight_a, int we
 }
 
 template <>
-ZIV_INLINE bool any_lane<64>(U16<64> v) {
-    return _mm512_test_epi16_mask((__m512i)v, (__m512i)v) != 0;
+ZIV_INLINE bool any_zero<64>(U16<64> v) {
+    return _mm512_testn_epi16_mask((__m512i)v, (__m512i)v) != 0;
 }
 
 // ---- Interleaving loads and stores of c channels ----
@@ -166,28 +170,52 @@ ZIV_INLINE void store4<64>(uint8_t* p, U8<64> a, U8<64> b, U8<64> c, U8<64> d) {
 }
 
 // ---- Luma plus a term of its chroma pair ----
+//
+// The pairs 0 to 15 stand in the lower halves of the four 16-byte parts of a vector, the pairs 16 to 31 in the upper halves, so
+// that unpacking and narrowing within the parts keeps either sixteen together.
+
+// The 16-bit lane of a pair.
+constexpr int lane_of_pair(int pair) { return pair % 16 / 4 * 8 + pair / 16 * 4 + pair % 4; }
+// Which pair a lane holds.
+constexpr int pair_in_lane(int lane) { return lane / 8 * 4 + lane % 8 / 4 * 16 + lane % 4; }
+
+template <>
+ZIV_INLINE U8<64> arrange_pairs<64>(U8<64> pairs) {
+    return (U8<64>)_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), (__m512i)pairs);
+}
+template <>
+ZIV_INLINE U16<64> load_arranged<64>(const uint8_t* p) {
+    const __m512i index = bytes512([](int n) { return pair_in_lane(n / 2); });
+    constexpr __mmask64 low_bytes = mask512([](int n) { return n % 2 == 0; });
+    return (U16<64>)_mm512_maskz_permutexvar_epi8(low_bytes, index, _mm512_castsi256_si512(load256(p)));
+}
+template <>
+ZIV_INLINE U8<64> double_arranged<64>(U16<64> v) {
+    return double_bytes<64>((U16<64>)_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), (__m512i)v));
+}
 
 template <>
 struct PixelTerms3<64> {
     __m512i up[3], down[3];
 };
-// Register k of the stored pixels: channels 0 and 1 from the bytes of t01, channel 2 from the byte `at` of the lanes of t2.
-template <int k, int at>
+// Register k of the stored pixels: channels 0 and 1 from the lower and the upper halves of the 16-byte parts of t01, channel 2
+// from the halves `half` of t2.
+template <int k, int half>
 ZIV_INLINE __m512i place_terms3(__m512i t01, __m512i t2) {
     const __m512i index = bytes512([](int n) {
-        const int channel = (64 * k + n) % 3, pair = (64 * k + n) / 6;
-        return 2 * pair + (channel == 2 ? at : channel);
+        const int channel = (64 * k + n) % 3, lane = lane_of_pair((64 * k + n) / 6);
+        return lane / 8 * 16 + (channel == 2 ? half : channel) * 8 + lane % 8;
     });
     constexpr __mmask64 channel2 = mask512([](int n) { return (64 * k + n) % 3 == 2; });
     return _mm512_mask_permutexvar_epi8(_mm512_permutexvar_epi8(index, t01), channel2, index, t2);
 }
 template <>
 ZIV_INLINE PixelTerms3<64> pixel_terms<64>(S16<64> d0, S16<64> d1, S16<64> d2) {
-    const SplitTerm<64> t0 = split_term<64>(d0), t1 = split_term<64>(d1), t2 = split_term<64>(d2);
-    const __m512i up01 = (__m512i)(t0.up | (t1.up << 8)), down01 = (__m512i)(t0.down | (t1.down << 8));
-    const __m512i t2_both = (__m512i)(t2.up | (t2.down << 8));
-    return {{place_terms3<0, 0>(up01, t2_both), place_terms3<1, 0>(up01, t2_both), place_terms3<2, 0>(up01, t2_both)},
-            {place_terms3<0, 1>(down01, t2_both), place_terms3<1, 1>(down01, t2_both), place_terms3<2, 1>(down01, t2_both)}};
+    const __m512i up01 = _mm512_packus_epi16((__m512i)d0, (__m512i)d1);
+    const __m512i down01 = _mm512_packus_epi16((__m512i)-d0, (__m512i)-d1);
+    const __m512i t2 = _mm512_packus_epi16((__m512i)d2, (__m512i)-d2);
+    return {{place_terms3<0, 0>(up01, t2), place_terms3<1, 0>(up01, t2), place_terms3<2, 0>(up01, t2)},
+            {place_terms3<0, 1>(down01, t2), place_terms3<1, 1>(down01, t2), place_terms3<2, 1>(down01, t2)}};
 }
 template <int k>
 ZIV_INLINE void store_pixels_part(uint8_t* p, __m512i luma, const PixelTerms3<64>& t) {
@@ -205,27 +233,27 @@ template <>
 struct PixelTerms4<64> {
     __m512i up[4], down[4];
 };
-// Register q of the stored pixels holds pairs 8 q to 8 q + 7, each twice: four in the low and four in the high interleaving.
-template <int q>
-ZIV_INLINE __m512i place_terms4(__m512i lo, __m512i hi) {
-    const __m512i index =
-        _mm512_setr_epi32(4 * q, 4 * q, 4 * q + 1, 4 * q + 1, 4 * q + 2, 4 * q + 2, 4 * q + 3, 4 * q + 3, 4 * q + 16,
-                          4 * q + 16, 4 * q + 17, 4 * q + 17, 4 * q + 18, 4 * q + 18, 4 * q + 19, 4 * q + 19);
-    return _mm512_permutex2var_epi32(lo, index, hi);
+// Pairs `first` to `first` + 7, each twice, of the 16 that are narrowed into one vector, four in every 16-byte part: channels 0
+// and 1 of each, then channels 2 and 3.
+template <int first>
+ZIV_INLINE __m512i place_terms4(__m512i terms) {
+    const __m512i index = bytes512([](int n) {
+        const int pair = first + n / 8;
+        return pair / 4 * 16 + n % 4 / 2 * 8 + pair % 4 * 2 + n % 2;
+    });
+    return _mm512_permutexvar_epi8(index, terms);
 }
 template <>
 ZIV_INLINE PixelTerms4<64> pixel_terms<64>(S16<64> d0, S16<64> d1, S16<64> d2, uint8_t alpha) {
-    const SplitTerm<64> t0 = split_term<64>(d0), t1 = split_term<64>(d1), t2 = split_term<64>(d2);
-    const __m512i up01 = (__m512i)(t0.up | (t1.up << 8)), down01 = (__m512i)(t0.down | (t1.down << 8));
-    const __m512i up23 = _mm512_or_si512((__m512i)t2.up, _mm512_set1_epi16(static_cast<int16_t>(0xFF00 - 0x10000)));
-    const __m512i down23 =
-        _mm512_or_si512((__m512i)t2.down, _mm512_slli_epi16(_mm512_set1_epi16(static_cast<int16_t>(255 - alpha)), 8));
-    const __m512i up_lo = _mm512_unpacklo_epi16(up01, up23), up_hi = _mm512_unpackhi_epi16(up01, up23);
-    const __m512i down_lo = _mm512_unpacklo_epi16(down01, down23), down_hi = _mm512_unpackhi_epi16(down01, down23);
-    return {{place_terms4<0>(up_lo, up_hi), place_terms4<1>(up_lo, up_hi), place_terms4<2>(up_lo, up_hi),
-             place_terms4<3>(up_lo, up_hi)},
-            {place_terms4<0>(down_lo, down_hi), place_terms4<1>(down_lo, down_hi), place_terms4<2>(down_lo, down_hi),
-             place_terms4<3>(down_lo, down_hi)}};
+    const __m512i zero = _mm512_setzero_si512(), full = _mm512_set1_epi16(255), down3 = _mm512_set1_epi32((510 - alpha) << 16);
+    const __m512i lo01 = _mm512_unpacklo_epi16((__m512i)d0, (__m512i)d1),
+                  hi01 = _mm512_unpackhi_epi16((__m512i)d0, (__m512i)d1);
+    const __m512i lo23 = _mm512_unpacklo_epi16((__m512i)d2, full), hi23 = _mm512_unpackhi_epi16((__m512i)d2, full);
+    const __m512i up_lo = _mm512_packus_epi16(lo01, lo23), up_hi = _mm512_packus_epi16(hi01, hi23);
+    const __m512i down_lo = _mm512_packus_epi16(_mm512_sub_epi16(zero, lo01), _mm512_sub_epi16(down3, lo23));
+    const __m512i down_hi = _mm512_packus_epi16(_mm512_sub_epi16(zero, hi01), _mm512_sub_epi16(down3, hi23));
+    return {{place_terms4<0>(up_lo), place_terms4<8>(up_lo), place_terms4<0>(up_hi), place_terms4<8>(up_hi)},
+            {place_terms4<0>(down_lo), place_terms4<8>(down_lo), place_terms4<0>(down_hi), place_terms4<8>(down_hi)}};
 }
 template <int q>
 ZIV_INLINE void store_pixels_part(uint8_t* p, __m512i luma, const PixelTerms4<64>& t) {

@@ -17,7 +17,7 @@ inline constexpr float red_of_v = 1.402f, green_of_v = -0.714f, green_of_u = -0.
 template <int N>
 struct Binary32Terms {
     S16<N> r, g, b;
-    U16<N> may_fall_short;  // not zero in the lanes of the 17 pairs and of some more
+    U16<N> sound;  // zero in the lanes of the 17 pairs and of some more
 };
 template <int N>
 ZIV_INLINE Binary32Terms<N> binary32_terms(S16<N> u, S16<N> v) {
@@ -25,10 +25,12 @@ ZIV_INLINE Binary32Terms<N> binary32_terms(S16<N> u, S16<N> v) {
     const S16<N> b = u + u + multiply_high<N>(u, S16<N>{} - int16_t{14942});  // -0.228
     // -0.714 v - 0.344 u is -v + (143 v - 172 u) / 500. A quarter of the numerator, floored, plus 81 times 125, is positive;
     // the rounding multiply by 2^21 / 125 adds less than 1/125 after the shift, enough for what the factor lacks.
-    const S16<N> quarter = v * 36 - u * 43 + (-v >> 2) + 81 * 125;
+    const S16<N> quarter = v * 36 - u * 43 + (S16<N>)((uint16_t{4 * 81 * 125} - (U16<N>)v) >> 2);
     const S16<N> quotient = multiply_round_high<N>(quarter, S16<N>{} + int16_t{16777}) >> 6;
-    const U16<N> whole = (U16<N>)(quotient * 125 == quarter) & (U16<N>)((v & 3) == 0);
-    return {r, quotient - 81 - v, b, whole & (U16<N>)(u > 0)};
+    // A whole term: no remainder in either division. The 17 pairs have u above 0 and v up to 12.
+    const S16<N> outside = (u - 1) | (12 - v);
+    const S16<N> sound = (quarter - quotient * 125) | (v & 3) | (outside & static_cast<int16_t>(-32768));
+    return {r, quotient - (v + 81), b, (U16<N>)sound};
 }
 
 // The threshold of each pair in the bytes of both of its pixels, 0 where green does not fall short. d is the floor of the exact
@@ -45,7 +47,7 @@ ZIV_INLINE U8<N> green_thresholds(S16<N> u, S16<N> v, S16<N> d) {
         const U32<N> lanes = (U32<N>)__builtin_convertvector(lack > 0.0f ? lack : F32<N>{}, S32<N>);
         thresholds |= (U16<N>)(odd ? lanes << 16 : lanes);
     }
-    return double_bytes<N>(thresholds);
+    return double_arranged<N>(thresholds);
 }
 
 // Writes N pixels B, G, R, alpha with the thresholds applied.
@@ -53,7 +55,8 @@ template <int N>
 ZIV_INLINE void store_with_thresholds(uint8_t* p, U8<N> luma, const Binary32Terms<N>& d, U8<N> thresholds, uint8_t alpha) {
     const auto plus = [luma](S16<N> term) ZIV_INLINE_BODY {
         const S16<N> up = term > 0 ? term : S16<N>{};
-        return subtract_saturating(add_saturating(luma, double_bytes<N>((U16<N>)up)), double_bytes<N>((U16<N>)(up - term)));
+        return subtract_saturating(add_saturating(luma, double_arranged<N>((U16<N>)up)),
+                                   double_arranged<N>((U16<N>)(up - term)));
     };
     const U8<N> g = plus(d.g);
     store4<N>(p, plus(d.b), subtract_saturating(g, (U8<N>)(g <= thresholds) & 1), plus(d.r), U8<N>{} + alpha);

@@ -17,8 +17,9 @@ ZIV_INLINE int32_t yuyv_to_rgb(const Image* srcImg, const Image* dstImg, uint32_
         for_steps(blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr int N = step.value;
             const Channels<N, 2> v = load2<N>(src + 2 * j);
-            const S16<N> pair_u = (S16<N>)even_bytes<N>(v.c[1]) - 128, pair_v = (S16<N>)odd_bytes<N>(v.c[1]) - 128;
-            store_pixels<N>(dst + bytes * j, v.c[0], terms_of<Set, order, N>({pair_u, pair_v}, alpha));
+            const Chroma<N> chroma = centred_pairs<PairOrder::uv, N>(arrange_pairs<N>(v.c[1]));
+            expect_writes<bytes * N>(dst + bytes * j);
+            store_pixels<N>(dst + bytes * j, v.c[0], terms_of<Set, order, N>(chroma, alpha));
         });
         for (ptrdiff_t j = blocked; j < width; j += 2) {
             const uint8_t* group = src + 2 * j;

@@ -8,12 +8,16 @@ namespace zivcolor::ZIVCOLOR_TARGET {
 
 // ---- Chroma: the pairs of the N pixels from column j on, or of the one pair at column j, centred ----
 
-template <int N>
-struct Chroma {
-    S16<N> u, v;
-};
-
 enum class PairOrder { uv, vu };
+
+template <PairOrder order, int N>
+ZIV_INLINE Chroma<N> centred_pairs(U8<N> pairs) {
+    const S16<N> both = (S16<N>)(pairs ^ 0x80);
+    const S16<N> first256 = both << 8, second256 = both & static_cast<int16_t>(-256);
+    const S16<N> first = first256 >> 8, second = both >> 8;
+    return order == PairOrder::uv ? Chroma<N>{first, second, first256, second256}
+                                  : Chroma<N>{second, first, second256, first256};
+}
 
 // Interleaved pairs of bytes.
 template <PairOrder order>
@@ -24,9 +28,7 @@ struct PairedChroma {
     int v(ptrdiff_t j) const { return pairs[j + (order == PairOrder::uv)] - 128; }
     template <int N>
     ZIV_INLINE Chroma<N> load_at(ptrdiff_t j) const {
-        const U8<N> bytes = load<N>(pairs + j);
-        const S16<N> first = (S16<N>)even_bytes<N>(bytes) - 128, second = (S16<N>)odd_bytes<N>(bytes) - 128;
-        return order == PairOrder::uv ? Chroma<N>{first, second} : Chroma<N>{second, first};
+        return centred_pairs<order, N>(arrange_pairs<N>(load<N>(pairs + j)));
     }
 };
 
@@ -38,7 +40,8 @@ struct PlanarChroma {
     int v(ptrdiff_t j) const { return v_row[j >> 1] - 128; }
     template <int N>
     ZIV_INLINE Chroma<N> load_at(ptrdiff_t j) const {
-        return {(S16<N>)load_widened<N>(u_row + (j >> 1)) - 128, (S16<N>)load_widened<N>(v_row + (j >> 1)) - 128};
+        const S16<N> u = (S16<N>)load_arranged<N>(u_row + (j >> 1)) - 128, v = (S16<N>)load_arranged<N>(v_row + (j >> 1)) - 128;
+        return {u, v, u << 8, v << 8};
     }
 };
 
@@ -53,7 +56,7 @@ inline constexpr bool red_first = order == Rgb::rgb || order == Rgb::rgba;
 // The terms of a set in the order of the destination's channels.
 template <class Set, Rgb order, int N>
 ZIV_INLINE auto terms_of(const Chroma<N>& chroma, [[maybe_unused]] uint8_t alpha) {
-    const ChromaTerms<N> d = Set::template terms<N>(chroma.u, chroma.v);
+    const ChromaTerms<N> d = Set::template terms<N>(chroma);
     const S16<N> first = red_first<order> ? d.r : d.b, last = red_first<order> ? d.b : d.r;
     if constexpr (pixel_bytes<order> == 3) return pixel_terms<N>(first, d.g, last);
     else return pixel_terms<N>(first, d.g, last, alpha);
@@ -90,6 +93,7 @@ template <class Set, Rgb order, class RowChroma>
 ZIV_INLINE void convert_row_blocks(const uint8_t* luma, RowChroma chroma, uint8_t* dst, ptrdiff_t columns, uint8_t alpha) {
     for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = step.value;
+        expect_writes<pixel_bytes<order> * N>(dst + pixel_bytes<order> * j);
         store_pixels<N>(dst + pixel_bytes<order> * j, load<N>(luma + j),
                         terms_of<Set, order, N>(chroma.template load_at<N>(j), alpha));
     });
@@ -113,8 +117,11 @@ ZIV_INLINE void convert_blocks(RowPair rows, RowChroma chroma, ptrdiff_t columns
     for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = step.value;
         const auto terms = terms_of<Set, order, N>(chroma.template load_at<N>(j), alpha);
-        store_pixels<N>(rows.dst0 + pixel_bytes<order> * j, load<N>(rows.luma0 + j), terms);
-        store_pixels<N>(rows.dst1 + pixel_bytes<order> * j, load<N>(rows.luma1 + j), terms);
+        uint8_t *const dst0 = rows.dst0 + pixel_bytes<order> * j, *const dst1 = rows.dst1 + pixel_bytes<order> * j;
+        expect_writes<pixel_bytes<order> * N>(dst0);
+        expect_writes<pixel_bytes<order> * N>(dst1);
+        store_pixels<N>(dst0, load<N>(rows.luma0 + j), terms);
+        store_pixels<N>(dst1, load<N>(rows.luma1 + j), terms);
     });
 }
 

@@ -32,7 +32,9 @@ int32_t zivColorNV21toBGRA8888u8(const Image* srcImg, const Image* dstImg, uint8
             const Chroma<N> pairs = chroma.load_at<N>(j);
             const Binary32Terms<N> d = binary32_terms<N>(pairs.u, pairs.v);
             const U8<N> luma0 = load<N>(rows.luma0 + j), luma1 = load<N>(rows.luma1 + j);
-            if (any_lane<N>(d.may_fall_short)) [[unlikely]] {
+            expect_writes<4 * N>(rows.dst0 + 4 * j);
+            expect_writes<4 * N>(rows.dst1 + 4 * j);
+            if (any_zero<N>(d.sound)) [[unlikely]] {
                 const U8<N> thresholds = green_thresholds<N>(pairs.u, pairs.v, d.g);
                 store_with_thresholds<N>(rows.dst0 + 4 * j, luma0, d, thresholds, alpha);
                 store_with_thresholds<N>(rows.dst1 + 4 * j, luma1, d, thresholds, alpha);

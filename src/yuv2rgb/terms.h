@@ -6,6 +6,12 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
+// The chroma of N pixels in the order that pixel_terms takes, as it is and times 256: a set uses what suits its scale.
+template <int N>
+struct Chroma {
+    S16<N> u, v, u256, v256;
+};
+
 template <int N>
 struct ChromaTerms {
     S16<N> r, g, b;
@@ -18,10 +24,10 @@ struct SetQ15 {
     static int g(int u, int v) { return (-11277 * u - 23401 * v + 16384) >> 15; }
     static int b(int u, int) { return (58065 * u + 16384) >> 15; }
     template <int N>
-    ZIV_INLINE static ChromaTerms<N> terms(S16<N> u, S16<N> v) {
-        const S16<N> r = v + multiply_round_high<N>(v, S16<N>{} + int16_t{45941 - 32768});
-        const S16<N> b = u + multiply_round_high<N>(u, S16<N>{} + int16_t{58065 - 32768});
-        return {r, weigh_pair_q15<N>(u, v, -11277, -23401), b};
+    ZIV_INLINE static ChromaTerms<N> terms(const Chroma<N>& c) {
+        const S16<N> r = c.v + multiply_round_high<N>(c.v, S16<N>{} + int16_t{45941 - 32768});
+        const S16<N> b = c.u + multiply_round_high<N>(c.u, S16<N>{} + int16_t{58065 - 32768});
+        return {r, weigh_pair_q15<N>(c.u, c.v, -11277, -23401), b};
     }
 };
 
@@ -33,8 +39,10 @@ struct SetT5Shifted {
     static int g(int u, int v) { return -(((11 * u) >> green_shift_u) + ((23 * v) >> 5)); }
     static int b(int u, int) { return (57 * u) >> 5; }
     template <int N>
-    ZIV_INLINE static ChromaTerms<N> terms(S16<N> u, S16<N> v) {
-        return {(v * 45) >> 5, -(((u * 11) >> green_shift_u) + ((v * 23) >> 5)), (u * 57) >> 5};
+    ZIV_INLINE static ChromaTerms<N> terms(const Chroma<N>& c) {
+        // (256 x * 4 w) >> 15 = (w x) >> 5
+        const S16<N> green = multiply_q15<N>(c.u256, 11 * (128 >> green_shift_u)) + multiply_q15<N>(c.v256, 23 * 4);
+        return {multiply_q15<N>(c.v256, 45 * 4), -green, multiply_q15<N>(c.u256, 57 * 4)};
     }
 };
 using SetT5 = SetT5Shifted<5>;
@@ -46,8 +54,10 @@ struct SetR5 {
     static int g(int u, int v) { return (-11 * u - 23 * v + 16) >> 5; }
     static int b(int u, int) { return (57 * u + 16) >> 5; }
     template <int N>
-    ZIV_INLINE static ChromaTerms<N> terms(S16<N> u, S16<N> v) {
-        return {(v * 45 + 16) >> 5, (16 - u * 11 - v * 23) >> 5, (u * 57 + 16) >> 5};
+    ZIV_INLINE static ChromaTerms<N> terms(const Chroma<N>& c) {
+        const S16<N> r = multiply_round_high<N>(c.v256, S16<N>{} + int16_t{45 * 4});
+        const S16<N> b = multiply_round_high<N>(c.u256, S16<N>{} + int16_t{57 * 4});
+        return {r, (16 - c.u * 11 - c.v * 23) >> 5, b};
     }
 };
 
