@@ -178,6 +178,12 @@ ZIV_INLINE U8<N> interleave_high(U8<N> a, U8<N> b) {
 
 // ---- 16-bit lanes ----
 
+// The value in every lane, as a factor or summand of a block step.
+template <int N>
+ZIV_INLINE S16<N> constant(int value) {
+    return S16<N>{} + static_cast<int16_t>(value);
+}
+
 // clamp(x, 0, 255) of lo, then of hi.
 template <int N>
 ZIV_INLINE U8<N> narrow_saturating(S16<N> lo, S16<N> hi) {

@@ -65,13 +65,21 @@ ZIV_INLINE Wide<16> widen<16>(U8<16> v) {
     return {(U16<16>)_mm_unpacklo_epi8((__m128i)v, zero), (U16<16>)_mm_unpackhi_epi8((__m128i)v, zero)};
 }
 
+// Hidden from the compiler, which would make chains of shifts and additions of products, and build the constants anew in every
+// step where it runs out of registers.
+template <>
+ZIV_INLINE S16<16> constant<16>(int value) {
+    S16<16> lanes = S16<16>{} + static_cast<int16_t>(value);
+    asm("" : "+x"(lanes));
+    return lanes;
+}
 template <>
 ZIV_INLINE S16<16> multiply_round_high<16>(S16<16> a, S16<16> b) {
     return (S16<16>)_mm_mulhrs_epi16((__m128i)a, (__m128i)b);
 }
 template <>
 ZIV_INLINE S16<16> multiply_q15<16>(S16<16> a, int weight) {
-    return (S16<16>)_mm_mulhi_epi16((__m128i)a, _mm_set1_epi16(static_cast<int16_t>(2 * weight)));
+    return (S16<16>)_mm_mulhi_epi16((__m128i)a, (__m128i)constant<16>(2 * weight));
 }
 template <>
 ZIV_INLINE S16<16> multiply_high<16>(S16<16> a, S16<16> b) {
@@ -228,7 +236,7 @@ ZIV_INLINE __m128i pair_mask4() {
 }
 template <>
 ZIV_INLINE PixelTerms4<16> pixel_terms<16>(S16<16> d0, S16<16> d1, S16<16> d2, uint8_t alpha) {
-    const __m128i zero = _mm_setzero_si128(), full = _mm_set1_epi16(255), down3 = _mm_set1_epi32((510 - alpha) << 16);
+    const __m128i zero = _mm_setzero_si128(), full = (__m128i)constant<16>(255), down3 = _mm_set1_epi32((510 - alpha) << 16);
     const __m128i lo01 = _mm_unpacklo_epi16((__m128i)d0, (__m128i)d1), hi01 = _mm_unpackhi_epi16((__m128i)d0, (__m128i)d1);
     const __m128i lo23 = _mm_unpacklo_epi16((__m128i)d2, full), hi23 = _mm_unpackhi_epi16((__m128i)d2, full);
     const __m128i up_lo = _mm_packus_epi16(lo01, lo23), up_hi = _mm_packus_epi16(hi01, hi23);

@@ -79,12 +79,18 @@ ZIV_INLINE U8<32> narrow<32>(Wide<32> v) {
 }
 
 template <>
+ZIV_INLINE S16<32> constant<32>(int value) {
+    S16<32> lanes = S16<32>{} + static_cast<int16_t>(value);
+    asm("" : "+x"(lanes));
+    return lanes;
+}
+template <>
 ZIV_INLINE S16<32> multiply_round_high<32>(S16<32> a, S16<32> b) {
     return (S16<32>)_mm256_mulhrs_epi16((__m256i)a, (__m256i)b);
 }
 template <>
 ZIV_INLINE S16<32> multiply_q15<32>(S16<32> a, int weight) {
-    return (S16<32>)_mm256_mulhi_epi16((__m256i)a, _mm256_set1_epi16(static_cast<int16_t>(2 * weight)));
+    return (S16<32>)_mm256_mulhi_epi16((__m256i)a, (__m256i)constant<32>(2 * weight));
 }
 template <>
 ZIV_INLINE S16<32> multiply_high<32>(S16<32> a, S16<32> b) {
@@ -204,7 +210,8 @@ ZIV_INLINE __m256i place_terms4(__m256i terms) {
 }
 template <>
 ZIV_INLINE PixelTerms4<32> pixel_terms<32>(S16<32> d0, S16<32> d1, S16<32> d2, uint8_t alpha) {
-    const __m256i zero = _mm256_setzero_si256(), full = _mm256_set1_epi16(255), down3 = _mm256_set1_epi32((510 - alpha) << 16);
+    const __m256i zero = _mm256_setzero_si256(), full = (__m256i)constant<32>(255),
+                  down3 = _mm256_set1_epi32((510 - alpha) << 16);
     const __m256i lo01 = _mm256_unpacklo_epi16((__m256i)d0, (__m256i)d1),
                   hi01 = _mm256_unpackhi_epi16((__m256i)d0, (__m256i)d1);
     const __m256i lo23 = _mm256_unpacklo_epi16((__m256i)d2, full), hi23 = _mm256_unpackhi_epi16((__m256i)d2, full);

@@ -75,12 +75,18 @@ ZIV_INLINE U8<64> narrow<64>(Wide<64> v) {
 }
 
 template <>
+ZIV_INLINE S16<64> constant<64>(int value) {
+    S16<64> lanes = S16<64>{} + static_cast<int16_t>(value);
+    asm("" : "+v"(lanes));
+    return lanes;
+}
+template <>
 ZIV_INLINE S16<64> multiply_round_high<64>(S16<64> a, S16<64> b) {
     return (S16<64>)_mm512_mulhrs_epi16((__m512i)a, (__m512i)b);
 }
 template <>
 ZIV_INLINE S16<64> multiply_q15<64>(S16<64> a, int weight) {
-    return (S16<64>)_mm512_mulhi_epi16((__m512i)a, _mm512_set1_epi16(static_cast<int16_t>(2 * weight)));
+    return (S16<64>)_mm512_mulhi_epi16((__m512i)a, (__m512i)constant<64>(2 * weight));
 }
 template <>
 ZIV_INLINE S16<64> multiply_high<64>(S16<64> a, S16<64> b) {
@@ -245,7 +251,8 @@ ZIV_INLINE __m512i place_terms4(__m512i terms) {
 }
 template <>
 ZIV_INLINE PixelTerms4<64> pixel_terms<64>(S16<64> d0, S16<64> d1, S16<64> d2, uint8_t alpha) {
-    const __m512i zero = _mm512_setzero_si512(), full = _mm512_set1_epi16(255), down3 = _mm512_set1_epi32((510 - alpha) << 16);
+    const __m512i zero = _mm512_setzero_si512(), full = (__m512i)constant<64>(255),
+                  down3 = _mm512_set1_epi32((510 - alpha) << 16);
     const __m512i lo01 = _mm512_unpacklo_epi16((__m512i)d0, (__m512i)d1),
                   hi01 = _mm512_unpackhi_epi16((__m512i)d0, (__m512i)d1);
     const __m512i lo23 = _mm512_unpacklo_epi16((__m512i)d2, full), hi23 = _mm512_unpackhi_epi16((__m512i)d2, full);

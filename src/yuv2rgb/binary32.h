@@ -7,7 +7,7 @@
 // 128. There the sum with luma rounds up to Y + n above the threshold, and is Y + n - 1 after truncation up to it.
 #pragma once
 
-#include "core/kernel.h"
+#include "yuv2rgb/rows.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
@@ -21,16 +21,17 @@ struct Binary32Terms {
 };
 template <int N>
 ZIV_INLINE Binary32Terms<N> binary32_terms(S16<N> u, S16<N> v) {
-    const S16<N> r = v + multiply_high<N>(v, S16<N>{} + int16_t{26345});      // 0.402 in 1/65536
-    const S16<N> b = u + u + multiply_high<N>(u, S16<N>{} - int16_t{14942});  // -0.228
+    const S16<N> r = v + multiply_high<N>(v, constant<N>(26345));       // 0.402 in 1/65536
+    const S16<N> b = u + u + multiply_high<N>(u, constant<N>(-14942));  // -0.228
     // -0.714 v - 0.344 u is -v + (143 v - 172 u) / 500. A quarter of the numerator, floored, plus 81 times 125, is positive;
     // the rounding multiply by 2^21 / 125 adds less than 1/125 after the shift, enough for what the factor lacks.
-    const S16<N> quarter = v * 36 - u * 43 + (S16<N>)((uint16_t{4 * 81 * 125} - (U16<N>)v) >> 2);
-    const S16<N> quotient = multiply_round_high<N>(quarter, S16<N>{} + int16_t{16777}) >> 6;
+    const S16<N> quarter =
+        v * constant<N>(36) - u * constant<N>(43) + (S16<N>)((U16<N>)(constant<N>(4 * 81 * 125 - 65536) - v) >> 2);
+    const S16<N> quotient = multiply_round_high<N>(quarter, constant<N>(16777)) >> 6;
     // A whole term: no remainder in either division. The 17 pairs have u above 0 and v up to 12.
-    const S16<N> outside = (u - 1) | (12 - v);
-    const S16<N> sound = (quarter - quotient * 125) | (v & 3) | (outside & static_cast<int16_t>(-32768));
-    return {r, quotient - (v + 81), b, (U16<N>)sound};
+    const S16<N> outside = (u - constant<N>(1)) | (constant<N>(12) - v);
+    const S16<N> sound = (quarter - quotient * constant<N>(125)) | (v & constant<N>(3)) | (outside & constant<N>(-32768));
+    return {r, quotient - (v + constant<N>(81)), b, (U16<N>)sound};
 }
 
 // The threshold of each pair in the bytes of both of its pixels, 0 where green does not fall short. d is the floor of the exact
@@ -60,6 +61,49 @@ ZIV_INLINE void store_with_thresholds(uint8_t* p, U8<N> luma, const Binary32Term
     };
     const U8<N> g = plus(d.g);
     store4<N>(p, plus(d.b), subtract_saturating(g, (U8<N>)(g <= thresholds) & 1), plus(d.r), U8<N>{} + alpha);
+}
+
+// The seldom taken way of one step of two rows, kept apart from the usual one so as not to take its registers.
+template <int N>
+[[gnu::noinline, gnu::cold]] static void convert_step_with_thresholds(RowPair rows, PairedChroma<PairOrder::vu> chroma,
+                                                                      ptrdiff_t j, uint8_t alpha) {
+    const Chroma<N> pairs = chroma.load_at<N>(j);
+    const Binary32Terms<N> d = binary32_terms<N>(pairs.u, pairs.v);
+    const U8<N> thresholds = green_thresholds<N>(pairs.u, pairs.v, d.g);
+    store_with_thresholds<N>(rows.dst0 + 4 * j, load<N>(rows.luma0 + j), d, thresholds, alpha);
+    store_with_thresholds<N>(rows.dst1 + 4 * j, load<N>(rows.luma1 + j), d, thresholds, alpha);
+}
+
+// The blocked columns of two rows. Reads and writes exactly these.
+ZIV_INLINE void convert_binary32_blocks(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t columns, uint8_t alpha) {
+    for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        constexpr int N = step.value;
+        const Chroma<N> pairs = chroma.load_at<N>(j);
+        const Binary32Terms<N> d = binary32_terms<N>(pairs.u, pairs.v);
+        if (any_zero<N>(d.sound)) [[unlikely]]
+            return convert_step_with_thresholds<N>(rows, chroma, j, alpha);
+        expect_writes<4 * N>(rows.dst0 + 4 * j);
+        expect_writes<4 * N>(rows.dst1 + 4 * j);
+        const PixelTerms4<N> terms = pixel_terms<N>(d.b, d.g, d.r, alpha);
+        store_pixels<N>(rows.dst0 + 4 * j, load<N>(rows.luma0 + j), terms);
+        store_pixels<N>(rows.dst1 + 4 * j, load<N>(rows.luma1 + j), terms);
+    });
+}
+
+// The tail sums green in another order: trunc((Y + -0.714 v) + -0.344 u).
+ZIV_INLINE void convert_binary32_tail(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t first, ptrdiff_t width,
+                                      uint8_t alpha) {
+    for (ptrdiff_t j = first; j <= width - 2; j += 2) {
+        const float u = static_cast<float>(chroma.u(j)), v = static_cast<float>(chroma.v(j));
+        const float red = v * red_of_v, green_v = v * green_of_v, green_u = u * green_of_u, blue = u * blue_of_u;
+        const Quad quad = load_quad(rows, j);
+        uint8_t* const pixel[4] = {rows.dst0 + 4 * j, rows.dst0 + 4 * (j + 1), rows.dst1 + 4 * j, rows.dst1 + 4 * (j + 1)};
+        for (int p = 0; p < 4; p++) {
+            const float y = static_cast<float>(quad.luma[p]);
+            const float r = y + red, g = (y + green_v) + green_u, b = y + blue;
+            store_clamped<Rgb::bgra>(pixel[p], {static_cast<int>(r), static_cast<int>(g), static_cast<int>(b)}, alpha);
+        }
+    }
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

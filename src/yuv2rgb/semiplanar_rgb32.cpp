@@ -1,24 +1,7 @@
 // NV21 and NV12 to 32-bit RGB with a constant alpha: the walk of the 24-bit kernels, but each its own set and tail.
 #include "yuv2rgb/binary32.h"
-#include "yuv2rgb/rows.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
-
-// The tail sums green in another order than the blocks: (Y + -0.714 v) + -0.344 u.
-ZIV_INLINE void convert_binary32_tail(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t first, ptrdiff_t width,
-                                      uint8_t alpha) {
-    for (ptrdiff_t j = first; j <= width - 2; j += 2) {
-        const float u = static_cast<float>(chroma.u(j)), v = static_cast<float>(chroma.v(j));
-        const float red = v * red_of_v, green_v = v * green_of_v, green_u = u * green_of_u, blue = u * blue_of_u;
-        const Quad quad = load_quad(rows, j);
-        uint8_t* const pixel[4] = {rows.dst0 + 4 * j, rows.dst0 + 4 * (j + 1), rows.dst1 + 4 * j, rows.dst1 + 4 * (j + 1)};
-        for (int p = 0; p < 4; p++) {
-            const float y = static_cast<float>(quad.luma[p]);
-            const float r = y + red, g = (y + green_v) + green_u, b = y + blue;
-            store_clamped<Rgb::bgra>(pixel[p], {static_cast<int>(r), static_cast<int>(g), static_cast<int>(b)}, alpha);
-        }
-    }
-}
 
 int32_t zivColorNV21toBGRA8888u8(const Image* srcImg, const Image* dstImg, uint8_t alpha) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_BGRA8888, both_2x2)) return status;
@@ -27,23 +10,7 @@ int32_t zivColorNV21toBGRA8888u8(const Image* srcImg, const Image* dstImg, uint8
     for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
         const RowPair rows = row_pair_at(srcImg, dstImg, i);
         const PairedChroma<PairOrder::vu> chroma{row_at_wrapped(srcImg->plane[1], i >> 1, srcImg->pitch[1])};
-        for_steps(blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-            constexpr int N = step.value;
-            const Chroma<N> pairs = chroma.load_at<N>(j);
-            const Binary32Terms<N> d = binary32_terms<N>(pairs.u, pairs.v);
-            const U8<N> luma0 = load<N>(rows.luma0 + j), luma1 = load<N>(rows.luma1 + j);
-            expect_writes<4 * N>(rows.dst0 + 4 * j);
-            expect_writes<4 * N>(rows.dst1 + 4 * j);
-            if (any_zero<N>(d.sound)) [[unlikely]] {
-                const U8<N> thresholds = green_thresholds<N>(pairs.u, pairs.v, d.g);
-                store_with_thresholds<N>(rows.dst0 + 4 * j, luma0, d, thresholds, alpha);
-                store_with_thresholds<N>(rows.dst1 + 4 * j, luma1, d, thresholds, alpha);
-            } else {
-                const PixelTerms4<N> terms = pixel_terms<N>(d.b, d.g, d.r, alpha);
-                store_pixels<N>(rows.dst0 + 4 * j, luma0, terms);
-                store_pixels<N>(rows.dst1 + 4 * j, luma1, terms);
-            }
-        });
+        convert_binary32_blocks(rows, chroma, blocked, alpha);
         convert_binary32_tail(rows, chroma, blocked, width, alpha);
     }
     return zivStatus_OK;
