@@ -276,24 +276,82 @@ ZIVCOLOR_API int32_t zivColorNV41toNV21_2(const __tag_KOBR_OFFSCREEN* srcImg, co
 
 /* ---- RGB to RGB ------------------------------------------------------------------------------------------------------ */
 
+/* Channels reordered, alpha dropped or added, or pixels packed into 16-bit words: no arithmetic beyond shifts and masks. Blocks
+ * and tail give the same bytes. Every kernel walks the size of dstImg and uses plane[0] and pitch[0] of both descriptors; it
+ * reads and writes exactly the pixels of its rows. Pitches, plane pointers and overlap are not tested.
+ *   zivStatus_NullPointer   srcImg or dstImg is null
+ *   zivStatus_BadArgument   a format code is not the kernel's own, or a size below its least
+ *   zivStatus_OK            otherwise */
+
+/* R G B A to B G R; alpha is dropped. Blocks of 8 pixels. dstImg at least 1 by 1; the size of srcImg is not looked at. */
 ZIVCOLOR_API int32_t zivColorRGBA8888toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Exchanges the first and the third byte of 3-byte pixels. Blocks of 8 pixels. No format code is tested; dstImg at least 1 by
+ * 1; the size of srcImg is not looked at. Harmless in place, where both planes and both pitches are the same. */
 ZIVCOLOR_API int32_t zivColorRGB888toBGR888u8_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* 3-byte pixels to A R G B with an alpha of 255. Blocks of 16 pixels. Both images at least 1 by 1. */
 ZIVCOLOR_API int32_t zivColorBGR888toARGB8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorRGB888toARGB8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* 3-byte pixels to little-endian 16-bit words, laid out as the destination's format code tells: the top 5, 6 and 5 bits of the
+ * channels; their low bits are dropped, without rounding or dither. Both images at least 2 by 2. Blocks of 8 pixels. */
 ZIVCOLOR_API int32_t zivColorRGB888toBGR565u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorRGB888toRGB565u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* The same in blocks of 16 pixels. */
 ZIVCOLOR_API int32_t zivColorBGR888toRGB565u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorBGR888toBGR565u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* The exchange of zivColorRGB888toBGR888u8_2 on packed images: rows of 3 times width bytes without gaps, in pSrc as in pDst,
+ * which may be the same. width and height in pixels; width at most 2^31 - 1.
+ *   zivStatus_NullPointer   pSrc or pDst is null
+ *   zivStatus_BadArgument   width or height is below 1 */
 ZIVCOLOR_API int32_t zivColorRGB888toBGR888u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height);
 
 /* ---- HSL ------------------------------------------------------------------------------------------------------------- */
 
+/* To HSL888: three bytes a pixel, hue, saturation, lightness.
+ *   lightness    0 to 255: the rounded mean of the largest and the smallest channel
+ *   saturation   0 to 255: 0 exactly for grey
+ *   hue          0 to 212: three thirds based at 0 (red), 85 (green) and 170 (blue), up to 42 steps to either side. The arc
+ *                from magenta back to red is flattened to 0. Grey, black and white have the hue 170.
+ * On a tie of the largest channels green dominates, but for red and blue, where red does. Division is by a table of truncated
+ * reciprocals with 16 fractional bits (65536 / n; 65535 for 1): saturation is (table[D] * (255 d + D/2)) >> 16 and hue is
+ * base - ((table[d] * (42 n + d/2)) >> 16), where d is the largest less the smallest channel, D the sum of both, or 510 less
+ * the sum from a lightness of 128 on, and n blue - green, red - blue or green - red for red, green or blue dominating. Both
+ * are clamped to 0 and 255.
+ *
+ * Sizes are pixels, strides bytes; all are unsigned 32-bit, and a stride is zero-extended: rows go down memory only. Mind the
+ * order of the arguments. No test is made of strides and overlap. Converting BGR888 in place with equal strides is harmless.
+ *   zivStatus_NullPointer   a pointer is null (tested first)
+ *   zivStatus_BadArgument   width or height is below 3
+ *   zivStatus_OK            otherwise
+ *
+ * WIDTHS FROM 3 TO 7 MUST NOT BE USED. They pass the check, but blocks of 8 pixels run while their first column is below
+ * width - 8, an unsigned bound that wraps there to nearly 2^32: the kernels run on beyond the image, and no status tells.
+ * From a width of 8 on, blocks leave the last one to eight pixels of a row to single steps with the same results. */
+
+/* B G R in memory order to HSL888. Reads and writes exactly the rows' pixels. From the end of a row the next one is reached
+ * by the stride less 3 times lWidth, as an unsigned 32-bit number: a stride below the row's bytes goes forward by nearly
+ * 2^32. */
 ZIVCOLOR_API int32_t zivColorBGR888toHSL888u8(const uint8_t* bgr, uint8_t* hsl, uint32_t lHeight, uint32_t lWidth,
                                               uint32_t lineBytesBgr, uint32_t lineBytesHsl);
+
+/* 16-bit little-endian words to HSL888. The 5-bit fields count 8 times their value, the 6-bit field 4 times; the low bits stay
+ * zero, so that a word of all ones is not white. Source rows step by lineBytesBgr from their start, destination rows as above.
+ * The two read the words the other way about from the format codes of the same names:
+ *   zivColorBGR565toHSL888u8   red in bits 15 to 11, green in 10 to 5, blue in 4 to 0
+ *   zivColorRGB565toHSL888u8   blue in bits 15 to 11, green in 10 to 5, red in 4 to 0 */
 ZIVCOLOR_API int32_t zivColorBGR565toHSL888u8(const uint8_t* pBgr565, uint8_t* pHsl, uint32_t lHeight, uint32_t lWidth,
                                               uint32_t lineBytesBgr, uint32_t lineBytesHsl);
 ZIVCOLOR_API int32_t zivColorRGB565toHSL888u8(const uint8_t* pBgr565, uint8_t* pHsl, uint32_t lHeight, uint32_t lWidth,
                                               uint32_t lineBytesBgr, uint32_t lineBytesHsl);
+
+/* I420 to HSL888 by way of B, G, R; the four pixels of a 2 by 2 square share their chroma. Full range, scale 2^14, u and v
+ * centred: B = (16384 Y + 29049 u + 8192) >> 14, G = (16384 Y - 5636 u - 11698 v + 8192) >> 14, R = (16384 Y + 22987 v +
+ * 8192) >> 14, each clamped. y_step1 and hsl_step1 are bytes per luma and HSL row, cbcr_step1 bytes per row of either chroma
+ * plane. Works on two rows and two columns at a time: an odd lHeight reads and writes the row after the last, an odd lWidth
+ * one pixel beyond each row, and the chroma sample that goes with it. */
 ZIVCOLOR_API int32_t zivColorI420toHSL888u8(const uint8_t* pY, const uint8_t* pCb, const uint8_t* pCr, uint32_t lWidth,
                                             uint32_t lHeight, uint8_t* pHSL, uint32_t y_step1, uint32_t cbcr_step1,
                                             uint32_t hsl_step1);
@@ -306,12 +364,39 @@ ZIVCOLOR_API int32_t zivflip_vertical_nv21(const __tag_KOBR_OFFSCREEN* srcImg, c
 
 /* ---- Enhancement ----------------------------------------------------------------------------------------------------- */
 
+/* Skin whitening: brightens the luma of a 4:2:0 image with chroma pairs V U and lifts its chroma, in place, as far as a mask
+ * allows. Always returns 0; nothing is tested.
+ *   pImg               width, height, pitch[0], pitch[1] and plane[0] are read. plane[1] is not: chroma starts width times
+ *                      height bytes after plane[0], whatever pitch[0] says, and its rows step by pitch[1]
+ *   pMskData           the mask: two rows of one byte for each luma column, lMskLine bytes apart. They weigh every pair of rows
+ *                      of the image; nothing beyond them is read
+ *   plBrightenTab      256 entries: the fully brightened value of each luma value
+ *   lRedLevel          strength of the chroma lift
+ *   plYContrastTable   not used
+ * The image is taken in cells of 2 by 2 luma samples and one chroma pair. With s the sum of a cell's four mask bytes and
+ * a = s >> 2, luma becomes the low 8 bits of (a * table[Y] + (256 - a) * Y) >> 8. With r = (s * lRedLevel) >> 10, U below 128
+ * grows by (r * tU) >> 8 limited to 0 and 9, and V above 128 by (r * tV) >> 8 limited to 0 and 4, stored as the low 8 bits (V
+ * may wrap); other chroma stays untouched. An odd last row or column stays as it is, as do images of fewer than two rows or
+ * columns. */
+
+/* One cell at a time, tU = (128 - U) + ((102 * (U - 128)) >> 8), tV = (128 - V) + ((332 * (V - 128)) >> 8), in 64 bits. */
 ZIVCOLOR_API int64_t _SkinWhitenByMask_YUV420_VUVU(const _TAG_OFFSCREEN* pImg, const uint8_t* pMskData, int64_t lMskLine,
                                                    const int32_t* plBrightenTab, int64_t lRedLevel,
                                                    const int32_t* plYContrastTable);
+
+/* Blocks of 16 columns in wrapping 16-bit lanes: only the low 16 bits of lRedLevel and of the table's entries count, r is
+ * unsigned and cut to 16 bits, V may grow by 9, and from V = 227 on 332 * (V - 128) reads as negative. The columns after the
+ * blocks (all of them below a width of 16) go one cell at a time in 64 bits, with tU = 127 - U and tV = 128 - V: there V stays
+ * under a positive lRedLevel. */
 ZIVCOLOR_API int64_t _SkinWhitenByMask_YUV420_VUVU_neon(const _TAG_OFFSCREEN* pImg, const uint8_t* pMskData, int64_t lMskLine,
                                                         const int32_t* plBrightenTab, int64_t lRedLevel,
                                                         const int32_t* plYContrastTable);
+
+/* A row of 8-bit weights from sums over lImgNum images: column i comes from entry 20 i of pSumW, less 256, divided by
+ * lImgNum - 1. Does nothing if lImgNum is below 2. lW is the number of columns.
+ * Blocks of 8 columns take the low 32 bits of an entry, multiply by the binary32 reciprocal, truncate, and clamp to 0 and 255.
+ * The columns after them take whole entries, divide as integers truncating toward zero, and store 255 for more than 255, else
+ * the low 8 bits: a negative result is not clamped. They go in pairs: an odd lW reads entry 20 lW and writes byte lW. */
 ZIVCOLOR_API void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, int64_t lImgNum);
 
 /* ---- Conversion on several threads ----------------------------------------------------------------------------------- */

@@ -160,6 +160,42 @@ ZIV_INLINE PackedChroma<16> packed_chroma<16>(U8<16> pairs) {
     return {(U8<16>)vtrn2q_u8(p, p), (U8<16>)vtrn1q_u8(p, p)};
 }
 
+// ---- Selection and quotients ----
+
+ZIV_INLINE U8<16> select(U8<16> mask, U8<16> a, U8<16> b) {
+    return (U8<16>)vbslq_u8((uint8x16_t)mask, (uint8x16_t)a, (uint8x16_t)b);
+}
+
+template <>
+ZIV_INLINE U16<16> multiply_high_unsigned<16>(U16<16> a, U16<16> b) {
+    const uint16x8_t a8 = (uint16x8_t)a, b8 = (uint16x8_t)b;
+    const uint32x4_t lo = vmull_u16(vget_low_u16(a8), vget_low_u16(b8)), hi = vmull_high_u16(a8, b8);
+    return (U16<16>)vuzp2q_u16(vreinterpretq_u16_u32(lo), vreinterpretq_u16_u32(hi));
+}
+
+// The low bytes of 65536 / i for i from 1 to 256 (65535 for 1), and the high bytes for i up to 64: above, these are 3 up to 85,
+// 2 up to 128, then 1.
+ZIV_INLINE uint8x16x4_t reciprocal_low_bytes(int quarter) {
+    const uint8_t* const bytes = byte_table<256>([](int n) { return n == 0 ? 0xFF : 65536 / (n + 1) & 0xFF; });
+    return vld1q_u8_x4(bytes + 64 * quarter);
+}
+ZIV_INLINE uint8x16x4_t reciprocal_high_bytes() {
+    return vld1q_u8_x4(byte_table<64>([](int n) { return n == 0 ? 0xFF : 65536 / (n + 1) >> 8; }));
+}
+template <>
+ZIV_INLINE Wide<16> reciprocals<16>(U8<16> divisors) {
+    const uint8x16_t i = (uint8x16_t)divisors, quarter = vdupq_n_u8(64);
+    const uint8x16_t at0 = vsubq_u8(i, vdupq_n_u8(1)), at1 = vsubq_u8(at0, quarter), at2 = vsubq_u8(at1, quarter);
+    uint8x16_t low = vqtbl4q_u8(reciprocal_low_bytes(0), at0);
+    low = vqtbx4q_u8(low, reciprocal_low_bytes(1), at1);
+    low = vqtbx4q_u8(low, reciprocal_low_bytes(2), at2);
+    low = vqtbx4q_u8(low, reciprocal_low_bytes(3), vsubq_u8(at2, quarter));
+    uint8x16_t high = vsubq_u8(vdupq_n_u8(1), vcgtq_u8(vdupq_n_u8(129), i));
+    high = vsubq_u8(high, vcgtq_u8(vdupq_n_u8(86), i));
+    high = vqtbx4q_u8(high, reciprocal_high_bytes(), at0);
+    return {(U16<16>)vzip1q_u8(low, high), (U16<16>)vzip2q_u8(low, high)};
+}
+
 // ---- Whole pixels moved from one byte layout to another ----
 
 template <int in, int... from>

@@ -349,6 +349,36 @@ ZIV_INLINE void store_packed(uint8_t* p, U8<N> luma, const PackedChroma<N>& chro
     store3<N>(p, luma, chroma.u, chroma.v);
 }
 
+// ---- Selection and quotients ----
+
+// a where the mask's bits are set, b elsewhere.
+template <class V>
+ZIV_INLINE V select(V mask, V a, V b) {
+    return (mask & a) | (~mask & b);
+}
+
+// (a * b) >> 16
+template <int N>
+ZIV_INLINE U16<N> multiply_high_unsigned(U16<N> a, U16<N> b) {
+    U16<N> r;
+    for (int i = 0; i < N / 2; i++) r[i] = static_cast<uint16_t>((uint32_t{a[i]} * b[i]) >> 16);
+    return r;
+}
+
+// 65536 / i truncated, 65535 for 1; for 0 anything. No quotient that is not whole comes nearer than 1 / 255 to a whole number,
+// which is more than binary32 rounds by, in whatever direction: its quotient truncates to the exact one.
+template <int N>
+ZIV_INLINE Wide<N> reciprocals(U8<N> divisors) {
+    Wide<N> r = widen<N>(divisors);
+    for (int i = 0; i < N / 2; i++) {
+        const int lo = static_cast<int>(65536.0f / static_cast<float>(r.lo[i] | (r.lo[i] == 0)));
+        const int hi = static_cast<int>(65536.0f / static_cast<float>(r.hi[i] | (r.hi[i] == 0)));
+        r.lo[i] = static_cast<uint16_t>(lo > 65535 ? 65535 : lo);
+        r.hi[i] = static_cast<uint16_t>(hi > 65535 ? 65535 : hi);
+    }
+    return r;
+}
+
 // ---- Whole pixels moved from one byte layout to another. All N pixels are read before the first is written. ----
 
 // Byte k of a written pixel is byte from[k] of the pixel read, which has `in` bytes; `ones` stands for a byte of 255.

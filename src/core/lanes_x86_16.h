@@ -293,6 +293,31 @@ ZIV_INLINE void store_packed<16>(uint8_t* p, U8<16> luma, const PackedChroma<16>
     store128(p + 32, _mm_or_si128(_mm_shuffle_epi8(y, spread_mask<3, 2, 0>()), chroma.part[2]));
 }
 
+// ---- Selection and quotients ----
+
+ZIV_INLINE U8<16> select(U8<16> mask, U8<16> a, U8<16> b) {
+    return (U8<16>)_mm_blendv_epi8((__m128i)b, (__m128i)a, (__m128i)mask);
+}
+
+template <>
+ZIV_INLINE U16<16> multiply_high_unsigned<16>(U16<16> a, U16<16> b) {
+    return (U16<16>)_mm_mulhi_epu16((__m128i)a, (__m128i)b);
+}
+
+// The lanes are at least 1. 65536 saturates to 65535.
+ZIV_INLINE __m128i reciprocals_of_lanes(__m128i lanes) {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128 dividend = _mm_set1_ps(65536.0f);
+    const __m128 lo = _mm_div_ps(dividend, _mm_cvtepi32_ps(_mm_unpacklo_epi16(lanes, zero)));
+    const __m128 hi = _mm_div_ps(dividend, _mm_cvtepi32_ps(_mm_unpackhi_epi16(lanes, zero)));
+    return _mm_packus_epi32(_mm_cvttps_epi32(lo), _mm_cvttps_epi32(hi));
+}
+template <>
+ZIV_INLINE Wide<16> reciprocals<16>(U8<16> divisors) {
+    const Wide<16> lanes = widen<16>((U8<16>)_mm_max_epu8((__m128i)divisors, _mm_set1_epi8(1)));
+    return {(U16<16>)reciprocals_of_lanes((__m128i)lanes.lo), (U16<16>)reciprocals_of_lanes((__m128i)lanes.hi)};
+}
+
 // ---- Whole pixels moved from one byte layout to another ----
 
 // Where the bytes of register k of the written pixels are read: within one vector at `first`, or else the later ones within

@@ -266,6 +266,31 @@ ZIV_INLINE void store_packed<32>(uint8_t* p, U8<32> luma, const PackedChroma<32>
     store_halves(p + 32, p + 80, _mm256_or_si256(y2, chroma.part[2]));
 }
 
+// ---- Selection and quotients ----
+
+ZIV_INLINE U8<32> select(U8<32> mask, U8<32> a, U8<32> b) {
+    return (U8<32>)_mm256_blendv_epi8((__m256i)b, (__m256i)a, (__m256i)mask);
+}
+
+template <>
+ZIV_INLINE U16<32> multiply_high_unsigned<32>(U16<32> a, U16<32> b) {
+    return (U16<32>)_mm256_mulhi_epu16((__m256i)a, (__m256i)b);
+}
+
+// The lanes are at least 1. 65536 saturates to 65535.
+ZIV_INLINE __m256i reciprocals_of_lanes(__m256i lanes) {
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256 dividend = _mm256_set1_ps(65536.0f);
+    const __m256 lo = _mm256_div_ps(dividend, _mm256_cvtepi32_ps(_mm256_unpacklo_epi16(lanes, zero)));
+    const __m256 hi = _mm256_div_ps(dividend, _mm256_cvtepi32_ps(_mm256_unpackhi_epi16(lanes, zero)));
+    return _mm256_packus_epi32(_mm256_cvttps_epi32(lo), _mm256_cvttps_epi32(hi));
+}
+template <>
+ZIV_INLINE Wide<32> reciprocals<32>(U8<32> divisors) {
+    const Wide<32> lanes = widen<32>((U8<32>)_mm256_max_epu8((__m256i)divisors, _mm256_set1_epi8(1)));
+    return {(U16<32>)reciprocals_of_lanes((__m256i)lanes.lo), (U16<32>)reciprocals_of_lanes((__m256i)lanes.hi)};
+}
+
 // ---- Whole pixels moved from one byte layout to another: 16 pixels in each half ----
 
 // The masks of two registers of 16 bytes beside each other.

@@ -314,6 +314,34 @@ ZIV_INLINE void store_packed<64>(uint8_t* p, U8<64> luma, const PackedChroma<64>
     store_packed_part<2>(p, (__m512i)luma, chroma);
 }
 
+// ---- Selection and quotients ----
+
+ZIV_INLINE U8<64> select(U8<64> mask, U8<64> a, U8<64> b) {
+    return (U8<64>)_mm512_ternarylogic_epi32((__m512i)mask, (__m512i)a, (__m512i)b, 0xCA);
+}
+
+template <>
+ZIV_INLINE U16<64> multiply_high_unsigned<64>(U16<64> a, U16<64> b) {
+    return (U16<64>)_mm512_mulhi_epu16((__m512i)a, (__m512i)b);
+}
+
+// Looked up in registers, a byte at a time: 65536 / i - 1, whose high byte is 1 throughout the upper half; 65534 for 1.
+template <>
+ZIV_INLINE Wide<64> reciprocals<64>(U8<64> divisors) {
+    const auto low_byte = [](int i) { return (i < 2 ? 65534 : 65536 / i - 1) & 0xFF; };
+    const auto high_byte = [](int i) { return (i < 2 ? 65534 : 65536 / i - 1) >> 8; };
+    const uint8_t *const low = byte_table<256>(low_byte), *const high = byte_table<128>(high_byte);
+    const __m512i i = (__m512i)divisors, one = _mm512_set1_epi16(1);
+    const __mmask64 upper = _mm512_movepi8_mask(i);
+    const __m512i low_lower = _mm512_permutex2var_epi8(_mm512_load_si512(low), i, _mm512_load_si512(low + 64));
+    const __m512i low_upper = _mm512_permutex2var_epi8(_mm512_load_si512(low + 128), i, _mm512_load_si512(low + 192));
+    const __m512i high_lower = _mm512_permutex2var_epi8(_mm512_load_si512(high), i, _mm512_load_si512(high + 64));
+    const __m512i low_bytes = _mm512_mask_blend_epi8(upper, low_lower, low_upper);
+    const __m512i high_bytes = _mm512_mask_blend_epi8(upper, high_lower, _mm512_set1_epi8(1));
+    return {(U16<64>)_mm512_add_epi16(_mm512_unpacklo_epi8(low_bytes, high_bytes), one),
+            (U16<64>)_mm512_add_epi16(_mm512_unpackhi_epi8(low_bytes, high_bytes), one)};
+}
+
 // ---- Whole pixels moved from one byte layout to another ----
 
 template <int in, int... from>

@@ -71,7 +71,8 @@ template <int N>
 void whiten(const CellRows& rows, int64_t x, const int32_t* table, int64_t red_level, LiftOf lift_of) {
     auto upper = load<N>(rows.upper + x);
     auto lower = load<N>(rows.lower + x);
-    auto pairs = load<N>(rows.chroma + x);
+    const auto pairs_read = load<N>(rows.chroma + x);
+    auto pairs = pairs_read;
     const auto mask_upper = load<N>(rows.mask_upper + x);
     const auto mask_lower = load<N>(rows.mask_lower + x);
     for (size_t c = 0; c < N; c += 2) {
@@ -86,7 +87,13 @@ void whiten(const CellRows& rows, int64_t x, const int32_t* table, int64_t red_l
     }
     store(rows.upper + x, upper);
     store(rows.lower + x, lower);
-    store(rows.chroma + x, pairs);
+    if constexpr (N > 2) {
+        store(rows.chroma + x, pairs);
+    } else {
+        // A single cell stores what it lifts: the luma just written stays where an unlifted sample lies under it.
+        if (pairs_read[0] > 128) put(rows.chroma + x, pairs[0]);
+        if (pairs_read[1] < 128) put(rows.chroma + x + 1, pairs[1]);
+    }
 }
 
 // The mask starts again for every pair of rows; chroma follows a tight luma plane.

@@ -1,0 +1,105 @@
+// Pixels to hue, saturation and lightness, in a scalar and a block form that agree to the bit. Lightness is the rounded mean of
+// the largest and the smallest channel. Hue has three thirds, based at 0 (red), 85 (green) and 170 (blue), 42 steps to either
+// side; what would be below 0 is 0. Grey has the hue 170 and the saturation 0.
+#pragma once
+
+#include "core/kernel.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+// 65536 / i, truncated, and 65535 where that does not fit. The entry 0 is never read for a result.
+struct ByteDivTab {
+    uint16_t entries[256];
+    constexpr ByteDivTab() : entries{65535, 65535} {
+        for (int i = 2; i < 256; i++) entries[i] = static_cast<uint16_t>(65536 / i);
+    }
+    constexpr int32_t operator[](int i) const { return entries[i]; }
+};
+inline constexpr ByteDivTab g_ByteDivTab;
+
+// One pixel, channels 0 to 255. Blue dominates only where it is above both others, red only above green; else green does.
+ZIV_INLINE void BGRtoHSL(uint32_t B, uint32_t G, uint32_t R, uint8_t* HSL) {
+    const int b = static_cast<int>(B), g = static_cast<int>(G), r = static_cast<int>(R);
+    int max, min, delta, base;
+    if (b > g && b > r) {
+        max = b, min = g < r ? g : r, delta = g - r, base = 170;
+    } else if (r > g) {
+        max = r, min = b < g ? b : g, delta = b - g, base = 0;
+    } else {
+        max = g, min = b < r ? b : r, delta = r - b, base = 85;
+    }
+    const int sum = max + min, lightness = (sum + 1) >> 1;
+    int hue = 170, saturation = 0;
+    if (max != min) {
+        const int d = max - min, divisor = lightness & 0x80 ? 510 - sum : sum;
+        saturation = clamp_byte((g_ByteDivTab[divisor] * (255 * d + (divisor >> 1))) >> 16);
+        hue = clamp_byte(base - ((g_ByteDivTab[d] * (42 * delta + (d >> 1))) >> 16));
+    }
+    HSL[0] = static_cast<uint8_t>(hue);
+    HSL[1] = static_cast<uint8_t>(saturation);
+    HSL[2] = static_cast<uint8_t>(lightness);
+}
+
+// floor(reciprocal * (42 * (minuend - subtrahend) + (d >> 1)) / 65536), taken from base.
+template <int N>
+ZIV_INLINE U16<N> hue_lanes(U16<N> reciprocal, U16<N> base, U16<N> minuend, U16<N> subtrahend, U16<N> d) {
+    const S16<N> scaled = (S16<N>)((minuend - subtrahend) * 42 + (d >> 1));
+    // An unsigned product of a negative factor is too large by the other factor's whole.
+    return base - multiply_high_unsigned<N>(reciprocal, (U16<N>)scaled) + (reciprocal & (U16<N>)(scaled >> 15));
+}
+
+// floor(reciprocal * (255 * d + (divisor >> 1)) / 65536). The factor is at most 65152.
+template <int N>
+ZIV_INLINE U16<N> saturation_lanes(U16<N> reciprocal, U16<N> d, U16<N> divisor) {
+    return multiply_high_unsigned<N>(reciprocal, (d << 8) - d + (divisor >> 1));
+}
+
+// N pixels by value: the channels blue, green, red. Writes 3 N bytes.
+template <int N>
+ZIV_INLINE void BGRtoHSL_NEON_1(const Channels<N, 3>& mBGR888, uint8_t* hsl) {
+    const U8<N> b = mBGR888.c[0], g = mBGR888.c[1], r = mBGR888.c[2];
+    const U8<N> blue_over_red = (U8<N>)(b > r);
+    const U8<N> blue = (U8<N>)(b > g) & blue_over_red, red = (U8<N>)(r > g) & ~blue_over_red;
+    const U8<N> minuend = select(blue, g, select(red, b, r)), subtrahend = select(blue, r, select(red, g, b));
+    const U8<N> base = (blue & uint8_t{170}) | (~(blue | red) & uint8_t{85});
+
+    const U8<N> max = lane_max(lane_max(b, g), r), min = lane_min(lane_min(b, g), r);
+    const U8<N> grey = (U8<N>)(max == min), lightness = average_up(max, min), d = max - min;
+    // The sum, or 510 less the sum from a lightness of 128 on: either way it fits a byte, so that the wrapped sum will do.
+    const U8<N> light = (U8<N>)((S8<N>)lightness < 0), divisor = ((max + min) ^ light) + light;
+
+    const Wide<N> d16 = widen<N>(d), divisor16 = widen<N>(divisor), base16 = widen<N>(base);
+    const Wide<N> minuend16 = widen<N>(minuend), subtrahend16 = widen<N>(subtrahend);
+    const Wide<N> per_d = reciprocals<N>(d), per_divisor = reciprocals<N>(divisor);
+    const U8<N> hue = narrow<N>({hue_lanes<N>(per_d.lo, base16.lo, minuend16.lo, subtrahend16.lo, d16.lo),
+                                 hue_lanes<N>(per_d.hi, base16.hi, minuend16.hi, subtrahend16.hi, d16.hi)});
+    const U8<N> saturation = narrow<N>(
+        {saturation_lanes<N>(per_divisor.lo, d16.lo, divisor16.lo), saturation_lanes<N>(per_divisor.hi, d16.hi, divisor16.hi)});
+    store3<N>(hsl, select(grey, U8<N>{} + uint8_t{170}, hue), saturation & ~grey, lightness);
+}
+
+// N interleaved pixels. Reads and writes 3 N bytes, all of them read before the first is written.
+template <int N>
+ZIV_INLINE void BGRtoHSL_NEON(const uint8_t* bgr, uint8_t* hsl) {
+    if constexpr (N == 8) {
+        uint8_t pixels[48] = {};
+        __builtin_memcpy(pixels, bgr, 24);
+        BGRtoHSL_NEON<16>(pixels, pixels);
+        __builtin_memcpy(hsl, pixels, 24);
+    } else {
+        BGRtoHSL_NEON_1<N>(load3<N>(bgr), hsl);
+    }
+}
+
+// The columns of a row that whole blocks of 8 cover: one to eight are left. The bound of the blocks, width - 8, is unsigned:
+// widths from 3 to 7 wrap it, and the blocks run away.
+ZIV_INLINE ptrdiff_t hsl_blocked_columns(uint32_t width) { return width == 8 ? 0 : ptrdiff_t{(width - 9) / 8} * 8 + 8; }
+
+// The blocked columns of a row in steps: body(Step<N>{}, column), N down to 8.
+template <class Body>
+ZIV_INLINE void for_hsl_steps(ptrdiff_t blocked, Body body) {
+    for_steps(blocked & ~ptrdiff_t{15}, body);
+    if (blocked & 8) body(Step<8>{}, blocked - 8);
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET
