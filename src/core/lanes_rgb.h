@@ -65,8 +65,8 @@ ZIV_INLINE Samples<C> even_columns(Luma<C> luma) {
     return {(S16<C>)even_bytes<C>(luma.bytes)};
 }
 
-// ((a - luma) * weight) >> shift; the product fits 16 bits.
-template <int weight, int shift, int C>
+// ((a - luma) * weight) >> shift; the difference is at most `most` in size, and the product fits 16 bits.
+template <int weight, int shift, int most, int C>
 ZIV_INLINE Chroma<C> scaled_difference(Samples<C> a, Samples<C> luma) {
     return {((a.lanes - luma.lanes) * int16_t{weight}) >> shift};
 }
@@ -119,18 +119,29 @@ inline constexpr int widest_columns = 32;
 inline constexpr int widest_columns = widest;
 #endif
 
-// for_steps over columns of RGB. Two of the widest steps stand in the loop where vectors are short, to halve its own cost.
+// for_steps over columns of RGB. Two of the widest steps stand in the loop where vectors are short, to halve its own cost. The
+// loop counts units of one column or of two: the latter where a body's offsets are in columns halved.
+template <int unit, class Body>
+ZIV_INLINE void for_column_units(ptrdiff_t columns, Body body) {
+    constexpr int most = widest_columns / unit;
+    const ptrdiff_t units = columns / unit;
+    ptrdiff_t k = 0;
+    if constexpr (widest < widest_columns)
+        for (; k + 2 * most <= units; k += 2 * most)
+            body(Step<widest_columns>{}, unit * k), body(Step<widest_columns>{}, unit * (k + most));
+    for (; k + most <= units; k += most) body(Step<widest_columns>{}, unit * k);
+    if constexpr (widest_columns > 32)
+        if (k + 32 / unit <= units) body(Step<32>{}, unit * k), k += 32 / unit;
+    if constexpr (widest_columns > 16)
+        if (k + 16 / unit <= units) body(Step<16>{}, unit * k);
+}
 template <class Body>
 ZIV_INLINE void for_column_steps(ptrdiff_t columns, Body body) {
-    constexpr int most = widest_columns;
-    ptrdiff_t j = 0;
-    if constexpr (widest < most)
-        for (; j + 2 * most <= columns; j += 2 * most) body(Step<most>{}, j), body(Step<most>{}, j + most);
-    for (; j + most <= columns; j += most) body(Step<most>{}, j);
-    if constexpr (most > 32)
-        if (j + 32 <= columns) body(Step<32>{}, j), j += 32;
-    if constexpr (most > 16)
-        if (j + 16 <= columns) body(Step<16>{}, j);
+    for_column_units<1>(columns, body);
+}
+template <class Body>
+ZIV_INLINE void for_column_pair_steps(ptrdiff_t columns, Body body) {
+    for_column_units<2>(columns, body);
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

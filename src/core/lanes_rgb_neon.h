@@ -57,43 +57,23 @@ ZIV_INLINE Luma<32> luma_q6(const Pixels<32, c>& pixels) {
     return {{luma_q6_of_16<w, shared>(pixels.part[0].c), luma_q6_of_16<w, shared>(pixels.part[1].c)}};
 }
 
-// A sum of scale 2^15 cut to 2^7: every weight is 256 times a byte plus a signed byte, and S >> 8 is the sum of the former plus
-// the sum of the latter >> 8.
-constexpr int upper_weight(int weight) { return (weight + 128) >> 8; }
-constexpr int lower_weight(int weight) { return weight - 256 * upper_weight(weight); }
-template <int weight>
-ZIV_INLINE uint16x8_t add_product(uint16x8_t sum, uint8x8_t a) {
-    if constexpr (weight < 0) return vmlsl_u8(sum, a, vdup_n_u8(-weight));
-    else return vmlal_u8(sum, a, vdup_n_u8(weight));
-}
-template <int weight>
-ZIV_INLINE uint16x8_t add_product_high(uint16x8_t sum, uint8x16_t a) {
-    if constexpr (weight < 0) return vmlsl_high_u8(sum, a, vdupq_n_u8(-weight));
-    else return vmlal_high_u8(sum, a, vdupq_n_u8(weight));
-}
-ZIV_INLINE uint16x8_t add_upper_bytes(uint16x8_t upper, uint16x8_t lower) {
-    return vreinterpretq_u16_s16(vsraq_n_s16(vreinterpretq_s16_u16(upper), vreinterpretq_s16_u16(lower), 8));
-}
+// A sum of scale 2^15 cut to 2^7: S >> 8 is the sum by the upper bytes of the weights plus the sum by their lower bytes >> 8,
+// and either fits 16 bits.
 struct LumaQ7Of16 {
     uint16x8_t lo, hi;
 };
 template <Weights w>
 ZIV_INLINE LumaQ7Of16 luma_q7_of_16(const U8<16>* channels) {
-    static_assert(lower_weight(w.c1) > 0);
+    static_assert((w.c0 >> 8) + (w.c1 >> 8) + (w.c2 >> 8) < 256 && (w.c0 & 255) + (w.c1 & 255) + (w.c2 & 255) <= 257);
     const uint8x16_t c0 = (uint8x16_t)channels[0], c1 = (uint8x16_t)channels[1], c2 = (uint8x16_t)channels[2];
-    uint16x8_t upper = vmull_u8(vget_low_u8(c1), vdup_n_u8(upper_weight(w.c1)));
-    upper = add_product<upper_weight(w.c0)>(upper, vget_low_u8(c0));
-    upper = add_product<upper_weight(w.c2)>(upper, vget_low_u8(c2));
-    uint16x8_t lower = vmull_u8(vget_low_u8(c1), vdup_n_u8(lower_weight(w.c1)));
-    lower = add_product<lower_weight(w.c0)>(lower, vget_low_u8(c0));
-    lower = add_product<lower_weight(w.c2)>(lower, vget_low_u8(c2));
-    uint16x8_t upper_hi = vmull_high_u8(c1, vdupq_n_u8(upper_weight(w.c1)));
-    upper_hi = add_product_high<upper_weight(w.c0)>(upper_hi, c0);
-    upper_hi = add_product_high<upper_weight(w.c2)>(upper_hi, c2);
-    uint16x8_t lower_hi = vmull_high_u8(c1, vdupq_n_u8(lower_weight(w.c1)));
-    lower_hi = add_product_high<lower_weight(w.c0)>(lower_hi, c0);
-    lower_hi = add_product_high<lower_weight(w.c2)>(lower_hi, c2);
-    return {add_upper_bytes(upper, lower), add_upper_bytes(upper_hi, lower_hi)};
+    const uint8x16_t u0 = vdupq_n_u8(w.c0 >> 8), u1 = vdupq_n_u8(w.c1 >> 8), u2 = vdupq_n_u8(w.c2 >> 8);
+    const uint8x16_t l0 = vdupq_n_u8(w.c0 & 255), l1 = vdupq_n_u8(w.c1 & 255), l2 = vdupq_n_u8(w.c2 & 255);
+    const auto low = [](uint8x16_t v) ZIV_INLINE_BODY { return vget_low_u8(v); };
+    uint16x8_t lo = vmlal_u8(vmlal_u8(vmull_u8(low(c1), low(l1)), low(c0), low(l0)), low(c2), low(l2));
+    uint16x8_t hi = vmlal_high_u8(vmlal_high_u8(vmull_high_u8(c1, l1), c0, l0), c2, l2);
+    lo = vmlal_u8(vmlal_u8(vmlal_u8(vshrq_n_u16(lo, 8), low(c1), low(u1)), low(c0), low(u0)), low(c2), low(u2));
+    hi = vmlal_high_u8(vmlal_high_u8(vmlal_high_u8(vshrq_n_u16(hi, 8), c1, u1), c0, u0), c2, u2);
+    return {lo, hi};
 }
 ZIV_INLINE uint8x16_t round_q7(LumaQ7Of16 luma) { return vrshrn_high_n_u16(vrshrn_n_u16(luma.lo, 7), luma.hi, 7); }
 
@@ -118,12 +98,17 @@ ZIV_INLINE Samples<32> even_columns(Luma<32> luma) { return {vuzp1q_u8(luma.part
 // Chroma saturates as a signed byte around 0; turning the top bit over then adds 128.
 ZIV_INLINE Chroma<32> centre_at_128(int8x16_t v) { return {veorq_u8(vreinterpretq_u8_s8(v), vdupq_n_u8(128))}; }
 
-template <int weight, int shift>
+template <int weight, int shift, int most>
 ZIV_INLINE Chroma<32> scaled_difference(Samples<32> a, Samples<32> luma) {
-    const uint8x16_t w = vdupq_n_u8(weight);
+    // Where a product of scale 2^8 fits, its upper byte is the result.
+    constexpr bool upper_byte = (weight << (8 - shift)) * most < 32768;
+    const uint8x16_t w = vdupq_n_u8(upper_byte ? weight << (8 - shift) : weight);
     const uint16x8_t lo = vmlsl_u8(vmull_u8(vget_low_u8(a.bytes), vget_low_u8(w)), vget_low_u8(luma.bytes), vget_low_u8(w));
     const uint16x8_t hi = vmlsl_high_u8(vmull_high_u8(a.bytes, w), luma.bytes, w);
-    return centre_at_128(vqshrn_high_n_s16(vqshrn_n_s16(vreinterpretq_s16_u16(lo), shift), vreinterpretq_s16_u16(hi), shift));
+    if constexpr (upper_byte) return centre_at_128(vuzp2q_s8(vreinterpretq_s8_u16(lo), vreinterpretq_s8_u16(hi)));
+    else
+        return centre_at_128(
+            vqshrn_high_n_s16(vqshrn_n_s16(vreinterpretq_s16_u16(lo), shift), vreinterpretq_s16_u16(hi), shift));
 }
 
 template <int weight>

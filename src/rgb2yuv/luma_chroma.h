@@ -33,8 +33,9 @@ struct Yuv {
     Chroma<C> u, v;
 };
 
-// Luma of scale 64, cut: (19 R + 38 G + 7 B) >> 6. Chroma is the difference times a weight, cut by a shift. Everything fits 16
-// bits. With blue_of_first_8 the vector form takes the blue of columns 8 to 15 of every 16 for their luma from columns 0 to 7.
+// Luma of scale 64, cut: (19 R + 38 G + 7 B) >> 6. Chroma is the difference times a weight, cut by a shift. B - Y runs from
+// -227 to 228 and R - Y from -179 to 180, so that everything fits 16 bits. With blue_of_first_8 the vector form takes the blue
+// of columns 8 to 15 of every 16 for their luma from columns 0 to 7.
 template <int weight_u, int shift_u, int weight_v, int shift_v, bool blue_of_first_8 = false>
 struct CutSet {
     static int y(Pixel p) { return (19 * p.r + 38 * p.g + 7 * p.b) >> 6; }
@@ -48,8 +49,8 @@ struct CutSet {
         const Luma<C> luma = luma_q6<weights_in_memory_order<in>(19, 38, 7), shared>(pixels);
         const OuterBytes<C> even = even_outer_bytes(pixels);
         const Samples<C> y = even_columns(luma);
-        return {luma, scaled_difference<weight_u, shift_u>(in.blue == 0 ? even.c0 : even.c2, y),
-                scaled_difference<weight_v, shift_v>(in.red == 0 ? even.c0 : even.c2, y)};
+        return {luma, scaled_difference<weight_u, shift_u, 228>(in.blue == 0 ? even.c0 : even.c2, y),
+                scaled_difference<weight_v, shift_v, 180>(in.red == 0 ? even.c0 : even.c2, y)};
     }
 };
 using ShortSet = CutSet<9, 4, 91, 7>;

@@ -42,7 +42,7 @@ int32_t rgb_to_planar422(const Image* srcImg, const Image* dstImg, uint32_t sour
         uint8_t* dst_y = row_at(dstImg->plane[0], i, dstImg->pitch[0]);
         uint8_t* dst_u = row_at(dstImg->plane[1], i, dstImg->pitch[1]);
         uint8_t* dst_v = row_at(dstImg->plane[2], i, dstImg->pitch[2]);
-        for_column_steps(blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        for_column_pair_steps(blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
             const auto yuv = ShortSet::convert<step.value, in>(src + in.bytes * j);
             store_luma(dst_y + j, yuv.y);
             store_planes(dst_u + j / 2, dst_v + j / 2, yuv.u, yuv.v);

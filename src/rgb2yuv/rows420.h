@@ -27,7 +27,7 @@ ZIV_INLINE void convert_pair_blocks(const uint8_t* src, uint8_t* luma, uint8_t* 
 }
 template <class Set, PixelLayout in>
 ZIV_INLINE void convert_plane_blocks(const uint8_t* src, uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t columns) {
-    for_column_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+    for_column_pair_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         const auto yuv = Set::template convert<step.value, in>(src + in.bytes * j);
         store_luma(luma + j, yuv.y);
         store_planes(u + j / 2, v + j / 2, yuv.u, yuv.v);
@@ -62,24 +62,26 @@ ZIV_INLINE void convert_plane_row(const uint8_t* src, uint8_t* luma, uint8_t* u,
     }
 }
 
-// Whole pictures of such rows.
+// Whole pictures of such rows. The descriptors are copied: a store to a plane might change them for all that the compiler
+// knows.
 template <class Set, PixelLayout in, PairOrder order>
 int32_t rgb_to_semiplanar420(const Image* srcImg, const Image* dstImg, uint32_t source, uint32_t destination) {
     if (const int32_t status = check(srcImg, dstImg, source, destination, both_2x2)) return status;
-    for (ptrdiff_t i = 0; i < dstImg->height; i++)
-        convert_pair_row<Set, in, order>(row_at(srcImg->plane[0], i, srcImg->pitch[0]),
-                                         row_at(dstImg->plane[0], i, dstImg->pitch[0]),
-                                         row_at(dstImg->plane[1], i >> 1, dstImg->pitch[1]), dstImg->width, i % 2 == 0);
+    const Image src = *srcImg, dst = *dstImg;
+    for (ptrdiff_t i = 0; i < dst.height; i++)
+        convert_pair_row<Set, in, order>(row_at(src.plane[0], i, src.pitch[0]), row_at(dst.plane[0], i, dst.pitch[0]),
+                                         row_at(dst.plane[1], i >> 1, dst.pitch[1]), dst.width, i % 2 == 0);
     return zivStatus_OK;
 }
 template <class Set, PixelLayout in>
 int32_t rgb_to_planar420(const Image* srcImg, const Image* dstImg, uint32_t source, const Image* width_of) {
     if (const int32_t status = check(srcImg, dstImg, source, zivPixFmt_I420, both_2x2)) return status;
+    const Image src = *srcImg, dst = *dstImg;
     const ptrdiff_t width = width_of->width;
-    for (ptrdiff_t i = 0; i < dstImg->height; i++)
-        convert_plane_row<Set, in>(row_at(srcImg->plane[0], i, srcImg->pitch[0]), row_at(dstImg->plane[0], i, dstImg->pitch[0]),
-                                   row_at(dstImg->plane[1], i >> 1, dstImg->pitch[1]),
-                                   row_at(dstImg->plane[2], i >> 1, dstImg->pitch[2]), width, i % 2 == 0);
+    for (ptrdiff_t i = 0; i < dst.height; i++)
+        convert_plane_row<Set, in>(row_at(src.plane[0], i, src.pitch[0]), row_at(dst.plane[0], i, dst.pitch[0]),
+                                   row_at(dst.plane[1], i >> 1, dst.pitch[1]), row_at(dst.plane[2], i >> 1, dst.pitch[2]),
+                                   width, i % 2 == 0);
     return zivStatus_OK;
 }
 
