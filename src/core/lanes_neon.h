@@ -92,6 +92,13 @@ ZIV_INLINE Wide<16> widen<16>(U8<16> v) {
     return {(U16<16>)vmovl_u8(vget_low_u8((uint8x16_t)v)), (U16<16>)vmovl_high_u8((uint8x16_t)v)};
 }
 
+// Hidden from the compiler, which would build the constants anew in every step.
+template <>
+ZIV_INLINE S16<16> constant<16>(int value) {
+    S16<16> lanes = S16<16>{} + static_cast<int16_t>(value);
+    asm("" : "+w"(lanes));
+    return lanes;
+}
 template <>
 ZIV_INLINE S16<16> multiply_round_high<16>(S16<16> a, S16<16> b) {
     return (S16<16>)vqrdmulhq_s16((int16x8_t)a, (int16x8_t)b);

@@ -185,13 +185,21 @@ constexpr int lane_of_pair(int pair) { return pair % 16 / 4 * 8 + pair / 16 * 4 
 // Which pair a lane holds.
 constexpr int pair_in_lane(int lane) { return lane / 8 * 4 + lane % 8 / 4 * 16 + lane % 4; }
 
+// A table of byte numbers, hidden from compilers that would merge permutations into costlier ones.
+template <class Index>
+ZIV_INLINE __m512i kept_bytes512(Index index) {
+    __m512i bytes = bytes512(index);
+    asm("" : "+v"(bytes));
+    return bytes;
+}
+
 template <>
 ZIV_INLINE U8<64> arrange_pairs<64>(U8<64> pairs) {
     return (U8<64>)_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), (__m512i)pairs);
 }
 template <>
 ZIV_INLINE U16<64> load_arranged<64>(const uint8_t* p) {
-    const __m512i index = bytes512([](int n) { return pair_in_lane(n / 2); });
+    const __m512i index = kept_bytes512([](int n) { return pair_in_lane(n / 2); });
     constexpr __mmask64 low_bytes = mask512([](int n) { return n % 2 == 0; });
     return (U16<64>)_mm512_maskz_permutexvar_epi8(low_bytes, index, _mm512_castsi256_si512(load256(p)));
 }
@@ -208,7 +216,7 @@ struct PixelTerms3<64> {
 // from the halves `half` of t2.
 template <int k, int half>
 ZIV_INLINE __m512i place_terms3(__m512i t01, __m512i t2) {
-    const __m512i index = bytes512([](int n) {
+    const __m512i index = kept_bytes512([](int n) {
         const int channel = (64 * k + n) % 3, lane = lane_of_pair((64 * k + n) / 6);
         return lane / 8 * 16 + (channel == 2 ? half : channel) * 8 + lane % 8;
     });
@@ -225,7 +233,7 @@ ZIV_INLINE PixelTerms3<64> pixel_terms<64>(S16<64> d0, S16<64> d1, S16<64> d2) {
 }
 template <int k>
 ZIV_INLINE void store_pixels_part(uint8_t* p, __m512i luma, const PixelTerms3<64>& t) {
-    const __m512i y = _mm512_permutexvar_epi8(bytes512([](int n) { return (64 * k + n) / 3; }), luma);
+    const __m512i y = _mm512_permutexvar_epi8(kept_bytes512([](int n) { return (64 * k + n) / 3; }), luma);
     store512(p + 64 * k, _mm512_subs_epu8(_mm512_adds_epu8(y, t.up[k]), t.down[k]));
 }
 template <>
@@ -243,7 +251,7 @@ struct PixelTerms4<64> {
 // and 1 of each, then channels 2 and 3.
 template <int first>
 ZIV_INLINE __m512i place_terms4(__m512i terms) {
-    const __m512i index = bytes512([](int n) {
+    const __m512i index = kept_bytes512([](int n) {
         const int pair = first + n / 8;
         return pair / 4 * 16 + n % 4 / 2 * 8 + pair % 4 * 2 + n % 2;
     });
@@ -264,7 +272,7 @@ ZIV_INLINE PixelTerms4<64> pixel_terms<64>(S16<64> d0, S16<64> d1, S16<64> d2, u
 }
 template <int q>
 ZIV_INLINE void store_pixels_part(uint8_t* p, __m512i luma, const PixelTerms4<64>& t) {
-    const __m512i y = _mm512_permutexvar_epi8(bytes512([](int n) { return 16 * q + n / 4; }), luma);
+    const __m512i y = _mm512_permutexvar_epi8(kept_bytes512([](int n) { return 16 * q + n / 4; }), luma);
     store512(p + 64 * q, _mm512_subs_epu8(_mm512_adds_epu8(y, t.up[q]), t.down[q]));
 }
 template <>

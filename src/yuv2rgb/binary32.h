@@ -63,7 +63,7 @@ ZIV_INLINE void store_with_thresholds(uint8_t* p, U8<N> luma, const Binary32Term
     store4<N>(p, plus(d.b), subtract_saturating(g, (U8<N>)(g <= thresholds) & 1), plus(d.r), U8<N>{} + alpha);
 }
 
-// The seldom taken way of one step of two rows, kept apart from the usual one so as not to take its registers.
+// The seldom taken way of one step, kept apart from the usual one so as not to take its registers.
 template <int N>
 [[gnu::noinline, gnu::cold]] static void convert_step_with_thresholds(RowPair rows, PairedChroma<PairOrder::vu> chroma,
                                                                       ptrdiff_t j, uint8_t alpha) {
@@ -74,20 +74,38 @@ template <int N>
     store_with_thresholds<N>(rows.dst1 + 4 * j, load<N>(rows.luma1 + j), d, thresholds, alpha);
 }
 
-// The blocked columns of two rows. Reads and writes exactly these.
-ZIV_INLINE void convert_binary32_blocks(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t columns, uint8_t alpha) {
-    for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
+// Steps of N columns from column j on, up to the first that has to mind its thresholds. Returns the column reached.
+template <int N>
+ZIV_INLINE ptrdiff_t convert_sound_steps(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t j, ptrdiff_t columns,
+                                         uint8_t alpha) {
+    for (; j + N <= columns; j += N) {
         const Chroma<N> pairs = chroma.load_at<N>(j);
         const Binary32Terms<N> d = binary32_terms<N>(pairs.u, pairs.v);
         if (any_zero<N>(d.sound)) [[unlikely]]
-            return convert_step_with_thresholds<N>(rows, chroma, j, alpha);
+            break;
         expect_writes<4 * N>(rows.dst0 + 4 * j);
         expect_writes<4 * N>(rows.dst1 + 4 * j);
         const PixelTerms4<N> terms = pixel_terms<N>(d.b, d.g, d.r, alpha);
         store_pixels<N>(rows.dst0 + 4 * j, load<N>(rows.luma0 + j), terms);
         store_pixels<N>(rows.dst1 + 4 * j, load<N>(rows.luma1 + j), terms);
-    });
+    }
+    return j;
+}
+template <int N>
+ZIV_INLINE ptrdiff_t convert_binary32_steps(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t j, ptrdiff_t columns,
+                                            uint8_t alpha) {
+    for (;; j += N) {
+        j = convert_sound_steps<N>(rows, chroma, j, columns, alpha);
+        if (j + N > columns) return j;
+        convert_step_with_thresholds<N>(rows, chroma, j, alpha);
+    }
+}
+
+// The blocked columns of two rows. Reads and writes exactly these.
+ZIV_INLINE void convert_binary32_blocks(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t columns, uint8_t alpha) {
+    ptrdiff_t j = convert_binary32_steps<widest>(rows, chroma, 0, columns, alpha);
+    if constexpr (widest > 32) j = convert_binary32_steps<32>(rows, chroma, j, columns, alpha);
+    if constexpr (widest > 16) convert_binary32_steps<16>(rows, chroma, j, columns, alpha);
 }
 
 // The tail sums green in another order: trunc((Y + -0.714 v) + -0.344 u).
