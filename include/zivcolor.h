@@ -97,9 +97,51 @@ ZIVCOLOR_API int32_t zivColorCvt(const __tag_KOBR_OFFSCREEN* srcImg, const __tag
 
 /* ---- YUV to RGB ------------------------------------------------------------------------------------------------------ */
 
+/* Coefficient sets. All take full-range luma as it stands; u = U - 128, v = V - 128; >> floors; results are clamped to 0..255
+ * unless told otherwise.
+ *   fine      R = (32768 Y + 45941 v + 16384) >> 15, G = (32768 Y - 11277 u - 23401 v + 16384) >> 15,
+ *             B = (32768 Y + 58065 u + 16384) >> 15: one rounding of the whole sum
+ *   coarse    R = Y + (45 v >> 5), G = Y - ((11 u >> 5) + (23 v >> 5)), B = Y + (57 u >> 5): every product floored by itself
+ *   rounded   R = (32 Y + 45 v + 16) >> 5, G = (32 Y - 11 u - 23 v + 16) >> 5, B = (32 Y + 57 u + 16) >> 5
+ *   binary32  R = trunc(Y + 1.402 v), G = trunc(Y + (-0.714 v + -0.344 u)), B = trunc(Y + 1.772 u), every product and every sum
+ *             rounded to single precision by itself
+ * The weights are those of BT.601 with full-range YUV, 1.402, 0.344, 0.714 and 1.772, rounded to each set's scale. The same YUV
+ * gives different low bits through different sets; which one a function uses is part of its definition. Greys (u = v = 0) give
+ * R = G = B = Y in all of them.
+ *
+ * Chroma is never filtered: one pair serves its 2 by 2 pixels (4:2:0) or its 2 by 1 pixels (4:2:2) unchanged.
+ *
+ * What all of these functions share: a row is walked in blocks of 16 columns while 16 are left, and what is left of it in a
+ * tail, which in some functions differs from the blocks. Width W and height H are those of dstImg unless told otherwise; the
+ * source is read as if it had that size. Nothing but the bytes told is read or written. The last argument, where there is one,
+ * becomes byte 3 of every written pixel and nothing else.
+ *   zivStatus_NullPointer   srcImg or dstImg is null
+ *   zivStatus_BadArgument   a format code is not the one in the function's name, or a width or height of either image is below
+ *                           the least told for the group
+ *   zivStatus_OK            otherwise, also where nothing was written */
+
+/* Semi-planar 4:2:0, pairs V U (NV21) or U V (NV12), to 24-bit RGB. Least size 2 by 2. Two rows a pass, H / 2 passes; with an
+ * odd H the last row is left as it was, with an odd W the last column. The tail takes 2 columns of both rows at a time. Reads
+ * pitch[0] and pitch[1] of the source and pitch[0] of the destination; row offsets are formed in 32 bits.
+ *   NV12toBGR888, NV21toBGR888   fine set in blocks and tail
+ *   NV21toRGB888                 blocks: coarse set, but 11 u >> 6 in green. Tail: coarse set, bytes B G R. It stops one pair of
+ *                                columns early: of an even W that is no multiple of 16 it leaves the last two columns as they
+ *                                were, and W = 2 altogether. Byte 0 is 0 if R < 0, else 255 if B > 255, else the low 8 bits of
+ *                                B; byte 2 is 0 if B < 0, else 255 if R > 255, else the low 8 bits of R. */
+
 ZIVCOLOR_API int32_t zivColorNV12toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorNV21toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorNV21toRGB888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Semi-planar 4:2:0 to 32-bit RGB with alpha: rows, least size, pitches and pairs as above.
+ *   NV21toBGRA8888   binary32 set; the tail sums green as trunc((Y + -0.714 v) + -0.344 u), which changes 1917 of all 2^24
+ *                    triples by one
+ *   NV21toRGBA8888   rounded set in blocks and tail
+ *   NV12toRGBA8888   coarse set. The tail stops one pair of columns early, as above, and takes the luma of its second column
+ *                    crosswise: the upper pixel's from the lower row, the lower pixel's from the upper row.
+ *   NV12toBGRA8888   the same, and its tail writes bytes R G B alpha: byte 0 is 0 if B < 0, else 255 if R > 255, else the low
+ *                    8 bits of R; byte 2 is 0 if R < 0, else 255 if B > 255, else the low 8 bits of B. */
+
 ZIVCOLOR_API int32_t zivColorNV21toBGRA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
                                               uint8_t Param);
 ZIVCOLOR_API int32_t zivColorNV21toRGBA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
@@ -108,18 +150,50 @@ ZIVCOLOR_API int32_t zivColorNV12toRGBA8888u8(const __tag_KOBR_OFFSCREEN* srcImg
                                               uint8_t Param);
 ZIVCOLOR_API int32_t zivColorNV12toBGRA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
                                               uint8_t Param);
+
+/* I420 (planes Y, U, V) to RGB. Least size 2 by 2; rows and tail as for the semi-planar sources. Reads pitch[0], pitch[1] and
+ * pitch[2] of the source and pitch[0] of the destination; row offsets are formed in 32 bits.
+ *   I420toBGR888     fine set. The luma of the tail runs ahead: its pass k, counted from 0, writes columns T + 2 k and the next
+ *                    (T the first column of the tail) from the luma of columns T + 4 k + 2 and the next. So up to W - T bytes
+ *                    past the end of both luma rows are read and used.
+ *   I420toRGB888, I420toBGRA8888, I420toRGBA8888   coarse set in blocks and tail */
+
 ZIVCOLOR_API int32_t zivColorI420toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorI420toRGB888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorI420toBGRA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
                                               uint8_t Param);
 ZIVCOLOR_API int32_t zivColorI420toRGBA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
                                               uint8_t Param);
+
+/* YV12 (planes Y, V, U) to 24-bit RGB. Least size 2 by 2. Every row and every column is converted, also of odd sizes; the tail
+ * takes single columns. Reads pitch[0], pitch[1] and pitch[2] of the source and pitch[0] of the destination.
+ *   YV12toBGR888   blocks: coarse set. The tail never reads V: B = Y + (57 u >> 5) and G = Y - (11 u >> 5), clamped, R = Y.
+ *   YV12toRGB888   coarse set in blocks and tail. All rows go to row 1 of the destination, one over the other: the last source
+ *                  row is what remains there, and no other row is touched. */
+
 ZIVCOLOR_API int32_t zivColorYV12toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorYV12toRGB888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* YUYV (Y0 U Y1 V) to RGB. Least size 2 by 1, rows one by one. The tail takes a group of 4 bytes and writes two pixels: with an
+ * odd W it reads 2 bytes and writes one pixel past the row, which the next row overwrites if it starts there. Reads pitch[0] of
+ * both images.
+ *   YUYVtoBGR888     fine set. Tail: bytes R G B without a lower limit, each at most 255 and cut to 8 bits; byte 0 loses its
+ *                    upper limit where B < 0, byte 2 where R < 0.
+ *   YUYVtoRGB888     coarse set. Tail: the same bytes without a lower limit, each at most 255 and cut to 8 bits.
+ *   YUYVtoRGBA8888   coarse set in blocks and tail */
+
 ZIVCOLOR_API int32_t zivColorYUYVtoBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorYUYVtoRGB888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorYUYVtoRGBA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
                                               uint8_t alpha);
+
+/* LPI422H (plane Y, plane of pairs U V, a chroma row for each luma row) to 32-bit RGB. Least size 2 by 2, rows one by one, coarse
+ * set in blocks and tail. The tail takes 2 columns at a time; with an odd W the last column is left as it was.
+ *   LPI422HtoBGRA8888   reads no pitch of either image: every row starts where the one before it ended, on all planes, after W
+ *                       columns, or after W - 1 with an odd W
+ *   LPI422HtoRGBA8888   walks the width and height of srcImg; reads pitch[0] and pitch[1] of the source and pitch[0] of the
+ *                       destination */
+
 ZIVCOLOR_API int32_t zivColorLPI422HtoBGRA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
                                                  uint8_t alpha);
 ZIVCOLOR_API int32_t zivColorLPI422HtoRGBA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
