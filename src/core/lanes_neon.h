@@ -226,6 +226,33 @@ ZIV_INLINE U8<16> shift_right_insert(U8<16> kept, U8<16> inserted) {
     return (U8<16>)vsriq_n_u8((uint8x16_t)kept, (uint8x16_t)inserted, n);
 }
 
+// ---- Runs of bytes ----
+
+template <>
+ZIV_INLINE FourVectors<16> load_four<16>(const uint8_t* p) {
+    const uint8x16x4_t q = vld1q_u8_x4(p);
+    return {{(U8<16>)q.val[0], (U8<16>)q.val[1], (U8<16>)q.val[2], (U8<16>)q.val[3]}};
+}
+template <>
+ZIV_INLINE void store_four<16>(uint8_t* p, const FourVectors<16>& four) {
+    vst1q_u8_x4(p, {{(uint8x16_t)four.v[0], (uint8x16_t)four.v[1], (uint8x16_t)four.v[2], (uint8x16_t)four.v[3]}});
+}
+template <>
+ZIV_INLINE void copy_four<16>(uint8_t* dst, const uint8_t* src) {
+    vst1q_u8_x4(dst, vld1q_u8_x4(src));
+}
+template <>
+ZIV_INLINE void store_yuyv<16>(uint8_t* p, const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
+    const uint8x16x2_t y = vld2q_u8(luma);
+    vst4q_u8(p, {{y.val[0], vld1q_u8(u), y.val[1], vld1q_u8(v)}});
+}
+
+// One table for four vectors, where rev64 and ext are two instructions each.
+template <>
+ZIV_INLINE U8<16> reverse_pairs<16>(U8<16> v) {
+    return __builtin_shufflevector(v, v, 14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1);
+}
+
 // ---- Pairs of chroma samples made fewer or more ----
 
 template <>

@@ -417,6 +417,36 @@ ZIV_INLINE void pack_pixels_565(uint8_t* dst, const uint8_t* src) {
     PixelPack565<N, high, low>::pack(dst, src);
 }
 
+// ---- Runs of bytes ----
+
+// Four vectors that stand side by side in memory.
+template <int N>
+struct FourVectors {
+    U8<N> v[4];
+};
+template <int N>
+ZIV_INLINE FourVectors<N> load_four(const uint8_t* p) {
+    return {{load<N>(p), load<N>(p + N), load<N>(p + 2 * N), load<N>(p + 3 * N)}};
+}
+template <int N>
+ZIV_INLINE void store_four(uint8_t* p, const FourVectors<N>& four) {
+    for (int k = 0; k < 4; k++) store(p + k * N, four.v[k]);
+}
+
+template <int N>
+ZIV_INLINE void copy_four(uint8_t* dst, const uint8_t* src) {
+    store_four<N>(dst, load_four<N>(src));
+}
+
+// Y0 U Y1 V: 2 N luma samples with N samples of each chroma plane.
+template <int N>
+ZIV_INLINE void store_yuyv(uint8_t* p, const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
+    const U8<N> low = merge_bytes<N>(load_widened<N>(u), load_widened<N>(v));
+    const U8<N> high = merge_bytes<N>(load_widened<N>(u + N / 2), load_widened<N>(v + N / 2));
+    store2<N>(p, load<N>(luma), low);
+    store2<N>(p + 2 * N, load<N>(luma + N), high);
+}
+
 // ---- Turning and mirroring. A vector of 32 or 64 bytes is parts of 16 bytes side by side, and the terms on parts treat each
 //      by itself. ----
 
@@ -456,16 +486,14 @@ ZIV_INLINE U8<16> zip_pair_parts_high<16>(U8<16> a, U8<16> b) {
 
 // The bytes, or the pairs of bytes, from the last to the first.
 template <int N>
-U8<N> reverse_bytes(U8<N> v);
-template <int N>
-U8<N> reverse_pairs(U8<N> v);
-template <>
-ZIV_INLINE U8<16> reverse_bytes<16>(U8<16> v) {
+ZIV_INLINE U8<N> reverse_bytes(U8<N> v) {
+    static_assert(N == 16);
     return __builtin_shufflevector(v, v, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
 }
-template <>
-ZIV_INLINE U8<16> reverse_pairs<16>(U8<16> v) {
-    return (U8<16>)__builtin_shufflevector((U16<16>)v, (U16<16>)v, 7, 6, 5, 4, 3, 2, 1, 0);
+template <int N>
+ZIV_INLINE U8<N> reverse_pairs(U8<N> v) {
+    static_assert(N == 16);
+    return (U8<N>)__builtin_shufflevector((U16<N>)v, (U16<N>)v, 7, 6, 5, 4, 3, 2, 1, 0);
 }
 
 // ---- Pairs of chroma samples made fewer or more ----
@@ -484,7 +512,7 @@ ZIV_INLINE void store_square_means(uint8_t* p, const uint8_t* upper, const uint8
 // Interleaving store of pairs: a0 b0 a1 b1 ...
 template <int N>
 ZIV_INLINE void store2_pairs(uint8_t* p, U8<N> a, U8<N> b) {
-    static_assert(N == 16, "a wider vector has more than one part");
+    static_assert(N == 16);
     store(p, zip_pair_parts_low<16>(a, b));
     store(p + 16, zip_pair_parts_high<16>(a, b));
 }

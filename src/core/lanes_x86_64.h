@@ -411,6 +411,25 @@ struct PixelPack565<64, high, low> {
     }
 };
 
+// ---- Runs of bytes ----
+
+// Byte n of register q of Y0 U Y1 V: luma from one register, chroma from one that holds 32 samples of U below 32 of V.
+template <int q>
+ZIV_INLINE void store_yuyv_part(uint8_t* p, __m512i luma, __m512i chroma) {
+    const __m512i index = bytes512([](int n) { return n % 2 ? 16 * q + n / 4 + n % 4 / 2 * 32 : 32 * q + n / 2; });
+    constexpr __mmask64 from_chroma = mask512([](int n) { return n % 2 == 1; });
+    store512(p, _mm512_mask_permutexvar_epi8(_mm512_permutexvar_epi8(index, luma), from_chroma, index, chroma));
+}
+template <>
+ZIV_INLINE void store_yuyv<64>(uint8_t* p, const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
+    for (int half = 0; half < 2; half++) {
+        const __m512i y = load512(luma + 64 * half);
+        const __m512i chroma = _mm512_inserti64x4(_mm512_castsi256_si512(load256(u + 32 * half)), load256(v + 32 * half), 1);
+        store_yuyv_part<0>(p + 128 * half, y, chroma);
+        store_yuyv_part<1>(p + 128 * half + 64, y, chroma);
+    }
+}
+
 // ---- Turning and mirroring ----
 
 template <>

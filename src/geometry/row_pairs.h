@@ -62,11 +62,20 @@ ZIV_INLINE U8<N> reversed(U8<N> v) {
 // vector may go over bytes that are already written, with the same values.
 template <Samples samples>
 [[gnu::noinline]] inline void reverse_row(const uint8_t* src, uint8_t* dst, ptrdiff_t bytes) {
+    constexpr int stride = 4 * widest;
+    ptrdiff_t done = 0;
+    for (; done + stride <= bytes; done += stride) {
+        const FourVectors<widest> in = load_four<widest>(src + done);
+        FourVectors<widest> out;
+        for (int k = 0; k < 4; k++) out.v[k] = reversed<samples, widest>(in.v[3 - k]);
+        store_four<widest>(dst + bytes - done - stride, out);
+    }
     const auto step = [&](auto size, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = size.value;
         store(dst + bytes - j - N, reversed<samples, N>(load<N>(src + j)));
     };
-    const ptrdiff_t done = for_vectors(bytes, step);
+    const ptrdiff_t start = done;
+    done += for_vectors(bytes - start, [&](auto size, ptrdiff_t j) ZIV_INLINE_BODY { step(size, start + j); });
     if (done == bytes) return;
     if (bytes >= 16) return step(Step<16>{}, bytes - 16);
     for (ptrdiff_t j = 0; j < bytes; j += 2) {

@@ -33,14 +33,22 @@ template <int N, int sample>
 ZIV_INLINE void transpose_tile(const Transposition& t) {
     constexpr int count = 16 / sample;
     U8<N> v[count];
-#pragma GCC unroll 16
-    for (int i = 0; i < count; i++) v[i] = load_parts<N>(t.src + i * t.src_pitch, count * t.src_pitch);
+    const uint8_t* src = t.src;
+#pragma GCC unroll 8
+    for (int i = 0; i < count; i += 2, src += 2 * t.src_pitch) {
+        v[i] = load_parts<N>(src, count * t.src_pitch);
+        v[i + 1] = load_parts<N>(src + t.src_pitch, count * t.src_pitch);
+    }
     shuffle_round<N, sample, count>(v);
     shuffle_round<N, sample, count>(v);
     shuffle_round<N, sample, count>(v);
     if constexpr (sample == 1) shuffle_round<N, sample, count>(v);
-#pragma GCC unroll 16
-    for (int i = 0; i < count; i++) store(t.dst + i * t.dst_pitch, v[i]);
+    uint8_t* dst = t.dst;
+#pragma GCC unroll 8
+    for (int i = 0; i < count; i += 2, dst += 2 * t.dst_pitch) {
+        store(dst, v[i]);
+        store(dst + t.dst_pitch, v[i + 1]);
+    }
 }
 
 // 8 bytes of each source row to 8 / sample destination rows of 8 bytes, in ascending order of source columns.
@@ -80,8 +88,14 @@ template <int sample, int N>
         const ptrdiff_t x_end = x0 + strip < columns ? x0 + strip : columns;
         for (ptrdiff_t y0 = 0; y0 < rows; y0 += N) {
             const ptrdiff_t y = y0 + N <= rows ? y0 : rows - N;
-            for (ptrdiff_t x = x0; x < x_end; x += 16)
-                transpose_tile<N, sample>(part_at<sample>(t, x + 16 <= columns ? x : columns - 16, y));
+            Transposition tile = part_at<sample>(t, x0, y);
+            ptrdiff_t x = x0;
+            for (; x + 16 <= x_end; x += 16) {
+                transpose_tile<N, sample>(tile);
+                tile.src += 16;
+                tile.dst += 16 / sample * t.dst_pitch;
+            }
+            if (x < x_end) transpose_tile<N, sample>(part_at<sample>(t, columns - 16, y));
         }
     }
 }

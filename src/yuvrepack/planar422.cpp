@@ -8,14 +8,21 @@ ZIV_INLINE int32_t check_planar422(const Image* srcImg, const Image* dstImg, uin
     return check(srcImg, dstImg, source, destination, destination_2x2_source_height_2);
 }
 
-// ---- I422H: row by row, every plane at its pitch. An odd last column stays unwritten. ----
+ZIV_INLINE void copy_luma(const Image* srcImg, const Image* dstImg, ptrdiff_t columns, ptrdiff_t rows) {
+    copy_plane(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], columns, rows);
+}
+
+ZIV_INLINE bool chroma_is_tight(const Image* srcImg, ptrdiff_t pairs) {
+    return srcImg->pitch[1] == pairs && srcImg->pitch[2] == pairs;
+}
+
+// ---- I422H: every plane at its pitch. An odd last column stays unwritten. ----
 
 int32_t zivColorI422HtoI420u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_I420)) return status;
     const ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
-    for (ptrdiff_t i = 0; i < height; i++) {
-        copy_row(plane_row(srcImg, 0, i), plane_row(dstImg, 0, i), 2 * pairs);
-        if (i & 1) continue;
+    copy_luma(srcImg, dstImg, 2 * pairs, height);
+    for (ptrdiff_t i = 0; i < height; i += 2) {
         copy_row(plane_row(srcImg, 1, i), plane_row(dstImg, 1, i >> 1), pairs);
         copy_row(plane_row(srcImg, 2, i), plane_row(dstImg, 2, i >> 1), pairs);
     }
@@ -27,12 +34,10 @@ template <PairOrder order>
 ZIV_INLINE void i422h_to_semiplanar420(const Image* srcImg, const Image* dstImg, ptrdiff_t dst_chroma_pitch) {
     constexpr int first = order == PairOrder::uv ? 1 : 2, second = 3 - first;
     const ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
-    for (ptrdiff_t i = 0; i < height; i++) {
-        copy_row(plane_row(srcImg, 0, i), plane_row(dstImg, 0, i), 2 * pairs);
-        if (i & 1) continue;
+    copy_luma(srcImg, dstImg, 2 * pairs, height);
+    for (ptrdiff_t i = 0; i < height; i += 2)
         interleave_row(plane_row(srcImg, first, i), plane_row(srcImg, second, i),
                        dstImg->plane[1] + (i >> 1) * dst_chroma_pitch, pairs);
-    }
 }
 
 // Steps the destination's chroma by its luma pitch.
@@ -51,12 +56,9 @@ int32_t zivColorI422HtoNV12u8(const Image* srcImg, const Image* dstImg) {
 
 // Y0 U Y1 V from two luma samples and one of each chroma plane.
 [[gnu::noinline]] inline void yuyv_row(const uint8_t* luma, const uint8_t* u, const uint8_t* v, uint8_t* dst, ptrdiff_t pairs) {
-    ptrdiff_t k = for_vectors(2 * pairs, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
-        const U8<N> chroma = merge_bytes<N>(load_widened<N>(u + (j >> 1)), load_widened<N>(v + (j >> 1)));
-        store2<N>(dst + 2 * j, load<N>(luma + j), chroma);
-    });
-    for (k >>= 1; k < pairs; k++) {
+    ptrdiff_t k = for_vectors(pairs, [&](auto step, ptrdiff_t j)
+                                         ZIV_INLINE_BODY { store_yuyv<step.value>(dst + 4 * j, luma + 2 * j, u + j, v + j); });
+    for (; k < pairs; k++) {
         const uint8_t pixels[4] = {luma[2 * k], u[k], luma[2 * k + 1], v[k]};
         __builtin_memcpy(dst + 4 * k, pixels, 4);
     }
@@ -64,7 +66,10 @@ int32_t zivColorI422HtoNV12u8(const Image* srcImg, const Image* dstImg) {
 
 int32_t zivColorI422HtoYUYVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_YUYV)) return status;
-    const ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
+    ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
+    // A tight image is one long row.
+    if (chroma_is_tight(srcImg, pairs) && srcImg->pitch[0] == 2 * pairs && dstImg->pitch[0] == 4 * pairs)
+        pairs *= height, height = 1;
     for (ptrdiff_t i = 0; i < height; i++)
         yuyv_row(plane_row(srcImg, 0, i), plane_row(srcImg, 1, i), plane_row(srcImg, 2, i), plane_row(dstImg, 0, i), pairs);
     return zivStatus_OK;
@@ -72,32 +77,25 @@ int32_t zivColorI422HtoYUYVu8(const Image* srcImg, const Image* dstImg) {
 
 int32_t zivColorI422HtoLPI422Hu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_LPI422H)) return status;
-    const ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
-    for (ptrdiff_t i = 0; i < height; i++) {
-        copy_row(plane_row(srcImg, 0, i), plane_row(dstImg, 0, i), 2 * pairs);
+    ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
+    copy_luma(srcImg, dstImg, 2 * pairs, height);
+    if (chroma_is_tight(srcImg, pairs) && dstImg->pitch[1] == 2 * pairs) pairs *= height, height = 1;
+    for (ptrdiff_t i = 0; i < height; i++)
         interleave_row(plane_row(srcImg, 1, i), plane_row(srcImg, 2, i), plane_row(dstImg, 1, i), pairs);
-    }
     return zivStatus_OK;
 }
 
-// ---- I422V: two rows a pass, which share one row of each chroma plane; these rows follow one another without gaps. The chroma
-//      of odd columns is dropped, and an odd last row stays unwritten. ----
+// ---- I422V: two rows share one row of each chroma plane; these rows follow one another without gaps. The chroma of odd
+// columns
+//      is dropped, and an odd last row stays unwritten. ----
 
-// The walk: pass(i, u, v) for rows i and i + 1. A pass takes `columns` samples of each chroma plane, an even number, so that
-// with an odd width it drifts from the rows of the image.
-template <class Pass>
-ZIV_INLINE void for_row_pairs(const Image* srcImg, ptrdiff_t columns, ptrdiff_t height, Pass pass) {
+// With an odd width it covers one column past the row, in both rows: what the upper row writes there may be the lower row's
+// first sample, so that the tail goes column by column over both.
+ZIV_INLINE void i422v_to_i420_odd_width(const Image* srcImg, const Image* dstImg) {
+    const ptrdiff_t columns = ptrdiff_t{dstImg->width} + 1, blocked = blocked_columns<16>(dstImg->width);
     const uint8_t *u = srcImg->plane[1], *v = srcImg->plane[2];
-    for (ptrdiff_t i = 0; i < height - 1; i += 2, u += columns, v += columns) pass(i, u, v);
-}
-
-// With an odd width the tail covers one column past the row, in both rows: what the upper row writes there may be the lower
-// row's first sample, so that the tail goes column by column over both.
-int32_t zivColorI422VtoI420u8(const Image* srcImg, const Image* dstImg) {
-    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_I420)) return status;
-    const ptrdiff_t columns = (ptrdiff_t{dstImg->width} + 1) & ~ptrdiff_t{1}, blocked = blocked_columns<16>(dstImg->width);
     uint8_t *dst_u = dstImg->plane[1], *dst_v = dstImg->plane[2];
-    for_row_pairs(srcImg, columns, dstImg->height, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v) {
+    for (ptrdiff_t i = 0; i < dstImg->height - 1; i += 2) {
         const uint8_t* luma0 = plane_row(srcImg, 0, i);
         const uint8_t* luma1 = luma0 + srcImg->pitch[0];
         uint8_t* dst0 = plane_row(dstImg, 0, i);
@@ -114,38 +112,37 @@ int32_t zivColorI422VtoI420u8(const Image* srcImg, const Image* dstImg) {
             dst_u[j >> 1] = pair_u;
             dst_v[j >> 1] = pair_v;
         }
-        dst_u += columns >> 1;
-        dst_v += columns >> 1;
-    });
+        u += columns, v += columns, dst_u += columns >> 1, dst_v += columns >> 1;
+    }
+}
+
+int32_t zivColorI422VtoI420u8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_I420)) return status;
+    if (dstImg->width & 1) {
+        i422v_to_i420_odd_width(srcImg, dstImg);
+        return zivStatus_OK;
+    }
+    const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
+    copy_luma(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
+    for (int k = 1; k <= 2; k++) even_row(srcImg->plane[k], dstImg->plane[k], pairs * row_pairs);
     return zivStatus_OK;
 }
 
-// The others stop one column short of an odd width.
-
-ZIV_INLINE void copy_two_rows(const Image* srcImg, const Image* dstImg, ptrdiff_t i, ptrdiff_t columns) {
-    const uint8_t* luma = plane_row(srcImg, 0, i);
-    uint8_t* dst = plane_row(dstImg, 0, i);
-    copy_row(luma, dst, columns);
-    copy_row(luma + srcImg->pitch[0], dst + dstImg->pitch[0], columns);
-}
+// The others stop one column short of an odd width, so that there the chroma runs ahead of the rows of the image.
 
 int32_t zivColorI422VtoNV21u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_NV21)) return status;
-    const ptrdiff_t columns = dstImg->width & ~1;
-    for_row_pairs(srcImg, columns, dstImg->height, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v) {
-        copy_two_rows(srcImg, dstImg, i, columns);
-        interleave_even_row(v, u, dstImg->plane[1] + (i >> 1) * columns, columns >> 1);
-    });
+    const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
+    copy_luma(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
+    interleave_even_row(srcImg->plane[2], srcImg->plane[1], dstImg->plane[1], pairs * row_pairs);
     return zivStatus_OK;
 }
 
 int32_t zivColorI422VtoNV12u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_NV12)) return status;
-    const ptrdiff_t columns = dstImg->width & ~1;
-    for_row_pairs(srcImg, columns, dstImg->height, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v) {
-        copy_two_rows(srcImg, dstImg, i, columns);
-        interleave_even_row(u, v, dstImg->plane[1] + (i >> 1) * columns, columns >> 1);
-    });
+    const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
+    copy_luma(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
+    interleave_even_row(srcImg->plane[1], srcImg->plane[2], dstImg->plane[1], pairs * row_pairs);
     return zivStatus_OK;
 }
 
@@ -169,24 +166,25 @@ int32_t zivColorI422VtoNV12u8(const Image* srcImg, const Image* dstImg) {
 
 int32_t zivColorI422VtoYUYVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_YUYV)) return status;
-    const ptrdiff_t columns = dstImg->width & ~1;
-    for_row_pairs(srcImg, columns, dstImg->height, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v) {
-        const uint8_t* luma = plane_row(srcImg, 0, i);
-        uint8_t* dst = plane_row(dstImg, 0, i);
-        yuyv_even_rows(luma, luma + srcImg->pitch[0], u, v, dst, dst + dstImg->pitch[0], columns >> 1);
-    });
+    const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
+    for (ptrdiff_t i = 0; i < row_pairs; i++) {
+        const uint8_t* luma = plane_row(srcImg, 0, 2 * i);
+        uint8_t* dst = plane_row(dstImg, 0, 2 * i);
+        yuyv_even_rows(luma, luma + srcImg->pitch[0], srcImg->plane[1] + 2 * pairs * i, srcImg->plane[2] + 2 * pairs * i, dst,
+                       dst + dstImg->pitch[0], pairs);
+    }
     return zivStatus_OK;
 }
 
 int32_t zivColorI422VtoLPI422Hu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_LPI422H)) return status;
-    const ptrdiff_t columns = dstImg->width & ~1;
-    for_row_pairs(srcImg, columns, dstImg->height, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v) {
-        copy_two_rows(srcImg, dstImg, i, columns);
-        uint8_t* chroma = plane_row(dstImg, 1, i);
-        interleave_even_row(u, v, chroma, columns >> 1);
-        copy_row(chroma, chroma + dstImg->pitch[1], columns);
-    });
+    const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
+    copy_luma(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
+    for (ptrdiff_t i = 0; i < row_pairs; i++) {
+        uint8_t* chroma = plane_row(dstImg, 1, 2 * i);
+        interleave_even_row(srcImg->plane[1] + 2 * pairs * i, srcImg->plane[2] + 2 * pairs * i, chroma, pairs);
+        copy_row(chroma, chroma + dstImg->pitch[1], 2 * pairs);
+    }
     return zivStatus_OK;
 }
 
