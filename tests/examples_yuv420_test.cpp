@@ -116,4 +116,24 @@ TEST(Yuv420Examples, Yv12TakesAnyFormatCode) {
     });
 }
 
+// At an odd width every row of the plain form begins a byte further than the one above would have it; chroma rows of the source
+// stay where they are.
+TEST(Yuv420Examples, ThePlainForm) {
+    on_every_table([](const KernelTable& kernels) {
+        uint8_t from[64], to[64];
+        for (uint8_t k = 0; k < 64; ++k) from[k] = k, to[k] = untouched;
+        EXPECT_EQ(kernels.zivColorYV12toNV21u8(from, to, 3, 3), zivStatus_OK);
+        // Luma of 9 bytes, V at 9 and U at 11. The pairs of row 0 are at 9 to 12, where the last luma row falls; those of row 2
+        // follow at 13.
+        const std::vector<int> expected = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 10, 12, 11, 13, untouched};
+        EXPECT_EQ(std::vector<int>(to, to + 18), expected);
+        EXPECT_EQ(kernels.zivColorYV12toNV21u8(nullptr, to, 3, 3), zivStatus_NullPointer);
+        EXPECT_EQ(kernels.zivColorYV12toNV21u8(from, nullptr, 0, 3), zivStatus_NullPointer);
+        for (const int64_t bad : {int64_t{1}, int64_t{0}, int64_t{-3}, INT64_MIN}) {
+            EXPECT_EQ(kernels.zivColorYV12toNV21u8(from, to, bad, 3), zivStatus_BadArgument);
+            EXPECT_EQ(kernels.zivColorYV12toNV21u8(from, to, 3, bad), zivStatus_BadArgument);
+        }
+    });
+}
+
 }  // namespace

@@ -150,7 +150,7 @@ void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, 
     const int64_t divisor = lImgNum - 1;
     const float reciprocal = 1.0f / static_cast<float>(divisor);
     int64_t i = 0;
-    for (; i <= lW - 8; i += 8)
+    for (; lW - i >= 8; i += 8)
         for (int64_t k = i; k < i + 8; ++k) put(pWtMap + k, block_weight(pSumW[20 * k], reciprocal));
     for (; i < lW; i += 2)
         for (int64_t k = i; k < i + 2; ++k) put(pWtMap + k, tail_weight(pSumW[20 * k], divisor));
