@@ -264,7 +264,8 @@ ZIV_INLINE void store_square_means<16>(uint8_t* p, const uint8_t* upper, const u
 }
 template <>
 ZIV_INLINE void store2_pairs<16>(uint8_t* p, U8<16> a, U8<16> b) {
-    vst2q_u16(reinterpret_cast<uint16_t*>(p), {{(uint16x8_t)a, (uint16x8_t)b}});
+    const uint16x8x2_t v = {{(uint16x8_t)a, (uint16x8_t)b}};
+    vst2q_u16(reinterpret_cast<uint16_t*>(p), v);
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET
