@@ -180,6 +180,17 @@ ZIV_INLINE U16<16> multiply_high_unsigned<16>(U16<16> a, U16<16> b) {
     return (U16<16>)vuzp2q_u16(vreinterpretq_u16_u32(lo), vreinterpretq_u16_u32(hi));
 }
 
+template <>
+ZIV_INLINE Wide<16> widen_joined<16>(U8<16> low, U8<16> high) {
+    return {(U16<16>)vzip1q_u8((uint8x16_t)low, (uint8x16_t)high), (U16<16>)vzip2q_u8((uint8x16_t)low, (uint8x16_t)high)};
+}
+template <>
+ZIV_INLINE Wide<16> widen_difference<16>(U8<16> a, U8<16> b, uint8_t weight) {
+    const uint8x16_t a8 = (uint8x16_t)a, b8 = (uint8x16_t)b, w = vdupq_n_u8(weight);
+    return {(U16<16>)vmlsl_u8(vmull_u8(vget_low_u8(a8), vget_low_u8(w)), vget_low_u8(b8), vget_low_u8(w)),
+            (U16<16>)vmlsl_high_u8(vmull_high_u8(a8, w), b8, w)};
+}
+
 // The low bytes of 65536 / i for i from 1 to 256 (65535 for 1), and the high bytes for i up to 64: above, these are 3 up to 85,
 // 2 up to 128, then 1.
 ZIV_INLINE uint8x16x4_t reciprocal_low_bytes(int quarter) {
@@ -200,7 +211,7 @@ ZIV_INLINE Wide<16> reciprocals<16>(U8<16> divisors) {
     uint8x16_t high = vsubq_u8(vdupq_n_u8(1), vcgtq_u8(vdupq_n_u8(129), i));
     high = vsubq_u8(high, vcgtq_u8(vdupq_n_u8(86), i));
     high = vqtbx4q_u8(high, reciprocal_high_bytes(), at0);
-    return {(U16<16>)vzip1q_u8(low, high), (U16<16>)vzip2q_u8(low, high)};
+    return widen_joined<16>((U8<16>)low, (U8<16>)high);
 }
 
 // ---- Whole pixels moved from one byte layout to another ----

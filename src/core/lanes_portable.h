@@ -365,6 +365,18 @@ ZIV_INLINE U16<N> multiply_high_unsigned(U16<N> a, U16<N> b) {
     return r;
 }
 
+// low + 256 * high, and weight * (a - b) for weights up to 127, both lane by lane in the order of widen().
+template <int N>
+ZIV_INLINE Wide<N> widen_joined(U8<N> low, U8<N> high) {
+    const Wide<N> l = widen<N>(low), h = widen<N>(high);
+    return {l.lo | (h.lo << 8), l.hi | (h.hi << 8)};
+}
+template <int N>
+ZIV_INLINE Wide<N> widen_difference(U8<N> a, U8<N> b, uint8_t weight) {
+    const Wide<N> x = widen<N>(a), y = widen<N>(b);
+    return {(x.lo - y.lo) * weight, (x.hi - y.hi) * weight};
+}
+
 // 65536 / i truncated, 65535 for 1; for 0 anything. No quotient that is not whole comes nearer than 1 / 255 to a whole number,
 // which is more than binary32 rounds by, in whatever direction: its quotient truncates to the exact one.
 template <int N>

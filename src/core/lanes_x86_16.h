@@ -304,6 +304,17 @@ ZIV_INLINE U16<16> multiply_high_unsigned<16>(U16<16> a, U16<16> b) {
     return (U16<16>)_mm_mulhi_epu16((__m128i)a, (__m128i)b);
 }
 
+template <>
+ZIV_INLINE Wide<16> widen_joined<16>(U8<16> low, U8<16> high) {
+    return {(U16<16>)_mm_unpacklo_epi8((__m128i)low, (__m128i)high), (U16<16>)_mm_unpackhi_epi8((__m128i)low, (__m128i)high)};
+}
+template <>
+ZIV_INLINE Wide<16> widen_difference<16>(U8<16> a, U8<16> b, uint8_t weight) {
+    const __m128i weights = _mm_set1_epi16(static_cast<int16_t>(weight - (weight << 8)));
+    const __m128i lo = _mm_unpacklo_epi8((__m128i)a, (__m128i)b), hi = _mm_unpackhi_epi8((__m128i)a, (__m128i)b);
+    return {(U16<16>)_mm_maddubs_epi16(lo, weights), (U16<16>)_mm_maddubs_epi16(hi, weights)};
+}
+
 // The lanes are at least 1. 65536 saturates to 65535.
 ZIV_INLINE __m128i reciprocals_of_lanes(__m128i lanes) {
     const __m128i zero = _mm_setzero_si128();

@@ -277,6 +277,18 @@ ZIV_INLINE U16<32> multiply_high_unsigned<32>(U16<32> a, U16<32> b) {
     return (U16<32>)_mm256_mulhi_epu16((__m256i)a, (__m256i)b);
 }
 
+template <>
+ZIV_INLINE Wide<32> widen_joined<32>(U8<32> low, U8<32> high) {
+    return {(U16<32>)_mm256_unpacklo_epi8((__m256i)low, (__m256i)high),
+            (U16<32>)_mm256_unpackhi_epi8((__m256i)low, (__m256i)high)};
+}
+template <>
+ZIV_INLINE Wide<32> widen_difference<32>(U8<32> a, U8<32> b, uint8_t weight) {
+    const __m256i weights = _mm256_set1_epi16(static_cast<int16_t>(weight - (weight << 8)));
+    const __m256i lo = _mm256_unpacklo_epi8((__m256i)a, (__m256i)b), hi = _mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
+    return {(U16<32>)_mm256_maddubs_epi16(lo, weights), (U16<32>)_mm256_maddubs_epi16(hi, weights)};
+}
+
 // The lanes are at least 1. 65536 saturates to 65535.
 ZIV_INLINE __m256i reciprocals_of_lanes(__m256i lanes) {
     const __m256i zero = _mm256_setzero_si256();

@@ -333,21 +333,33 @@ ZIV_INLINE U16<64> multiply_high_unsigned<64>(U16<64> a, U16<64> b) {
     return (U16<64>)_mm512_mulhi_epu16((__m512i)a, (__m512i)b);
 }
 
+template <>
+ZIV_INLINE Wide<64> widen_joined<64>(U8<64> low, U8<64> high) {
+    return {(U16<64>)_mm512_unpacklo_epi8((__m512i)low, (__m512i)high),
+            (U16<64>)_mm512_unpackhi_epi8((__m512i)low, (__m512i)high)};
+}
+template <>
+ZIV_INLINE Wide<64> widen_difference<64>(U8<64> a, U8<64> b, uint8_t weight) {
+    const __m512i weights = _mm512_set1_epi16(static_cast<int16_t>(weight - (weight << 8)));
+    const __m512i lo = _mm512_unpacklo_epi8((__m512i)a, (__m512i)b), hi = _mm512_unpackhi_epi8((__m512i)a, (__m512i)b);
+    return {(U16<64>)_mm512_maddubs_epi16(lo, weights), (U16<64>)_mm512_maddubs_epi16(hi, weights)};
+}
+
 // Looked up in registers, a byte at a time: 65536 / i - 1, whose high byte is 1 throughout the upper half; 65534 for 1.
 template <>
 ZIV_INLINE Wide<64> reciprocals<64>(U8<64> divisors) {
     const auto low_byte = [](int i) { return (i < 2 ? 65534 : 65536 / i - 1) & 0xFF; };
     const auto high_byte = [](int i) { return (i < 2 ? 65534 : 65536 / i - 1) >> 8; };
     const uint8_t *const low = byte_table<256>(low_byte), *const high = byte_table<128>(high_byte);
-    const __m512i i = (__m512i)divisors, one = _mm512_set1_epi16(1);
+    const __m512i i = (__m512i)divisors;
     const __mmask64 upper = _mm512_movepi8_mask(i);
     const __m512i low_lower = _mm512_permutex2var_epi8(_mm512_load_si512(low), i, _mm512_load_si512(low + 64));
     const __m512i low_upper = _mm512_permutex2var_epi8(_mm512_load_si512(low + 128), i, _mm512_load_si512(low + 192));
     const __m512i high_lower = _mm512_permutex2var_epi8(_mm512_load_si512(high), i, _mm512_load_si512(high + 64));
     const __m512i low_bytes = _mm512_mask_blend_epi8(upper, low_lower, low_upper);
     const __m512i high_bytes = _mm512_mask_blend_epi8(upper, high_lower, _mm512_set1_epi8(1));
-    return {(U16<64>)_mm512_add_epi16(_mm512_unpacklo_epi8(low_bytes, high_bytes), one),
-            (U16<64>)_mm512_add_epi16(_mm512_unpackhi_epi8(low_bytes, high_bytes), one)};
+    const Wide<64> less_one = widen_joined<64>((U8<64>)low_bytes, (U8<64>)high_bytes);
+    return {less_one.lo + 1, less_one.hi + 1};
 }
 
 // ---- Whole pixels moved from one byte layout to another ----

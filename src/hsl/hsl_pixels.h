@@ -40,18 +40,11 @@ ZIV_INLINE void BGRtoHSL(uint32_t B, uint32_t G, uint32_t R, uint8_t* HSL) {
     HSL[2] = static_cast<uint8_t>(lightness);
 }
 
-// floor(reciprocal * (42 * (minuend - subtrahend) + (d >> 1)) / 65536), taken from base.
+// floor(reciprocal * scaled / 65536) for a signed factor: as an unsigned number, a negative one makes the product too large by
+// the whole reciprocal.
 template <int N>
-ZIV_INLINE U16<N> hue_lanes(U16<N> reciprocal, U16<N> base, U16<N> minuend, U16<N> subtrahend, U16<N> d) {
-    const S16<N> scaled = (S16<N>)((minuend - subtrahend) * 42 + (d >> 1));
-    // An unsigned product of a negative factor is too large by the other factor's whole.
-    return base - multiply_high_unsigned<N>(reciprocal, (U16<N>)scaled) + (reciprocal & (U16<N>)(scaled >> 15));
-}
-
-// floor(reciprocal * (255 * d + (divisor >> 1)) / 65536). The factor is at most 65152.
-template <int N>
-ZIV_INLINE U16<N> saturation_lanes(U16<N> reciprocal, U16<N> d, U16<N> divisor) {
-    return multiply_high_unsigned<N>(reciprocal, (d << 8) - d + (divisor >> 1));
+ZIV_INLINE U16<N> scaled_down(U16<N> reciprocal, U16<N> scaled) {
+    return multiply_high_unsigned<N>(reciprocal, scaled) - (reciprocal & (U16<N>)((S16<N>)scaled >> 15));
 }
 
 // N pixels by value: the channels blue, green, red. Writes 3 N bytes.
@@ -68,13 +61,13 @@ ZIV_INLINE void BGRtoHSL_NEON_1(const Channels<N, 3>& mBGR888, uint8_t* hsl) {
     // The sum, or 510 less the sum from a lightness of 128 on: either way it fits a byte, so that the wrapped sum will do.
     const U8<N> light = (U8<N>)((S8<N>)lightness < 0), divisor = ((max + min) ^ light) + light;
 
-    const Wide<N> d16 = widen<N>(d), divisor16 = widen<N>(divisor), base16 = widen<N>(base);
-    const Wide<N> minuend16 = widen<N>(minuend), subtrahend16 = widen<N>(subtrahend);
-    const Wide<N> per_d = reciprocals<N>(d), per_divisor = reciprocals<N>(divisor);
-    const U8<N> hue = narrow<N>({hue_lanes<N>(per_d.lo, base16.lo, minuend16.lo, subtrahend16.lo, d16.lo),
-                                 hue_lanes<N>(per_d.hi, base16.hi, minuend16.hi, subtrahend16.hi, d16.hi)});
-    const U8<N> saturation = narrow<N>(
-        {saturation_lanes<N>(per_divisor.lo, d16.lo, divisor16.lo), saturation_lanes<N>(per_divisor.hi, d16.hi, divisor16.hi)});
+    const Wide<N> d16 = widen<N>(d), base16 = widen<N>(base), per_d = reciprocals<N>(d), per_divisor = reciprocals<N>(divisor);
+    const Wide<N> delta = widen_difference<N>(minuend, subtrahend, 42), d_and_half = widen_joined<N>(divisor >> 1, d);
+    const U8<N> hue = narrow<N>({base16.lo - scaled_down<N>(per_d.lo, delta.lo + (d16.lo >> 1)),
+                                 base16.hi - scaled_down<N>(per_d.hi, delta.hi + (d16.hi >> 1))});
+    // 255 d + (divisor >> 1), at most 65152.
+    const U8<N> saturation = narrow<N>({multiply_high_unsigned<N>(per_divisor.lo, d_and_half.lo - d16.lo),
+                                        multiply_high_unsigned<N>(per_divisor.hi, d_and_half.hi - d16.hi)});
     store3<N>(hsl, select(grey, U8<N>{} + uint8_t{170}, hue), saturation & ~grey, lightness);
 }
 
@@ -91,14 +84,15 @@ ZIV_INLINE void BGRtoHSL_NEON(const uint8_t* bgr, uint8_t* hsl) {
     }
 }
 
-// The columns of a row that whole blocks of 8 cover: one to eight are left. The bound of the blocks, width - 8, is unsigned:
-// widths from 3 to 7 wrap it, and the blocks run away.
-ZIV_INLINE ptrdiff_t hsl_blocked_columns(uint32_t width) { return width == 8 ? 0 : ptrdiff_t{(width - 9) / 8} * 8 + 8; }
+// The columns of a row that go in steps of 8 and more; up to seven are left to the scalar form. The blocks run while their
+// first column is below width - 8, an unsigned bound: widths from 3 to 7 wrap it, and the blocks run away. Where the last block
+// of a width is whole it may as well be one of them, as the forms agree.
+ZIV_INLINE ptrdiff_t hsl_blocked_columns(uint32_t width) { return ptrdiff_t{(width - 8) / 8} * 8 + 8; }
 
 // The blocked columns of a row in steps: body(Step<N>{}, column), N down to 8.
 template <class Body>
 ZIV_INLINE void for_hsl_steps(ptrdiff_t blocked, Body body) {
-    for_steps(blocked & ~ptrdiff_t{15}, body);
+    for_steps(blocked / 16 * 16, body);
     if (blocked & 8) body(Step<8>{}, blocked - 8);
 }
 

@@ -1,4 +1,4 @@
-// BGR888 and 16-bit words to HSL888. The blocks leave one to eight pixels of a row to the scalar form.
+// BGR888 and 16-bit words to HSL888.
 #include "hsl/hsl_pixels.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
