@@ -1,0 +1,240 @@
+// The facts of docs/kernel_facts.h, measured on the reference, which the library equals byte for byte.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <string>
+
+#include "../docs/facts_table.h"
+#include "harness/conversions.h"
+#include "reference/reference.h"
+
+namespace {
+
+using namespace harness;
+using facts::Facts;
+
+bool operator==(const std::vector<Reach>& a, const std::vector<Reach>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](const Reach& p, const Reach& q) { return p.first == q.first && p.past == q.past; });
+}
+
+// The first generation of the upward NV41 kernel ends the process.
+std::vector<Conversion> measured_conversions() {
+    std::vector<Conversion> rows = conversions();
+    rows.erase(std::remove_if(rows.begin(), rows.end(),
+                              [](const Conversion& c) { return c.name == std::string("zivColorNV41toNV21"); }),
+               rows.end());
+    return rows;
+}
+
+class KernelFacts : public testing::TestWithParam<Conversion> {
+protected:
+    const Conversion& c = GetParam();
+    const Facts& f = *facts::find(facts::conversions, c.name);
+
+    std::vector<Reach> reach(const ImagePair& images, const ImagePair& room) const {
+        return reach_of(call_of(c, images), rooms_of(c, room), base_seed);
+    }
+    std::vector<Reach> reach(const ImagePair& images) const { return reach(images, images); }
+    int64_t status(const ImagePair& images, uint32_t source, uint32_t destination) const {
+        const std::vector<Room> rooms = rooms_of(c, tight(c, 16, 8));
+        std::vector<std::vector<uint8_t>> memory;
+        Image planes[2] = {{source, images.source_width, images.source_height, {}, {}},
+                           {destination, images.destination_width, images.destination_height, {}, {}}};
+        for (const Room& room : rooms) memory.emplace_back(room.before + room.after);
+        for (size_t k = 0; k < 6; k++) planes[k / 3].plane[k % 3] = memory[k].data() + rooms[k].before;
+        for (size_t k = 0; k < 6; k++)
+            planes[k / 3].pitch[k % 3] = (k < 3 ? images.source_pitch : images.destination_pitch)[k % 3];
+        return c.convert(reference::kernels, &planes[0], &planes[1], 0);
+    }
+    using Image = zivcolor::Image;
+};
+
+TEST_P(KernelFacts, SizesThatDriveTheWalk) {
+    const ImagePair both = tight(c, 64, 8);
+    const auto sized = [&](int32_t ImagePair::*source, int32_t ImagePair::*destination, int s, int d) {
+        ImagePair images = both;
+        images.*source = s;
+        images.*destination = d;
+        return reach(images, both);
+    };
+    const auto driver = [&](int32_t ImagePair::*source, int32_t ImagePair::*destination, int large, int small) {
+        const auto mixed = sized(source, destination, large, small);
+        const auto by_source = sized(source, destination, large, large);
+        const auto by_destination = sized(source, destination, small, small);
+        EXPECT_FALSE(by_source == by_destination);
+        EXPECT_TRUE(mixed == by_source || mixed == by_destination);
+        return mixed == by_source ? facts::Src : facts::Dst;
+    };
+    EXPECT_EQ(driver(&ImagePair::source_width, &ImagePair::destination_width, 64, 32), f.columns);
+    EXPECT_EQ(driver(&ImagePair::source_height, &ImagePair::destination_height, 8, 4), f.rows);
+}
+
+TEST_P(KernelFacts, PitchesThatAreRead) {
+    ImagePair base = tight(c, 32, 8);
+    for (int k = 0; k < 3; k++) base.source_pitch[k] += 64, base.destination_pitch[k] += 64;
+    const auto expected = reach(base);
+    int read[2] = {};
+    for (int image = 0; image < 2; image++)
+        for (int k = 0; k < plane_count(image ? c.destination : c.source); k++) {
+            ImagePair images = base;
+            (image ? images.destination_pitch : images.source_pitch)[k] -= 16;
+            if (!(reach(images, base) == expected)) read[image] |= 1 << k;
+        }
+    EXPECT_EQ(read[0], f.source_pitches);
+    EXPECT_EQ(read[1], f.destination_pitches);
+
+    // Nonsense where no pitch is read changes no byte.
+    ImagePair nonsense = base;
+    for (int k = 0; k < 3; k++) {
+        if (!(f.source_pitches & (1 << k))) nonsense.source_pitch[k] = INT_MIN;
+        if (!(f.destination_pitches & (1 << k))) nonsense.destination_pitch[k] = INT_MAX;
+    }
+    const auto bytes_after = [&](const ImagePair& images) {
+        const std::vector<Room> rooms = rooms_of(c, base);
+        std::vector<uint8_t> memory;
+        std::vector<size_t> at;
+        size_t size = 0;
+        for (const Room& room : rooms) at.push_back(size + room.before), size += room.before + room.after;
+        memory.resize(size);
+        fill(memory.data(), size, base_seed);
+        uint8_t* buffers[6];
+        for (size_t k = 0; k < 6; k++) buffers[k] = memory.data() + at[k];
+        EXPECT_EQ(call_of(c, images)(reference::kernels, buffers), 0);
+        return memory;
+    };
+    EXPECT_TRUE(bytes_after(base) == bytes_after(nonsense));
+}
+
+// Columns of plane 0 that a kernel touches in its last row, for a number of rows.
+int64_t columns_of(uint32_t format, const Reach& reach, int pitch, bool pitch_read, int rows) {
+    const int64_t pixel = tight_pitch(format, 0, 2) / 2;
+    const int64_t bytes = pitch_read ? reach.past - int64_t{rows - 1} * pitch : reach.past / rows;
+    return (bytes + pixel - 1) / pixel;
+}
+
+TEST_P(KernelFacts, OddWidth) {
+    if (f.odd_width == facts::Fours) return;
+    constexpr int rows = 4;
+    for (const int width : {21, 22, 23, 37, 43}) {
+        ImagePair images = tight(c, width, rows);
+        for (int k = 0; k < 3; k++) {
+            if (f.source_pitches & (1 << k)) images.source_pitch[k] += 300;
+            if (f.destination_pitches & (1 << k)) images.destination_pitch[k] += 300;
+        }
+        const auto touched = reach(images);
+        const int even = width & ~1, up = (width + 1) & ~1, tail = width % 16, start = width - tail;
+        int written = even, read = even;
+        switch (f.odd_width) {
+            case facts::Exact: written = read = width; break;
+            case facts::Past: written = read = up; break;
+            case facts::Short: written = read = width % 2 ? even : width - 2; break;
+            case facts::Ahead: read = start + tail / 2 * 4; break;
+            case facts::Twice: written = read = start + 2 * tail; break;
+            default: break;
+        }
+        const int last_row = f.odd_height == facts::RowOne ? 2 : rows;
+        EXPECT_EQ(columns_of(c.source, touched[0], images.source_pitch[0], f.source_pitches & 1, rows), read) << width;
+        // The lower row of a pair stands a width below the upper one in the kernel whose tail covers twice its columns.
+        if (f.odd_width == facts::Twice) continue;
+        EXPECT_EQ(columns_of(c.destination, touched[3], images.destination_pitch[0], f.destination_pitches & 1, last_row),
+                  written)
+            << width;
+    }
+}
+
+TEST_P(KernelFacts, OddHeight) {
+    if (f.odd_height == facts::Fours) return;
+    constexpr int width = 32;
+    for (const int height : {5, 7}) {
+        const ImagePair images = tight(c, width, height);
+        const auto touched = reach(images);
+        const int read = f.odd_height == facts::LeftOut ? height - 1 : f.odd_height == facts::Past ? height + 1 : height;
+        const int written = f.odd_height == facts::RowOne ? 2 : read;
+        const int extra = f.odd_width == facts::Twice ? 16 : 0;
+        const auto rows_of_reach = [&](uint32_t format, const Reach& r) {
+            const int pitch = tight_pitch(format, 0, width);
+            return (r.past - tight_pitch(format, 0, extra) + pitch - 1) / pitch;
+        };
+        EXPECT_EQ(rows_of_reach(c.source, touched[0]), read) << height;
+        EXPECT_EQ(rows_of_reach(c.destination, touched[3]), written) << height;
+    }
+}
+
+// The left part of a row stands in it once more where its blocks end: do block and tail make the same of it?
+TEST_P(KernelFacts, BlockAndTail) {
+    if (f.block == 0) {
+        EXPECT_EQ(f.tail, facts::Same);
+        return;
+    }
+    const int part = f.block == 32 ? 28 : f.block - 2, width = f.block + part;
+    constexpr int height = 8;
+    const ImagePair images = tight(c, width, height);
+    bool same = true;
+    for (uint64_t round = 0; same && round < (f.tail == facts::Same ? 100 : 5000); round++) {
+        std::vector<std::vector<uint8_t>> memory;
+        uint8_t* buffers[6];
+        const std::vector<Room> rooms = rooms_of(c, images);
+        for (size_t k = 0; k < 6; k++) {
+            memory.emplace_back(rooms[k].before + rooms[k].after);
+            buffers[k] = memory[k].data() + rooms[k].before;
+            if (k < 3) fill(memory[k].data(), memory[k].size(), base_seed + 8 * round + k);
+        }
+        const auto each_row = [&](uint32_t format, size_t first, auto visit) {
+            for (int k = 0; k < plane_count(format); k++)
+                for (int row = 0; row < plane_rows(format, k, height); row++) {
+                    uint8_t* at = buffers[first + static_cast<size_t>(k)] + row * tight_pitch(format, k, width);
+                    visit(at, at + tight_pitch(format, k, f.block), tight_pitch(format, k, part));
+                }
+        };
+        each_row(c.source, 0, [](uint8_t* left, uint8_t* right, int size) { std::copy(left, left + size, right); });
+        call_of(c, images)(reference::kernels, buffers);
+        each_row(c.destination, 3,
+                 [&](uint8_t* left, uint8_t* right, int size) { same = same && std::equal(left, left + size, right); });
+    }
+    EXPECT_EQ(same ? facts::Same : facts::Differ, f.tail);
+}
+
+TEST_P(KernelFacts, LeastSizesAndFormats) {
+    const ImagePair sound = tight(c, 4, 4);
+    const auto least = [&](int32_t ImagePair::*size) {
+        for (int value = 3; value >= 0; value--) {
+            ImagePair images = sound;
+            images.*size = value;
+            if (status(images, c.source, c.destination) == zivStatus_BadArgument) return value + 1;
+        }
+        return 0;
+    };
+    const bool both = f.check == facts::Both2x2 || f.check == facts::Both2x1 || f.check == facts::Both1x1;
+    const int height =
+        f.check == facts::Both2x2 || f.check == facts::Dst2x2SrcRows2 || f.check == facts::Dst2x2AnyFormat ? 2 : 1;
+    const int width = f.check == facts::Both2x1 ? 2 : height;
+    EXPECT_EQ(least(&ImagePair::destination_width), width);
+    EXPECT_EQ(least(&ImagePair::destination_height), height);
+    EXPECT_EQ(least(&ImagePair::source_width), both ? width : 0);
+    EXPECT_EQ(least(&ImagePair::source_height), both || f.check == facts::Dst2x2SrcRows2 ? height : 0);
+
+    const bool any = f.check == facts::Dst2x2AnyFormat || f.check == facts::Dst1x1AnyFormat;
+    EXPECT_EQ(status(sound, 0, c.destination), any ? zivStatus_OK : zivStatus_BadArgument);
+    EXPECT_EQ(status(sound, c.source, 0), any ? zivStatus_OK : zivStatus_BadArgument);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, KernelFacts, testing::ValuesIn(measured_conversions()),
+                         [](const testing::TestParamInfo<Conversion>& row) { return std::string(row.param.name); });
+
+TEST(LayoutFacts, PlanesAndSizes) {
+    for (const facts::Layout& l : facts::layouts) {
+        EXPECT_EQ(l.name, format_name(l.format));
+        EXPECT_EQ(l.planes, plane_count(l.format));
+        for (int size = 1; size <= 17; size++)
+            for (int k = 0; k < l.planes; k++) {
+                const auto up = [&](int divisor) { return (size + divisor - 1) / divisor; };
+                EXPECT_EQ(tight_pitch(l.format, k, size),
+                          k ? up(l.chroma_columns) * l.chroma_bytes : up(l.luma_columns) * l.luma_bytes);
+                EXPECT_EQ(plane_rows(l.format, k, size), k ? up(l.chroma_rows) : size);
+            }
+    }
+}
+
+}  // namespace
