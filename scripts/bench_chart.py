@@ -18,15 +18,34 @@ def load(path):
     return rows
 
 
+def threads(rows):
+    """The multi-threaded front beside one thread, and where it begins to pay."""
+    print(f"\n{'on all cores':26}{'size':>11}{'one, us':>10}{'context, us':>13}{'speed-up':>10}")
+    for kernel, by_size in rows.items():
+        if not kernel.startswith("threads_"):
+            continue
+        breaks_even = None
+        for size, runs in by_size.items():
+            if "one" not in runs or "context" not in runs:
+                continue
+            one, all_cores = (runs[c]["real_time"] / 1e3 for c in ("one", "context"))
+            if all_cores < one:
+                breaks_even = breaks_even or size
+            else:
+                breaks_even = None
+            print(f"{kernel.removeprefix('threads_zivColor'):26}{size:>11}{one:10.1f}{all_cores:13.1f}{one / all_cores:10.2f}")
+        print(f"{'':26}pays from {breaks_even} on" if breaks_even else f"{'':26}does not pay at these sizes")
+
+
 def table(rows):
-    sizes = sorted({size for kernel in rows.values() for size in kernel}, key=lambda s: int(s.split("x")[0]))
+    sizes = sorted({size for name, kernel in rows.items() if not name.startswith("threads_") for size in kernel}, key=lambda s: int(s.split("x")[0]))
     contenders = [c for c in TARGETS + ["libyuv"] if any(c in k[s] for k in rows.values() for s in k)]
     for size in sizes:
         print(f"\n{size}: ns per pixel; best target against libyuv and in copies")
         print(f"{'kernel':34}" + "".join(f"{c:>10}" for c in contenders) + f"{'x libyuv':>10}{'copies':>8}{'GB/s':>8}")
         for kernel, by_size in rows.items():
             runs = by_size.get(size)
-            if not runs:
+            if not runs or kernel.startswith("threads_"):
                 continue
             best = min((runs[t] for t in TARGETS if t in runs), key=lambda r: r["ns_per_px"], default=None)
             line = f"{kernel:34}" + "".join(f"{runs[c]['ns_per_px']:10.4f}" if c in runs else f"{'':10}" for c in contenders)
@@ -85,6 +104,7 @@ def chart(rows, size, path):
 def main():
     rows = load(sys.argv[1])
     table(rows)
+    threads(rows)
     if chart(rows, "320x240", sys.argv[2]):
         print(f"\nchart: {sys.argv[2]}")
 
