@@ -1,0 +1,147 @@
+// Two image descriptors through the dispatcher and to the kernels of every target, against the reference.
+#include "input.h"
+#include "reference/reference.h"
+#include "reference/work_buffer.h"
+
+namespace {
+
+using namespace harness;
+using fuzz::Input;
+using zivcolor::KernelTable;
+
+constexpr uint32_t codes[] = {zivPixFmt_BGR565,
+                              zivPixFmt_RGB565,
+                              zivPixFmt_BGR888,
+                              zivPixFmt_RGB888,
+                              zivPixFmt_BGRA8888,
+                              zivPixFmt_ARGB8888,
+                              zivPixFmt_RGBA8888,
+                              zivPixFmt_YUV,
+                              zivPixFmt_YUYV,
+                              zivPixFmt_YVYU,
+                              zivPixFmt_UYVY,
+                              zivPixFmt_VYUY,
+                              zivPixFmt_I420,
+                              zivPixFmt_I422V,
+                              zivPixFmt_I422H,
+                              zivPixFmt_I444,
+                              zivPixFmt_YV12,
+                              zivPixFmt_YV24,
+                              zivPixFmt_NV12,
+                              zivPixFmt_NV21,
+                              zivPixFmt_LPI422H,
+                              zivPixFmt_NV41,
+                              0,
+                              0x10802};
+
+// Half of all cases name a conversion, among them those that the dispatcher does not pick; the others name two codes. The first
+// generation of NV41 to NV21 ends the process.
+const Conversion& choose(Input& in) {
+    static Conversion none{};
+    if (in.flag()) {
+        const Conversion& c = conversions()[static_cast<size_t>(in.between(0, static_cast<int>(conversions().size()) - 1))];
+        if (c.dispatched || c.destination != zivPixFmt_NV21) return c;
+    }
+    const uint32_t source = codes[in.between(0, 23)], destination = codes[in.between(0, 23)];
+    for (const Conversion& c : conversions())
+        if (c.dispatched && c.source == source && c.destination == destination) return c;
+    none = {"no conversion",
+            source,
+            destination,
+            false,
+            true,
+            -1,
+            [](const KernelTable&, const zivcolor::Image*, const zivcolor::Image*, uint8_t) -> int32_t {
+                return zivStatus_BadArgument;
+            }};
+    return none;
+}
+
+bool has_layout(uint32_t format) { return format != 0 && format != 0x10802; }
+int pitch_of(uint32_t format, int plane, int width) { return has_layout(format) ? tight_pitch(format, plane, width) : width; }
+
+// Whether the result is the same whatever an uncleared work buffer holds.
+bool is_determined(const Call& call, const std::vector<Room>& rooms, uint64_t seed) {
+    std::vector<std::vector<uint8_t>> memory[2];
+    for (int run = 0; run < 2; run++) {
+        std::vector<uint8_t*> buffers;
+        for (const Room& room : rooms) {
+            std::vector<uint8_t>& block = memory[run].emplace_back(room.before + room.after);
+            fill(block.data(), block.size(), seed);
+            buffers.push_back(block.data() + room.before);
+        }
+        reference::g_work_buffer_fill = run ? 0xFF : 0;
+        call(reference::kernels, buffers.data());
+    }
+    reference::g_work_buffer_fill = 0;
+    return memory[0] == memory[1];
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t data_size) {
+    Input in(data, data_size);
+    const Conversion& c = choose(in);
+    const bool refused = c.name == std::string("no conversion");
+
+    ImagePair images{};
+    images.source_width = images.destination_width = fuzz::size(in, 200);
+    images.source_height = images.destination_height = fuzz::size(in, 11);
+    if (in.between(0, 3) == 0) images.source_width = fuzz::size(in, 200);
+    if (in.between(0, 3) == 0) images.source_height = fuzz::size(in, 11);
+    const int columns = std::max(images.source_width, images.destination_width);
+    for (int k = 0; k < 3; k++) {
+        images.source_pitch[k] = fuzz::source_pitch(in, pitch_of(c.source, k, columns));
+        images.destination_pitch[k] = fuzz::destination_pitch(in, pitch_of(c.destination, k, columns));
+    }
+    images.alpha = in.byte();
+    const bool restores_a_work_buffer = c.name == std::string("zivColorNV41toNV21_2");
+    if (restores_a_work_buffer) {
+        // The buffer is sized by one pitch and stepped by the other.
+        const int32_t pitch = std::abs(images.destination_pitch[1]);
+        images.source_pitch[1] = in.between(0, 7) == 0 ? -pitch : pitch;
+        images.destination_pitch[1] = pitch;
+    }
+
+    int offsets[6];
+    for (int& offset : offsets) offset = in.between(0, 63);
+    const int nulls = in.between(0, 15) == 0 ? in.between(1, 3) : 0;
+    const Call call = [&](const KernelTable& kernels, uint8_t* const* buffers) -> int64_t {
+        zivcolor::Image source{c.source, images.source_width, images.source_height, {}, {}};
+        zivcolor::Image destination{c.destination, images.destination_width, images.destination_height, {}, {}};
+        for (int k = 0; k < 3; k++) {
+            source.plane[k] = buffers[k] + offsets[k];
+            source.pitch[k] = images.source_pitch[k];
+            destination.plane[k] = buffers[3 + k] + offsets[3 + k];
+            destination.pitch[k] = images.destination_pitch[k];
+        }
+        const zivcolor::Image *const from = nulls & 1 ? nullptr : &source, *const to = nulls & 2 ? nullptr : &destination;
+        // The dispatcher stands for the target that it uses.
+        if (c.dispatched && &kernels == &zivcolor::chosen_kernels()) return zivColorCvt(from, to, {images.alpha | 0x5A00});
+        if (refused && nulls) return zivStatus_NullPointer;
+        return c.convert(kernels, from, to, images.alpha);
+    };
+
+    // Ample for every reach of the kernels: rows may be stepped by another plane's pitch or by twice their own, in either
+    // direction.
+    int step = 0;
+    for (int k = 0; k < 3; k++)
+        step = std::max({step, std::abs(images.source_pitch[k]), std::abs(images.destination_pitch[k]),
+                         pitch_of(c.source, k, columns), pitch_of(c.destination, k, columns)});
+    const int rows = std::max({images.source_height, images.destination_height, 0}) + 4;
+    const auto reach = static_cast<size_t>(2 * rows * step + 4 * std::max(columns, 0) + 512);
+    std::vector<Room> rooms;
+    for (int k = 0; k < 6; k++) {
+        const int32_t* pitches = k < 3 ? images.source_pitch : images.destination_pitch;
+        const bool up = pitches[0] < 0 || pitches[1] < 0 || pitches[2] < 0 || restores_a_work_buffer;
+        const bool used = !refused && k % 3 < plane_count(k < 3 ? c.source : c.destination);
+        rooms.push_back(used ? Room{up ? reach : 256 + static_cast<size_t>(2 * step), reach} : Room{64, 256});
+    }
+
+    const uint64_t seed = in.seed();
+    const auto what = [&] { return describe(c, images); };
+    if (restores_a_work_buffer && !is_determined(call, rooms, seed)) return 0;
+    if (in.between(0, 3) == 0) expect_in_bounds(call, rooms, seed, what);
+    else expect_same_bytes(call, rooms, seed, what);
+    return 0;
+}
