@@ -51,7 +51,7 @@ enum {
 
 /* Status values. */
 enum {
-    zivStatus_OK = 0,
+    zivStatus_OK = 0,             /* done, also where there was nothing to do */
     zivStatus_NullPointer = -1,   /* a required pointer is null */
     zivStatus_BadArgument = -2,   /* a format code or pair that is not converted, or a size below the kernel's least */
     zivStatus_EngineFailure = -6, /* the parallel engine failed to shut down */
@@ -74,8 +74,8 @@ typedef struct _TAG_OFFSCREEN {
     int32_t tag;    /* neither read nor written */
     __extension__ union {
         __extension__ struct {
-            int32_t pitch[4]; /* bytes per row of each plane */
-            uint8_t* plane[4];
+            int32_t pitch[4];  /* bytes per row of each plane */
+            uint8_t* plane[4]; /* first byte of each plane */
         };
     };
 } _TAG_OFFSCREEN;
@@ -83,7 +83,7 @@ typedef struct _TAG_OFFSCREEN {
 /* Extension parameter of a conversion: the low 8 bits become the alpha byte of every written pixel in the kernels from YUV to
  * 32-bit RGB; all others ignore it. */
 typedef struct zivColorExtParam_ALPHA_t {
-    int32_t alpha;
+    int32_t alpha; /* the alpha byte is its low 8 bits */
 } zivColorExtParam_ALPHA_t;
 
 /* ---- The dispatcher --------------------------------------------------------------------------------------------- */
@@ -124,10 +124,10 @@ ZIVCOLOR_API int32_t zivColorCvt(const __tag_KOBR_OFFSCREEN* srcImg, const __tag
  * odd H the last row is left as it was, with an odd W the last column. The tail takes 2 columns of both rows at a time. Reads
  * pitch[0] and pitch[1] of the source and pitch[0] of the destination; row offsets are formed in 32 bits.
  *   NV12toBGR888, NV21toBGR888   fine set in blocks and tail
- *   NV21toRGB888                 blocks: coarse set, but 11 u >> 6 in green. Tail: coarse set, bytes B G R. It stops one pair of
- *                                columns early: of an even W that is no multiple of 16 it leaves the last two columns as they
- *                                were, and W = 2 altogether. Byte 0 is 0 if R < 0, else 255 if B > 255, else the low 8 bits of
- *                                B; byte 2 is 0 if B < 0, else 255 if R > 255, else the low 8 bits of R. */
+ *   NV21toRGB888                 blocks: coarse set, but 11 u >> 6 in green. Tail: coarse set, bytes B G R. It stops one pair
+ * of columns early: of an even W that is no multiple of 16 it leaves the last two columns as they were, and W = 2 altogether.
+ * Byte 0 is 0 if R < 0, else 255 if B > 255, else the low 8 bits of B; byte 2 is 0 if B < 0, else 255 if R > 255, else the low
+ * 8 bits of R. */
 
 ZIVCOLOR_API int32_t zivColorNV12toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorNV21toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
@@ -187,8 +187,8 @@ ZIVCOLOR_API int32_t zivColorYUYVtoRGB888u8(const __tag_KOBR_OFFSCREEN* srcImg, 
 ZIVCOLOR_API int32_t zivColorYUYVtoRGBA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
                                               uint8_t alpha);
 
-/* LPI422H (plane Y, plane of pairs U V, a chroma row for each luma row) to 32-bit RGB. Least size 2 by 2, rows one by one, coarse
- * set in blocks and tail. The tail takes 2 columns at a time; with an odd W the last column is left as it was.
+/* LPI422H (plane Y, plane of pairs U V, a chroma row for each luma row) to 32-bit RGB. Least size 2 by 2, rows one by one,
+ * coarse set in blocks and tail. The tail takes 2 columns at a time; with an odd W the last column is left as it was.
  *   LPI422HtoBGRA8888   reads no pitch of either image: every row starts where the one before it ended, on all planes, after W
  *                       columns, or after W - 1 with an odd W
  *   LPI422HtoRGBA8888   walks the width and height of srcImg; reads pitch[0] and pitch[1] of the source and pitch[0] of the
