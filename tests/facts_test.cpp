@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <sstream>
 #include <string>
 
 #include "../docs/facts_table.h"
@@ -218,6 +219,92 @@ TEST_P(KernelFacts, LeastSizesAndFormats) {
     const bool any = f.check == facts::Dst2x2AnyFormat || f.check == facts::Dst1x1AnyFormat;
     EXPECT_EQ(status(sound, 0, c.destination), any ? zivStatus_OK : zivStatus_BadArgument);
     EXPECT_EQ(status(sound, c.source, 0), any ? zivStatus_OK : zivStatus_BadArgument);
+}
+
+// A colour by the letters of a layout: Y, U, V or R, G, B.
+struct Colour {
+    std::string letters;
+    int value[3];
+
+    int of(char letter) const {
+        const size_t at = letters.find(letter);
+        return at == std::string::npos ? 0 : value[at];
+    }
+};
+
+int limited(int value) { return std::clamp(value, 0, 255); }
+
+// What a set makes of a colour.
+Colour by_set(facts::Set set, const Colour& from) {
+    const int a = from.value[0], b = from.value[1], c = from.value[2], u = b - 128, v = c - 128;
+    const auto rgb = [](int red, int green, int blue) { return Colour{"RGB", {limited(red), limited(green), limited(blue)}}; };
+    const auto yuv = [](int y, int cb, int cr) { return Colour{"YUV", {y, limited(cb + 128), limited(cr + 128)}}; };
+    const int y = (19 * a + 38 * b + 7 * c) >> 6, s = 9798 * a + 19235 * b + 3736 * c, fine = (s + 16384) >> 15;
+    const auto fa = static_cast<float>(a), fb = static_cast<float>(b), fc = static_cast<float>(c);
+    const auto fu = static_cast<float>(u), fv = static_cast<float>(v);
+    const auto whole = [](float value) { return static_cast<int>(value); };
+    switch (set) {
+        case facts::ToRgbFine:
+            return rgb((32768 * a + 45941 * v + 16384) >> 15, (32768 * a - 11277 * u - 23401 * v + 16384) >> 15,
+                       (32768 * a + 58065 * u + 16384) >> 15);
+        case facts::ToRgbCoarse: return rgb(a + (45 * v >> 5), a - ((11 * u >> 5) + (23 * v >> 5)), a + (57 * u >> 5));
+        case facts::ToRgbHalfGreen: return rgb(a + (45 * v >> 5), a - ((11 * u >> 6) + (23 * v >> 5)), a + (57 * u >> 5));
+        case facts::ToRgbRounded:
+            return rgb((32 * a + 45 * v + 16) >> 5, (32 * a - 11 * u - 23 * v + 16) >> 5, (32 * a + 57 * u + 16) >> 5);
+        case facts::ToRgbBinary32:
+            return rgb(whole(fa + 1.402f * fv), whole(fa + (-0.714f * fv + -0.344f * fu)), whole(fa + 1.772f * fu));
+        case facts::ToYuvShort: return yuv(y, (c - y) * 9 >> 4, (a - y) * 91 >> 7);
+        case facts::ToYuvFine: return yuv(fine, ((c - fine) * 18492 + 16384) >> 15, ((a - fine) * 23372 + 16384) >> 15);
+        case facts::ToYuvFractional:
+            return yuv(fine, (((((c << 7) - (s >> 8)) * 18492) >> 7) + 16384) >> 15,
+                       (((((a << 7) - (s >> 8)) * 23372) >> 7) + 16384) >> 15);
+        case facts::ToYuvFloat:
+            return yuv(whole((fb * 0.587f + fa * 0.299f) + fc * 0.114f), whole((fb * -0.3313f + fa * -0.1678f) + fc * 0.5f),
+                       whole((fb * -0.4187f + fa * 0.5f) + fc * -0.0813f));
+        case facts::ToYuvEighths: return yuv(y, (c - y) * 4 >> 3, (a - y) * 7 >> 3);
+        case facts::ToYuvThirtySeconds: return yuv(y, (c - y) * 18 >> 5, (a - y) * 23 >> 5);
+        default: return from;
+    }
+}
+
+// The letters of a plane's unit, as the layout's row tells them.
+std::string letters_of(uint32_t format, int plane) {
+    const facts::Layout& l = *facts::find(facts::layouts, format_name(format));
+    std::string text(plane ? l.chroma : l.luma), letters;
+    if (const size_t semicolon = text.find(';'); semicolon != std::string::npos)
+        text = plane == 1 ? text.substr(0, semicolon) : text.substr(semicolon + 1);
+    std::istringstream words(text);
+    for (std::string word; words >> word;) letters += word[0];
+    return letters;
+}
+
+TEST_P(KernelFacts, SetOfTheBlocks) {
+    if (f.set == facts::Moves || f.set == facts::Means) return;
+    const ImagePair images = tight(c, 64, 4);
+    Random random{base_seed};
+    for (int round = 0; round < 500; round++) {
+        const auto sample = [&] { return random.below(256); };
+        const Colour colour{c.source >> 8 <= 3 ? "RGB" : "YUV", {sample(), sample(), sample()}},
+            expected = by_set(f.set, colour);
+        std::vector<std::vector<uint8_t>> memory;
+        uint8_t* buffers[6];
+        const std::vector<Room> rooms = rooms_of(c, images);
+        for (size_t k = 0; k < 6; k++) {
+            memory.emplace_back(rooms[k].before + rooms[k].after);
+            buffers[k] = memory[k].data() + rooms[k].before;
+            if (k >= static_cast<size_t>(plane_count(c.source))) continue;
+            const std::string letters = letters_of(c.source, static_cast<int>(k));
+            for (size_t at = 0; at < rooms[k].after; at++)
+                buffers[k][at] = static_cast<uint8_t>(colour.of(letters[at % letters.size()]));
+        }
+        call_of(c, images)(reference::kernels, buffers);
+        for (int k = 0; k < plane_count(c.destination); k++) {
+            const std::string letters = letters_of(c.destination, k);
+            const uint8_t* row = buffers[3 + k] + (f.odd_height == facts::RowOne ? images.destination_pitch[0] : 0);
+            for (size_t at = 0; at < letters.size(); at++)
+                ASSERT_EQ(row[at], letters[at] == 'A' ? images.alpha : expected.of(letters[at])) << letters << ", byte " << at;
+        }
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, KernelFacts, testing::ValuesIn(measured_conversions()),
