@@ -149,8 +149,8 @@ bool converts(uint32_t source, uint32_t destination) {
     static std::map<std::pair<uint32_t, uint32_t>, bool> known;
     const auto [row, is_new] = known.try_emplace({source, destination}, false);
     if (is_new) {
-        Frame s(source, 32, 8), d(destination, 64, 16);
-        d.image.width = 32, d.image.height = 8;
+        Frame s(source, 32, 8), d(destination, 32, 16);
+        d.image.height = 8;  // room for what runs past the last row
         row->second = zivColorCvt(&s.image, &d.image, {0}) == zivStatus_OK;
     }
     return row->second;
