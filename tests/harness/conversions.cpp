@@ -88,16 +88,21 @@ int plane_rows(uint32_t format, int plane, int height) {
 }
 
 const char* format_name(uint32_t format) {
-    switch (format) {
-#define NAME(layout) \
-    case zivPixFmt_##layout: return #layout;
-        NAME(BGR565)
-        NAME(RGB565) NAME(BGR888) NAME(RGB888) NAME(BGRA8888) NAME(ARGB8888) NAME(RGBA8888) NAME(YUV) NAME(YUYV) NAME(YVYU)
-            NAME(UYVY) NAME(VYUY) NAME(I420) NAME(I422V) NAME(I422H) NAME(I444) NAME(YV12) NAME(YV24) NAME(NV12) NAME(NV21)
-                NAME(LPI422H) NAME(NV41)
-#undef NAME
-                    default : return "unknown";
-    }
+    struct Named {
+        uint32_t format;
+        const char* name;
+    };
+#define NAMED(layout) \
+    { zivPixFmt_##layout, #layout }
+    static constexpr Named all[] = {NAMED(BGR565),   NAMED(RGB565),   NAMED(BGR888), NAMED(RGB888), NAMED(BGRA8888),
+                                    NAMED(ARGB8888), NAMED(RGBA8888), NAMED(YUV),    NAMED(YUYV),   NAMED(YVYU),
+                                    NAMED(UYVY),     NAMED(VYUY),     NAMED(I420),   NAMED(I422V),  NAMED(I422H),
+                                    NAMED(I444),     NAMED(YV12),     NAMED(YV24),   NAMED(NV12),   NAMED(NV21),
+                                    NAMED(LPI422H),  NAMED(NV41)};
+#undef NAMED
+    for (const Named& row : all)
+        if (row.format == format) return row.name;
+    return "unknown";
 }
 
 ImagePair tight(const Conversion& c, int width, int height) {
