@@ -432,7 +432,41 @@ ZIVCOLOR_API int32_t zivColorI420toHSL888u8(const uint8_t* pY, const uint8_t* pC
 
 /* ---- Geometry -------------------------------------------------------------------------------------------------------- */
 
+/* Turns a tight image of the NV21 shape (Y; chroma pairs, in either order) into a second one: lmode 1 by 90 degrees
+ * clockwise, 3 by 90 degrees counter-clockwise, any other value by 180 degrees. W, H and sp are the source's width, height
+ * and pitch[0], dp is the destination's pitch[0]; of the destination only planes and pitch[0] are read, and height in mode
+ * 3. No format code is tested. Images must not overlap. A null srcImg is not safe to pass: its pitch is read before it is
+ * tested.
+ *
+ * Only whole blocks are moved; the rest of the destination stays as it was, all of it if the source holds no block. Two
+ * bytes of a pair keep their order.
+ *   quarter turns   blocks of 8 by 8 luma samples and the 4 by 4 pairs under them; luma is read at pitch sp, pairs at
+ *                   2 * (sp >> 1) and written at 2 * (dp >> 1): no pitch[1] is read
+ *     lmode 1       luma of row y, column x goes to plane[0] + x * dp + (dp - 1 - y), pair xc of chroma row yc to
+ *                   plane[1] + xc * dp + (dp - 2 - 2 yc): the right edge stands at byte dp of a row
+ *     lmode 3       to plane[0] + (W - 1 - x) * dp + y and plane[1] + ((dp * height) >> 1) - (xc + 1) * dp + 2 yc, with the
+ *                   destination's height, which ought to be W
+ *   half turn       blocks of 8 columns of two rows, the second W bytes below the first; pairs at the source's pitch[1].
+ *                   Luma of row y (even), column x goes to plane[0] + (H - y) * dp - 1 - x, that of row y + 1 to W bytes
+ *                   before, pair xc of row y / 2 to plane[1] + ((pitch[1] * H) >> 1) - 2 - 2 xc - (y / 2) * dp with the
+ *                   source's pitch[1]. An odd H reads and writes one row more.
+ * With sp, dp, the source's pitch[1] and W all equal and sizes that are multiples of 8 (half turn: an even height), these
+ * are the plain turns of the whole image. */
 ZIVCOLOR_API void zivRotate(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg, int32_t lmode);
+
+/* Mirrors an NV21 image into a second one: left and right exchanged, or top and bottom. W, H, sp and sc are the source's
+ * width, height, pitch[0] and pitch[1]; dp is the destination's pitch[0]. Rows go in pairs whose second row is W bytes
+ * behind the first in the source, whatever sp says; chroma rows step by sc in both images. Two bytes of a pair keep their
+ * order. Columns go in twos: an odd W touches one column more, an odd H one row more. Nothing of dstImg is tested, not even
+ * for null.
+ *   horizontal   luma of row j (even), column x goes to plane[0] + (j + 1) * dp - 1 - x, that of row j + 1 to W bytes behind;
+ *                the pair xc of row j / 2 to plane[1] + (j / 2 + 1) * sc - 2 - 2 xc
+ *   vertical     luma of row j (even), column x goes to plane[0] + (H - 1 - j) * sp + x, that of row j + 1 to W bytes before;
+ *                byte x of chroma row j / 2 to plane[1] + ((H >> 1) - 1 - j / 2) * sc + x. No pitch of the destination is read.
+ * With W, sp, sc and dp all equal and even sizes, these are the plain mirrors.
+ *   zivStatus_NullPointer   srcImg is null
+ *   zivStatus_BadArgument   the source is not NV21
+ *   zivStatus_OK            otherwise, also for sizes of 0 or less, which do nothing */
 ZIVCOLOR_API int32_t zivflip_horizontal_nv21(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivflip_vertical_nv21(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
