@@ -435,8 +435,7 @@ ZIVCOLOR_API int32_t zivColorI420toHSL888u8(const uint8_t* pY, const uint8_t* pC
 /* Turns a tight image of the NV21 shape (Y; chroma pairs, in either order) into a second one: lmode 1 by 90 degrees
  * clockwise, 3 by 90 degrees counter-clockwise, any other value by 180 degrees. W, H and sp are the source's width, height
  * and pitch[0], dp is the destination's pitch[0]; of the destination only planes and pitch[0] are read, and height in mode
- * 3. No format code is tested. Images must not overlap. A null srcImg is not safe to pass: its pitch is read before it is
- * tested.
+ * 3. No format code is tested. Images must not overlap, and neither pointer may be null.
  *
  * Only whole blocks are moved; the rest of the destination stays as it was, all of it if the source holds no block. Two
  * bytes of a pair keep their order.
