@@ -118,7 +118,7 @@ int64_t _SkinWhitenByMask_YUV420_VUVU(const MaskedImage* pImg, const uint8_t* pM
 int64_t _SkinWhitenByMask_YUV420_VUVU_neon(const MaskedImage* pImg, const uint8_t* pMskData, int64_t lMskLine,
                                            const int32_t* plBrightenTab, int64_t lRedLevel, const int32_t*) {
     const int64_t w = pImg->width;
-    for (int64_t i = 0; i <= pImg->height - 2; i += 2) {
+    for (int64_t i = 0; i <= int64_t{pImg->height} - 2; i += 2) {
         const CellRows rows = rows_of_pair(pImg, i / 2, pMskData, lMskLine);
         int64_t j = 0;
         for (; j <= w - 16; j += 16) whiten<16>(rows, j, plBrightenTab, lRedLevel, block_lift);
