@@ -57,6 +57,43 @@ int term_in_range(const uint8_t* p, int lane) {
     return p[2 * lane + 1] & 1 ? -size : size;
 }
 
+Meaning per_byte(int (*f)(const uint8_t* in, int N, int n)) {
+    return [f](int N, const uint8_t* in, uint8_t* out) {
+        for (int n = 0; n < N; n++) out[n] = static_cast<uint8_t>(f(in, N, n));
+    };
+}
+
+// Pixels of RGB, `bytes` each.
+struct Rgb {
+    int c0, c1, c2;
+};
+Rgb pixel(const uint8_t* in, int bytes, int column) {
+    const uint8_t* p = in + bytes * column;
+    return {p[0], p[1], p[2]};
+}
+int luma_short(Rgb p) { return (19 * p.c0 + 38 * p.c1 + 7 * p.c2) >> 6; }
+int luma_short_reversed(Rgb p) { return (7 * p.c0 + 38 * p.c1 + 19 * p.c2) >> 6; }
+int sum_q15(Rgb p) { return 3736 * p.c0 + 19235 * p.c1 + 9798 * p.c2; }
+int luma_fine(Rgb p) { return (sum_q15(p) + 16384) >> 15; }
+uint8_t chroma_short(Rgb p, bool second) {
+    const int y = luma_short(p);
+    return clamp8((second ? (p.c0 - y) * 91 >> 7 : (p.c2 - y) * 9 >> 4) + 128);
+}
+uint8_t chroma_rounded(Rgb p, bool second) {
+    const int y = luma_fine(p);
+    return clamp8((((second ? p.c2 - y : p.c0 - y) * (second ? 23372 : 18492) + 16384) >> 15) + 128);
+}
+uint8_t chroma_fractional(Rgb p, bool first) {
+    const int d = sum_q15(p) >> 8;
+    const int scaled = (((first ? p.c2 : p.c0) << 7) - d) * (first ? 23372 : 18492) >> 7;
+    return clamp8(((scaled + 16384) >> 15) + 128);
+}
+int weigh_f32(float r, float g, float b, float wr, float wg, float wb) {
+    const float green = g * wg, red = r * wr, blue = b * wb;
+    const float sum = green + red;
+    return static_cast<int>(blue + sum);
+}
+
 const std::map<std::string, Meaning>& meanings() {
     static const std::map<std::string, Meaning> table = {
         {"load_widened", [](int N, const uint8_t* in, uint8_t* out) { for (int i = 0; i < N / 2; i++) put16(out, i, in[i]); }},
@@ -91,6 +128,100 @@ const std::map<std::string, Meaning>& meanings() {
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int i = 0; i < N / 2; i++) put16(out, i, (-11277 * (in[2 * i] - 128) - 23401 * (in[N + 2 * i] - 128) + 16384) >> 15);
          }},
+        {"double_arranged", moves(1, [](int, int n) { return n / 2 * 2; })},
+        {"load_arranged", moves(1, [](int, int n) { return n / 2; })},
+        {"multiply_q15", on_s16([](int64_t a, int64_t) { return (a * -11277) >> 15; })},
+        {"any_zero",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int i = 0; i < N / 2; i++) out[0] = out[0] || s16(in, i) == 0;
+         }},
+        {"load_but_last", per_byte([](const uint8_t* in, int N, int n) { return n < N - 1 ? in[n] : 0; })},
+        {"swap_pairs", moves(1, [](int, int n) { return n ^ 1; })},
+        {"even_pairs", moves(1, [](int N, int n) { return n % 2 ? N + n - 1 : n; })},
+        {"packed_chroma",  // pairs V U, then luma: Y U V
+         moves(3, [](int N, int n) { return n % 3 == 0 ? N + n / 3 : n / 6 * 2 + (n % 3 == 1); })},
+        {"select", per_byte([](const uint8_t* in, int N, int n) { return int{in[n] > in[N + n] ? in[2 * N + n] : in[3 * N + n]}; })},
+        {"multiply_high_unsigned", on_s16([](int64_t a, int64_t b) { return ((a & 0xFFFF) * (b & 0xFFFF)) >> 16; })},
+        {"widen_joined", moves(2, [](int N, int n) { return n < N ? N + n : n - N; })},
+        {"widen_difference", per_byte([](const uint8_t* in, int N, int n) { return int{clamp8((42 * (in[n] - in[N + n])) >> 5)}; })},
+        {"reciprocals",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int n = 0; n < N; n++) {
+                 const int r = std::min(65536 / std::max<int>(in[n], 1), 65535);
+                 out[n] = static_cast<uint8_t>(r >> 8), out[N + n] = static_cast<uint8_t>(r & 255);
+             }
+         }},
+        {"move_pixels_3_reversed", moves(3, [](int, int n) { return n / 3 * 3 + 2 - n % 3; })},
+        {"move_pixels_4_to_3", moves(3, [](int, int n) { return n / 3 * 4 + 2 - n % 3; })},
+        {"move_pixels_3_to_4",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int n = 0; n < 4 * N; n++) out[n] = n % 4 == 0 ? 255 : in[n / 4 * 3 + n % 4 - 1];
+         }},
+        {"shift_right_insert_3", on_bytes([](int kept, int in) { return (kept & 224) | (in >> 3); })},
+        {"shift_right_insert_5", on_bytes([](int kept, int in) { return (kept & 248) | (in >> 5); })},
+        {"pack_pixels_565",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int i = 0; i < N; i++) put16(out, i, (in[3 * i] >> 3) << 11 | (in[3 * i + 1] >> 2) << 5 | in[3 * i + 2] >> 3);
+         }},
+        {"pack_pixels_565_reversed",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int i = 0; i < N; i++) put16(out, i, (in[3 * i + 2] >> 3) << 11 | (in[3 * i + 1] >> 2) << 5 | in[3 * i] >> 3);
+         }},
+        {"copy_four", moves(4, [](int, int n) { return n; })},
+        {"store_yuyv", moves(4, [](int N, int n) { return n % 2 == 0 ? n / 2 : (n % 4 == 1 ? 2 * N : 3 * N) + n / 4; })},
+        {"load_parts", moves(1, [](int, int n) { return n / 16 * 24 + n % 16; })},
+        {"zip_parts_low", moves(1, [](int N, int n) { return n / 16 * 16 + n % 16 / 2 + n % 2 * N; })},
+        {"zip_parts_high", moves(1, [](int N, int n) { return n / 16 * 16 + 8 + n % 16 / 2 + n % 2 * N; })},
+        {"zip_pair_parts_low", moves(1, [](int N, int n) { return n / 16 * 16 + n % 16 / 4 * 2 + n % 2 + n % 4 / 2 * N; })},
+        {"zip_pair_parts_high", moves(1, [](int N, int n) { return n / 16 * 16 + 8 + n % 16 / 4 * 2 + n % 2 + n % 4 / 2 * N; })},
+        {"reverse_bytes", moves(1, [](int N, int n) { return N - 1 - n; })},
+        {"reverse_pairs", moves(1, [](int N, int n) { return (N - 1 - n) ^ 1; })},
+        {"store_square_means",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int n = 0; n < N; n++) {
+                 const uint8_t *upper = in + n / 2 * 4 + n % 2, *lower = upper + 2 * N;
+                 out[n] = static_cast<uint8_t>((upper[0] + upper[2] + lower[0] + lower[2] + 2) >> 2);
+             }
+         }},
+        {"store2_pairs", moves(2, [](int N, int n) { return n / 4 * 2 + n % 2 + n % 4 / 2 * N; })},
+        {"luma_q6_3", per_byte([](const uint8_t* in, int, int n) { return luma_short(pixel(in, 3, n)); })},
+        {"luma_q6_4", per_byte([](const uint8_t* in, int, int n) { return luma_short_reversed(pixel(in, 4, n)); })},
+        {"luma_q6_shared", per_byte([](const uint8_t* in, int, int n) {
+             Rgb p = pixel(in, 4, n);
+             p.c2 = pixel(in, 4, n & ~8).c2;
+             return luma_short(p);
+         })},
+        {"luma_q15", per_byte([](const uint8_t* in, int, int n) { return luma_fine(pixel(in, 3, n)); })},
+        {"scaled_differences",
+         per_byte([](const uint8_t* in, int, int n) { return int{chroma_short(pixel(in, 3, n & ~1), n & 1)}; })},
+        {"rounded_differences", per_byte([](const uint8_t* in, int N, int n) {
+             return int{chroma_rounded(pixel(in, 3, n % (N / 2) * 2), n >= N / 2)};
+         })},
+        {"fractional_differences",
+         per_byte([](const uint8_t* in, int, int n) { return int{chroma_fractional(pixel(in, 3, n & ~1), !(n & 1))}; })},
+        {"packed_luma_first",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int n = 0; n < N; n++) {
+                 out[2 * n] = static_cast<uint8_t>(luma_short(pixel(in, 4, n)));
+                 out[2 * n + 1] = chroma_short(pixel(in, 4, n & ~1), n & 1);
+             }
+         }},
+        {"packed_chroma_first",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int n = 0; n < N; n++) {
+                 out[2 * n + 1] = static_cast<uint8_t>(luma_short(pixel(in, 4, n)));
+                 out[2 * n] = chroma_short(pixel(in, 4, n & ~1), n & 1);
+             }
+         }},
+        {"luma_f32", per_byte([](const uint8_t* in, int, int n) {
+             const uint8_t* p = in + 4 * n;
+             return weigh_f32(p[0], p[1], p[2], 0.299f, 0.587f, 0.114f);
+         })},
+        {"chroma_pairs_f32", per_byte([](const uint8_t* in, int, int n) {
+             const uint8_t* p = in + 4 * (n & ~1);
+             return 128 + (n & 1 ? weigh_f32(p[2], p[1], p[0], -0.1678f, -0.3313f, 0.5f)
+                                 : weigh_f32(p[2], p[1], p[0], 0.5f, -0.4187f, -0.0813f));
+         })},
         {"store_pixels3",
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int i = 0; i < N; i++)

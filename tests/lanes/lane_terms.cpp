@@ -1,6 +1,7 @@
 #include "lanes/lane_terms.h"
 
-#include "core/lanes.h"
+#include "core/kernel.h"
+#include "core/lanes_rgb.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
@@ -70,11 +71,106 @@ ZIV_INLINE S16<N> term_in_range(U8<N> v) {
     const S16<N> size = lane_min((S16<N>)even_bytes<N>(v), S16<N>{} + (int16_t)254);
     return ((U16<N>)v & 0x100) != 0 ? -size : size;
 }
+template <int N>
+ZIV_INLINE S16<N> arranged_term(U8<N> v) {
+    return term_in_range<N>(arrange_pairs<N>(v));
+}
 TERM(store_pixels3,
-     { store_pixels<N>(out, v.d, pixel_terms<N>(term_in_range<N>(v.a), term_in_range<N>(v.b), term_in_range<N>(v.c))); })
+     { store_pixels<N>(out, v.d, pixel_terms<N>(arranged_term<N>(v.a), arranged_term<N>(v.b), arranged_term<N>(v.c))); })
 TERM(store_pixels4, {
     store_pixels<N>(out, v.d,
-                    pixel_terms<N>(term_in_range<N>(v.a), term_in_range<N>(v.b), term_in_range<N>(v.c), in[4 * N - 1]));
+                    pixel_terms<N>(arranged_term<N>(v.a), arranged_term<N>(v.b), arranged_term<N>(v.c), in[4 * N - 1]));
+})
+TERM(double_arranged, { store(out, double_arranged<N>(even_bytes<N>(arrange_pairs<N>(v.a)))); })
+TERM(load_arranged, { store(out, double_arranged<N>(load_arranged<N>(in))); })
+TERM(multiply_q15, { store(out, multiply_q15<N>((S16<N>)v.a, -11277)); })
+TERM(any_zero, { out[0] = any_zero<N>((U16<N>)v.a); })
+TERM(load_but_last, { store(out, load_but_last<N>(in)); })
+TERM(swap_pairs, { store(out, swap_pairs<N>(v.a)); })
+TERM(even_pairs, { store(out, even_pairs<N>(v.a, v.b)); })
+TERM(packed_chroma, { store_packed<N>(out, v.b, packed_chroma<N>(v.a)); })
+TERM(select, { store(out, select((U8<N>)(v.a > v.b), v.c, v.d)); })
+TERM(multiply_high_unsigned, { store(out, multiply_high_unsigned<N>((U16<N>)v.a, (U16<N>)v.b)); })
+// Seen through narrow(): the upper bytes, and a difference of at most 255 around 0.
+TERM(widen_joined, {
+    const Wide<N> joined = widen_joined<N>(v.a, v.b);
+    store(out, narrow<N>(Wide<N>{joined.lo >> 8, joined.hi >> 8}));
+    store(out + N, narrow<N>(Wide<N>{joined.lo & 0xFF, joined.hi & 0xFF}));
+})
+TERM(widen_difference, {
+    const Wide<N> difference = widen_difference<N>(v.a, v.b, 42);
+    store(out, narrow<N>(Wide<N>{(U16<N>)((S16<N>)difference.lo >> 5), (U16<N>)((S16<N>)difference.hi >> 5)}));
+})
+TERM(reciprocals, {
+    const Wide<N> r = reciprocals<N>(v.a | (U8<N>)((U8<N>)(v.a == 0) & 1));
+    store(out, narrow<N>(Wide<N>{r.lo >> 8, r.hi >> 8}));
+    store(out + N, narrow<N>(Wide<N>{r.lo & 0xFF, r.hi & 0xFF}));
+})
+TERM(move_pixels_3_reversed, { move_pixels<N, 3, 2, 1, 0>(out, in); })
+TERM(move_pixels_4_to_3, { move_pixels<N, 4, 2, 1, 0>(out, in); })
+TERM(move_pixels_3_to_4, { move_pixels<N, 3, ones, 0, 1, 2>(out, in); })
+TERM(shift_right_insert_3, { store(out, shift_right_insert<3>(v.a, v.b)); })
+TERM(shift_right_insert_5, { store(out, shift_right_insert<5>(v.a, v.b)); })
+TERM(pack_pixels_565, { pack_pixels_565<N, 0, 2>(out, in); })
+TERM(pack_pixels_565_reversed, { pack_pixels_565<N, 2, 0>(out, in); })
+TERM(copy_four, { copy_four<N>(out, in); })
+TERM(store_yuyv, { store_yuyv<N>(out, in, in + 2 * N, in + 3 * N); })
+TERM(load_parts, { store(out, load_parts<N>(in, 24)); })
+TERM(zip_parts_low, { store(out, zip_parts_low<N>(v.a, v.b)); })
+TERM(zip_parts_high, { store(out, zip_parts_high<N>(v.a, v.b)); })
+TERM(zip_pair_parts_low, { store(out, zip_pair_parts_low<N>(v.a, v.b)); })
+TERM(zip_pair_parts_high, { store(out, zip_pair_parts_high<N>(v.a, v.b)); })
+TERM(reverse_bytes, { store(out, reverse_bytes<N>(v.a)); })
+TERM(reverse_pairs, { store(out, reverse_pairs<N>(v.a)); })
+TERM(store_square_means, { store_square_means<N>(out, in, in + 2 * N); })
+TERM(store2_pairs, { store2_pairs<N>(out, v.a, v.b); })
+
+// ---- Terms over N columns of RGB ----
+
+#define COLUMN_TERM(name, ...)                          \
+    template <int N>                                    \
+    void term_##name(const uint8_t* in, uint8_t* out) { \
+        __VA_ARGS__                                     \
+    }
+
+COLUMN_TERM(luma_q6_3, { store_luma(out, luma_q6<Weights{19, 38, 7}, own_bytes>(load_pixels<N, 3>(in))); })
+COLUMN_TERM(luma_q6_4, { store_luma(out, luma_q6<Weights{7, 38, 19}, own_bytes>(load_pixels<N, 4>(in))); })
+COLUMN_TERM(luma_q6_shared, { store_luma(out, luma_q6<Weights{19, 38, 7}, 2>(load_pixels<N, 4>(in))); })
+COLUMN_TERM(luma_q15, { store_luma(out, luma_q15<Weights{3736, 19235, 9798}>(load_pixels<N, 3>(in)).rounded); })
+// Bytes 0 and 2 of the even columns against luma: scaled, rounded, fractional.
+COLUMN_TERM(scaled_differences, {
+    const Pixels<N, 3> pixels = load_pixels<N, 3>(in);
+    const OuterBytes<N> even = even_outer_bytes(pixels);
+    const Samples<N> y = even_columns(luma_q6<Weights{19, 38, 7}, own_bytes>(pixels));
+    store_pairs(out, scaled_difference<9, 4, 228>(even.c2, y), scaled_difference<91, 7, 180>(even.c0, y));
+})
+COLUMN_TERM(rounded_differences, {
+    const Pixels<N, 3> pixels = load_pixels<N, 3>(in);
+    const OuterBytes<N> even = even_outer_bytes(pixels);
+    const Samples<N> y = even_columns(luma_q15<Weights{3736, 19235, 9798}>(pixels).rounded);
+    store_planes(out, out + N / 2, rounded_difference_q15<18492>(even.c0, y), rounded_difference_q15<23372>(even.c2, y));
+})
+COLUMN_TERM(fractional_differences, {
+    const Pixels<N, 3> pixels = load_pixels<N, 3>(in);
+    const OuterBytes<N> even = even_outer_bytes(pixels);
+    const LumaQ15<N> y = luma_q15<Weights{3736, 19235, 9798}>(pixels);
+    store_pairs(out, fractional_difference_q15<23372>(even.c2, y.even_q7),
+                fractional_difference_q15<18492>(even.c0, y.even_q7));
+})
+template <bool luma_first, int N>
+void packed_term(const uint8_t* in, uint8_t* out) {
+    const Pixels<N, 4> pixels = load_pixels<N, 4>(in);
+    const OuterBytes<N> even = even_outer_bytes(pixels);
+    const Luma<N> luma = luma_q6<Weights{19, 38, 7}, own_bytes>(pixels);
+    const Samples<N> y = even_columns(luma);
+    store_packed<luma_first>(out, luma, scaled_difference<9, 4, 228>(even.c2, y), scaled_difference<91, 7, 180>(even.c0, y));
+}
+COLUMN_TERM(packed_luma_first, { packed_term<true, N>(in, out); })
+COLUMN_TERM(packed_chroma_first, { packed_term<false, N>(in, out); })
+// Binary32 stands on whole vectors only.
+TERM(luma_f32, { store(out, luma_f32<0>(load_pixels<N, 4>(in), {0.299f, 0.587f, 0.114f}).bytes); })
+TERM(chroma_pairs_f32, {
+    store(out, chroma_pairs_f32<2>(load_pixels<N, 4>(in), {0.5f, -0.4187f, -0.0813f}, {-0.1678f, -0.3313f, 0.5f}));
 })
 
 #define ROW(name, N) {#name, N, term_##name<N>},
@@ -85,13 +181,30 @@ TERM(store_pixels4, {
 #else
 #define ROWS(name) ROW(name, 16)
 #endif
+#if defined(ZIVCOLOR_TARGET_neon)
+#define COLUMN_ROWS(name) ROW(name, 32) ROW(name, 16)
+#else
+#define COLUMN_ROWS(name) ROWS(name)
+#endif
 
 static constexpr harness::LaneTerm rows[] = {
+    // clang-format off
     ROWS(load_widened) ROWS(store_low_bytes) ROWS(load2) ROWS(load3) ROWS(load4) ROWS(store2) ROWS(store3) ROWS(store4)
-        ROWS(add_saturating) ROWS(subtract_saturating) ROWS(average_up) ROWS(lane_min_u8) ROWS(lane_max_u8) ROWS(lane_min_s16)
-            ROWS(lane_max_s16) ROWS(even_bytes) ROWS(odd_bytes) ROWS(merge_bytes) ROWS(double_bytes) ROWS(even_lanes)
-                ROWS(odd_lanes) ROWS(interleave_low) ROWS(interleave_high) ROWS(narrow_saturating) ROWS(widen_add_narrow)
-                    ROWS(multiply_round_high) ROWS(multiply_high) ROWS(weigh_pair_q15) ROWS(store_pixels3) ROWS(store_pixels4)};
+    ROWS(add_saturating) ROWS(subtract_saturating) ROWS(average_up) ROWS(lane_min_u8) ROWS(lane_max_u8) ROWS(lane_min_s16)
+    ROWS(lane_max_s16) ROWS(even_bytes) ROWS(odd_bytes) ROWS(merge_bytes) ROWS(double_bytes) ROWS(even_lanes)
+    ROWS(odd_lanes) ROWS(interleave_low) ROWS(interleave_high) ROWS(narrow_saturating) ROWS(widen_add_narrow)
+    ROWS(multiply_round_high) ROWS(multiply_high) ROWS(weigh_pair_q15) ROWS(store_pixels3) ROWS(store_pixels4)
+    ROWS(double_arranged) ROWS(load_arranged) ROWS(multiply_q15) ROWS(any_zero) ROWS(load_but_last) ROWS(swap_pairs)
+    ROWS(even_pairs) ROWS(packed_chroma) ROWS(select) ROWS(multiply_high_unsigned) ROWS(widen_joined) ROWS(widen_difference)
+    ROWS(reciprocals) ROWS(move_pixels_3_reversed) ROWS(move_pixels_4_to_3) ROWS(move_pixels_3_to_4)
+    ROWS(shift_right_insert_3) ROWS(shift_right_insert_5) ROWS(pack_pixels_565) ROWS(pack_pixels_565_reversed)
+    ROWS(copy_four) ROWS(store_yuyv) ROWS(load_parts) ROWS(zip_parts_low) ROWS(zip_parts_high) ROWS(zip_pair_parts_low)
+    ROWS(zip_pair_parts_high) ROW(reverse_bytes, 16) ROW(reverse_pairs, 16) ROWS(store_square_means) ROW(store2_pairs, 16)
+    COLUMN_ROWS(luma_q6_3) COLUMN_ROWS(luma_q6_4) COLUMN_ROWS(luma_q6_shared) COLUMN_ROWS(luma_q15)
+    COLUMN_ROWS(scaled_differences) COLUMN_ROWS(rounded_differences) COLUMN_ROWS(fractional_differences)
+    COLUMN_ROWS(packed_luma_first) COLUMN_ROWS(packed_chroma_first) ROWS(luma_f32) ROWS(chroma_pairs_f32)
+    // clang-format on
+};
 
 extern const harness::LaneTerms lane_terms;
 const harness::LaneTerms lane_terms = {rows, sizeof rows / sizeof *rows};
