@@ -311,41 +311,173 @@ ZIVCOLOR_API int32_t zivColorRGBA8888toLPI422Hu8(const __tag_KOBR_OFFSCREEN* src
 
 /* ---- YUV to YUV ------------------------------------------------------------------------------------------------------ */
 
+/* 4:2:0 between plane arrangements. Samples are moved, none is computed: luma is copied, chroma is merged, split or swapped.
+ * W and H are the destination's width and height; they alone drive the walk. A row lies at plane[k] + r * pitch[k].
+ * The first four walk pairs of rows and of columns: blocks of 16 columns (NV12 to NV21: none), then pairs while two columns are
+ * left. An odd last row or column is neither read nor written; no byte past the even part is touched. A tail differs from a
+ * block in nothing but its width.
+ *   zivStatus_NullPointer   srcImg or dstImg (pSrc or pDst) is null; tested first
+ *   zivStatus_BadArgument   a format code is another one, or a width or height that is tested is below 2 */
+
+/* Y; U; V to Y; pairs V U. Formats and all four sizes are tested. */
 ZIVCOLOR_API int32_t zivColorI420toNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* Y; pairs V U to Y; U; V. Formats, destination sizes and source height are tested; the source's width is not. */
 ZIVCOLOR_API int32_t zivColorNV21toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* Y; pairs U V to Y; U; V. Formats and all four sizes are tested. */
 ZIVCOLOR_API int32_t zivColorNV12toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* Y; pairs U V to Y; pairs V U. Formats and all four sizes are tested. Works in place. */
 ZIVCOLOR_API int32_t zivColorNV12toNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* Y; V; U to Y; pairs V U: each pair takes plane[1] first, then plane[2]. No format code is tested, and of the sizes only the
+ * destination's. Row by row, every one of H rows: an odd H carries its last chroma row too, (H + 1) / 2 in all. Blocks of 16
+ * columns while they fit, then pairs while a column is left: with an odd W one luma byte past W is read and written in each
+ * row, and in the even rows a chroma pair for the half-covered column.
+ * Destination chroma rows step by the destination's pitch[0]; its pitch[1] is not read. */
 ZIVCOLOR_API int32_t zivColorYV12toNV21u8_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* The same on two tight buffers: Y of width * height bytes, V and U of a quarter of that (rounded down) to Y and pairs V U.
+ * With an odd width every luma row and every row of pairs is a byte longer than the image's, so the rows that follow begin a
+ * byte later, in source and destination; the source's chroma rows stay width / 2 (rounded down) apart, and a row reads one
+ * sample past that. width and height must be 2 or more. */
 ZIVCOLOR_API int32_t zivColorYV12toNV21u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height);
+
+/* 4:2:0 to packed Y0 U Y1 V. A chroma row serves two rows of the destination, whose W and H drive the walk. Blocks of 16
+ * columns while they fit, then pairs of columns. Formats and all four sizes are tested.
+ *   zivStatus_NullPointer   srcImg or dstImg is null; tested first
+ *   zivStatus_BadArgument   a format code is another one, or a width or height is below 2 */
+
+/* From Y; pairs U V, two rows at a time. An odd H reads a luma row past the image and writes a destination row past it; an odd
+ * W reads and writes one pixel past the end of each row. Where that falls on the start of the next row of the pair, the later
+ * store stays: column by column over both rows, upper row first. Source chroma rows step by the source's pitch[0]; its
+ * pitch[1] is not read. */
 ZIVCOLOR_API int32_t zivColorNV12toYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* From Y; pairs V U, row by row: an odd H is exact; an odd W reads and writes one pixel past the end of each row. Source chroma
+ * rows step by the source's pitch[0]; its pitch[1] is not read. */
 ZIVCOLOR_API int32_t zivColorNV21toYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* From Y; U; V, two rows at a time, every plane by its own pitch. An odd last row or column stays unwritten. */
 ZIVCOLOR_API int32_t zivColorI420toYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Packed Y0 U Y1 V to 4:2:0. The chroma of the even rows stays, that of the odd rows is dropped. W and H are the destination's.
+ *   zivStatus_NullPointer   srcImg or dstImg (pSrc, pDst, yuvSrc, yuvDst) is null; tested first
+ *   zivStatus_BadArgument   a format code that is tested is another one, or a size that is tested is below 2 */
+
+/* To Y; pairs V U, row by row: an odd H writes (H + 1) / 2 chroma rows. Blocks of 8 columns while they fit, then pairs while a
+ * column is left: an odd W reads one pixel past the row, and writes one luma byte past W and a whole chroma pair. No format
+ * code is tested, and of the sizes only the destination's. */
 ZIVCOLOR_API int32_t zivColorYUYVtoNV21u8_v2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To Y; pairs U V, likewise by blocks of 16 columns while more than 16 are left. Formats and all four sizes are tested. */
 ZIVCOLOR_API int32_t zivColorYUYVtoNV12u8_v2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To Y; U; V, two rows at a time, an odd H rounded up. The lower luma row of a pair is written W bytes, not one pitch, below
+ * the upper one. Blocks of 16 columns while more than 16 are left; then one step for each of the n = 1 to 16 columns left over,
+ * of two columns each: both rows are read and written n columns past W, and U and V get n samples past those of the blocks.
+ * What runs over stays where no later step of the walk writes: column by column; upper luma, lower luma, U, V in each step.
+ * No format code is tested, and of the sizes only the destination's. */
 ZIVCOLOR_API int32_t zivColorYUYVtoI420u8_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* The three on two tight buffers of lWidth * lHeight pixels: Y, then the chroma at lWidth * lHeight, V of I420 a quarter of
+ * that further on. Sizes below 2 are refused. They walk by running pointers, so an odd width shows:
+ *   NV21  whole pairs, a column past the width in every row: each next row begins a column later, in source and destination
+ *   NV12  single columns, exact: the last pair of each chroma row has no V
+ *   I420  the last column is not written; a pass of two rows begins a column earlier than the one before should end, U and V
+ *         rows are width / 2 (rounded down) bytes; an odd last row is not written */
 ZIVCOLOR_API int32_t zivColorYUYVtoNV21u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth, int32_t lHeight);
 ZIVCOLOR_API int32_t zivColorYUYVtoNV12u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth, int32_t lHeight);
 ZIVCOLOR_API int32_t zivColorYUYVtoI420u8(const uint8_t* yuvSrc, uint8_t* yuvDst, int32_t width, int32_t height);
+
+/* Planar 4:2:2, chroma halved horizontally. Samples are moved, none is computed. W and H are the destination's. Row by row,
+ * each plane of the source by its own pitch: blocks of 16 columns while they fit, then pairs while two columns are left; an
+ * odd last column stays unwritten. To 4:2:0, the chroma of the even rows stays and that of the odd rows is dropped; an odd
+ * H has (H + 1) / 2 chroma rows. Formats, destination sizes and the source's height are tested; the source's width is not.
+ *   zivStatus_NullPointer   srcImg or dstImg is null; tested first
+ *   zivStatus_BadArgument   a format code is another one, or a size that is tested is below 2 */
+
+/* To Y; U; V, every plane by its own pitch. */
 ZIVCOLOR_API int32_t zivColorI422HtoI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To Y; pairs V U. Destination chroma rows step by its pitch[0]; its pitch[1] is not read. */
 ZIVCOLOR_API int32_t zivColorI422HtoNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To Y; pairs U V. The chroma of row i, which is even, goes to plane[1] + i * pitch[1], not i / 2: chroma rows stand two
+ * pitches apart. For a plain NV12 image, give half its chroma pitch. */
 ZIVCOLOR_API int32_t zivColorI422HtoNV12u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To packed Y0 U Y1 V, every row with its own chroma. */
 ZIVCOLOR_API int32_t zivColorI422HtoYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To Y; pairs U V with a chroma row for each row, both by their pitches. */
 ZIVCOLOR_API int32_t zivColorI422HtoLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Planar, chroma halved vertically. Samples are moved, none is computed; the chroma of the even columns stays and that of
+ * the odd columns is dropped, whatever the destination. W and H are the destination's. Rows go in pairs while two are left:
+ * an odd last row stays unwritten. Blocks of 16 columns while they fit, then pairs. Luma steps by pitch[0] on both sides;
+ * the source's chroma planes are one run each, their pitches are not read: rows of W samples, but of W - 1 with an odd W (W
+ * + 1 to I420). Tests and statuses as above. */
+
+/* To Y; U; V. Pairs while one column is left: an odd W reads and writes one luma byte past each row, and a chroma sample
+ * for the half-covered column. Destination chroma rows follow each other; its pitch[1] and pitch[2] are not read. */
 ZIVCOLOR_API int32_t zivColorI422VtoI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To Y; pairs V U, and Y; pairs U V. An odd last column stays unwritten. Destination chroma rows follow each other; its
+ * pitch[1] is not read. */
 ZIVCOLOR_API int32_t zivColorI422VtoNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorI422VtoNV12u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To packed Y0 U Y1 V. Both rows of a pair take the same chroma. An odd last column stays unwritten. */
 ZIVCOLOR_API int32_t zivColorI422VtoYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To Y; pairs U V with a chroma row for each row, by pitch[0] and pitch[1]. Otherwise as to YUYV. */
 ZIVCOLOR_API int32_t zivColorI422VtoLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Planar 4:4:4 downward. The chroma of the even columns stays and that of the odd columns is dropped; but for LPI422H, that of
+ * the odd rows too. W and H are the destination's; whole pairs of rows and columns are converted, so an odd last row or column
+ * stays unwritten, and chroma behind the last even column is not read. There are no blocks. Formats, destination sizes and the
+ * source's height are tested; the source's width is not.
+ * After a pair of rows each source chroma pointer moves on by W rounded down to even plus its pitch[1] or pitch[2]: two rows
+ * only where the pitch is W and W is even, so chroma planes must be tight. Luma steps by pitch[0] on both sides.
+ *   zivStatus_NullPointer   srcImg or dstImg is null; tested first
+ *   zivStatus_BadArgument   a format code is another one, or a size that is tested is below 2 */
+
+/* To Y; U; V. Destination chroma rows of W / 2 bytes follow each other; its pitch[1] and pitch[2] are not read. */
 ZIVCOLOR_API int32_t zivColorI444toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To Y; pairs V U, and Y; pairs U V. Destination chroma rows follow each other; its pitch[1] is not read. */
 ZIVCOLOR_API int32_t zivColorI444toNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorI444toNV12u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To packed Y0 U Y1 V. Both rows of a pair take the chroma of the upper one. */
 ZIVCOLOR_API int32_t zivColorI444toYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* To Y; pairs U V with a chroma row for each row, every one of H rows. No pitch is read: rows of W rounded down to even follow
+ * each other on both sides, so with an odd W every row begins a byte earlier than the image's. */
 ZIVCOLOR_API int32_t zivColorI444toLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Packed Y U V (3 bytes a pixel) and semi-planar Y; pairs V U. Two rows at a time, pairs of columns, W and H from the
+ * destination; odd sizes are rounded up: an odd H reads and writes a row past the image, an odd W a pixel past each row. Where
+ * that falls on the start of another row of the pair, the later store stays: column by column; upper row, lower row, chroma.
+ * Every plane steps by its own pitch. Formats and all four sizes are tested.
+ *   zivStatus_NullPointer   srcImg or dstImg is null; tested first
+ *   zivStatus_BadArgument   a format code is another one, or a width or height is below 2 */
+
+/* Keeps the chroma of even rows and columns. Blocks of 8 columns read both rows whole; the tail reads the first four bytes of a
+ * pair in the upper row and bytes 0 and 3 in the lower one. */
 ZIVCOLOR_API int32_t zivColorYUVtoNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* Repeats each chroma pair in the 2 by 2 pixels that it serves. Blocks of 16 columns. */
 ZIVCOLOR_API int32_t zivColorNV21toYUVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+
+/* Semi-planar Y; pairs V U with chroma quartered in both directions (NV41), from and to NV21. W and H are the source's;
+ * they ought to be multiples of 4. Luma is copied as one run of the destination's pitch[0] times H bytes, unless both
+ * images share plane[0]; the source's pitch[0] is not read. Chroma rows step by their own pitch[1]. Formats, destination
+ * sizes and the source's height are tested; the source's width is not.
+ *   zivStatus_NullPointer   srcImg or dstImg is null; tested first
+ *   zivStatus_BadArgument   a format code is another one, or a size that is tested is below 2 */
+
+/* Down: each sample is (a + b + c + d + 2) >> 2 over 2 by 2 samples of NV21. Blocks of 32 luma columns while they fit, then
+ * steps of 4, whose V goes on where the blocks stopped and whose U begins at the start of the row again: behind blocks, the
+ * U of the tail's own columns stays unwritten. zivColorNV21toNV41_2, which zivColorCvt takes, also clears what NV41 leaves
+ * of a chroma plane of NV21's size: pitch[1] - W / 2 bytes behind each row, and (pitch[1] * H) / 4 bytes behind the last.
+ * */
 ZIVCOLOR_API int32_t zivColorNV21toNV41(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorNV21toNV41_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* Up, first generation: ENDS THE PROCESS abnormally for every source width above 0, after its luma and a first row of V
+ * have been written. It returns only for a width of 0 or less. Use zivColorNV41toNV21_2. */
 ZIVCOLOR_API int32_t zivColorNV41toNV21(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
+/* Up. With T the sample of NV41 row r and column k, B the one above it (row 0: itself), Tn and Bn their right neighbours
+ * (at the right edge: themselves), the NV21 samples of columns 2 k and 2 k + 1 are
+ *   row 2 r       (T + B + 1) >> 1 and (T + Tn + B + Bn + 2) >> 2
+ *   row 2 r + 1   T and (T + Tn + 1) >> 1
+ * Walks from the bottom up, so that both images may be the same memory (equal pitches, H a multiple of 4). Blocks of 32
+ * luma columns while they fit, then steps of 4, whose U begins at the start of the row again, as on the way down. The top
+ * two rows pass through a work buffer of two of the source's chroma rows, all of which is copied at the end: the
+ * destination's pitch[1] must not be above the source's. With an H that is no multiple of 4 the walk runs above the start
+ * of the chroma planes.
+ *   zivStatus_OutOfMemory   no memory for the work buffer; luma has been written by then */
 ZIVCOLOR_API int32_t zivColorNV41toNV21_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
 /* ---- RGB to RGB ------------------------------------------------------------------------------------------------------ */
