@@ -58,27 +58,40 @@ ZIV_INLINE U8<N> reversed(U8<N> v) {
     else return reverse_pairs<N>(v);
 }
 
-// Byte x of the source goes to byte bytes - 1 - x of the destination; pairs keep their own order. bytes is even. The last
-// vector may go over bytes that are already written, with the same values.
+// Byte x of the source goes to byte bytes - 1 - x of the destination; pairs keep their own order. bytes is even. A vector may
+// go over bytes that are already written, with the same values.
 template <Samples samples>
 [[gnu::noinline]] inline void reverse_row(const uint8_t* src, uint8_t* dst, ptrdiff_t bytes) {
     constexpr int stride = 4 * widest;
-    ptrdiff_t done = 0;
-    for (; done + stride <= bytes; done += stride) {
-        const FourVectors<widest> in = load_four<widest>(src + done);
-        FourVectors<widest> out;
-        for (int k = 0; k < 4; k++) out.v[k] = reversed<samples, widest>(in.v[3 - k]);
-        store_four<widest>(dst + bytes - done - stride, out);
-    }
+    // The vector at byte j of the destination.
     const auto step = [&](auto size, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = size.value;
-        store(dst + bytes - j - N, reversed<samples, N>(load<N>(src + j)));
+        store(dst + j, reversed<samples, N>(load<N>(src + bytes - j - N)));
     };
-    const ptrdiff_t start = done;
-    done += for_vectors(bytes - start, [&](auto size, ptrdiff_t j) ZIV_INLINE_BODY { step(size, start + j); });
-    if (done == bytes) return;
+    ptrdiff_t j = 0;
+    if constexpr (widest > 16)
+        if (bytes >= stride) {
+            // Aligned stores from the second on, but for pairs that start at an odd address.
+            step(Step<widest>{}, 0);
+            j = (widest - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) & (widest - 1))) & ~ptrdiff_t{1};
+        }
+    for (; j + stride <= bytes; j += stride) {
+        const uint8_t* from = src + bytes - j - stride;
+        if constexpr (widest > 16)
+            for (int k = 0; k < stride; k += 64) {
+                __builtin_prefetch(from + k - 1024);
+                __builtin_prefetch(dst + j + k + 1024, 1);
+            }
+        const FourVectors<widest> in = load_four<widest>(from);
+        FourVectors<widest> out;
+        for (int k = 0; k < 4; k++) out.v[k] = reversed<samples, widest>(in.v[3 - k]);
+        store_four<widest>(dst + j, out);
+    }
+    const ptrdiff_t start = j;
+    j += for_vectors(bytes - start, [&](auto size, ptrdiff_t k) ZIV_INLINE_BODY { step(size, start + k); });
+    if (j == bytes) return;
     if (bytes >= 16) return step(Step<16>{}, bytes - 16);
-    for (ptrdiff_t j = 0; j < bytes; j += 2) {
+    for (j = 0; j < bytes; j += 2) {
         dst[bytes - 2 - j] = src[j + (samples == Samples::bytes)];
         dst[bytes - 1 - j] = src[j + (samples == Samples::pairs)];
     }

@@ -79,23 +79,36 @@ ZIV_INLINE Transposition part_at(const Transposition& t, ptrdiff_t x, ptrdiff_t 
     return {t.src + y / sample * t.src_pitch + x, t.src_pitch, t.dst + x / sample * t.dst_pitch + y, t.dst_pitch};
 }
 
-// Strips of source columns as wide as a cache line, each walked down all rows, so that a line of either side is finished while
-// it is at hand. The last tiles in either direction lie over the ones before.
+// Asks for what the tiles to come will need: the next vector of each destination row, and, a few rows at a time while 256 bytes
+// of every source row are worked off, the next 256 bytes of them.
+template <int N, int sample>
+ZIV_INLINE void prefetch_around_tile(const Transposition& tile, ptrdiff_t x) {
+    constexpr ptrdiff_t group = 256, rows = 16 * N / sample / group;
+    const uint8_t* src = tile.src - x % group + group + x % group / 16 * rows * tile.src_pitch;
+    for (ptrdiff_t r = 0; r < rows; r++)
+        for (ptrdiff_t line = 0; line < group; line += 64) __builtin_prefetch(src + r * tile.src_pitch + line, 0, 2);
+    for (ptrdiff_t r = 0; r < 16 / sample; r++) __builtin_prefetch(tile.dst + r * tile.dst_pitch + N, 1);
+}
+
+// Bands of source rows, each worked off in strips of 16 bytes down the band: a strip fills long runs of few destination rows,
+// and the band's lines stay in the second-level cache until their strips are done. Rows that are a power of two apart share
+// few places in it. The last tiles in either direction lie over the ones before.
 template <int sample, int N>
-[[gnu::noinline]] inline void transpose_by_tiles(const Transposition& t, ptrdiff_t columns, ptrdiff_t rows) {
-    constexpr ptrdiff_t strip = 64;
-    for (ptrdiff_t x0 = 0; x0 < columns; x0 += strip) {
-        const ptrdiff_t x_end = x0 + strip < columns ? x0 + strip : columns;
-        for (ptrdiff_t y0 = 0; y0 < rows; y0 += N) {
-            const ptrdiff_t y = y0 + N <= rows ? y0 : rows - N;
-            Transposition tile = part_at<sample>(t, x0, y);
-            ptrdiff_t x = x0;
-            for (; x + 16 <= x_end; x += 16) {
+[[gnu::noinline]] inline void transpose_by_tiles(Transposition t, ptrdiff_t columns, ptrdiff_t rows) {
+    const ptrdiff_t band = t.src_pitch % 1024 == 0 ? 256 : 512;
+    for (ptrdiff_t y0 = 0; y0 < rows; y0 += band) {
+        const ptrdiff_t y_end = y0 + band < rows ? y0 + band : rows;
+        for (ptrdiff_t x0 = 0; x0 < columns; x0 += 16) {
+            const ptrdiff_t x = x0 + 16 <= columns ? x0 : columns - 16;
+            Transposition tile = part_at<sample>(t, x, y0);
+            ptrdiff_t y = y0;
+            for (; y + N <= y_end; y += N) {
+                if constexpr (widest > 16) prefetch_around_tile<N, sample>(tile, x);
                 transpose_tile<N, sample>(tile);
-                tile.src += 16;
-                tile.dst += 16 / sample * t.dst_pitch;
+                tile.src += N / sample * t.src_pitch;
+                tile.dst += N;
             }
-            if (x < x_end) transpose_tile<N, sample>(part_at<sample>(t, columns - 16, y));
+            if (y < y_end) transpose_tile<N, sample>(part_at<sample>(t, x, y_end - N));
         }
     }
 }
