@@ -56,8 +56,14 @@ int32_t zivColorI422HtoNV12u8(const Image* srcImg, const Image* dstImg) {
 
 // Y0 U Y1 V from two luma samples and one of each chroma plane.
 [[gnu::noinline]] inline void yuyv_row(const uint8_t* luma, const uint8_t* u, const uint8_t* v, uint8_t* dst, ptrdiff_t pairs) {
-    ptrdiff_t k = for_vectors(pairs, [&](auto step, ptrdiff_t j)
-                                         ZIV_INLINE_BODY { store_yuyv<step.value>(dst + 4 * j, luma + 2 * j, u + j, v + j); });
+    ptrdiff_t k = for_vectors(pairs, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        constexpr int N = step.value;
+        if constexpr (N > 16) {
+            for (int line = 0; line < 4 * N; line += 64) __builtin_prefetch(dst + 4 * j + 1024 + line, 1);
+            for (int line = 0; line < 2 * N; line += 64) __builtin_prefetch(luma + 2 * j + 1024 + line);
+        }
+        store_yuyv<N>(dst + 4 * j, luma + 2 * j, u + j, v + j);
+    });
     for (; k < pairs; k++) {
         const uint8_t pixels[4] = {luma[2 * k], u[k], luma[2 * k + 1], v[k]};
         __builtin_memcpy(dst + 4 * k, pixels, 4);
