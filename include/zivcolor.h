@@ -649,7 +649,8 @@ ZIVCOLOR_API void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap,
 
 /* Starts a context: a worker for each CPU that the calling thread may run on, 8 at most, fewer if the system grants no more
  * threads. Cores and bands stay fixed for the life of the context.
- *   hMemMgr   where the context's record comes from; null is the C heap
+ *   hMemMgr   where the context's record comes from; null is the C heap, else the address of a record of three pointers:
+ *             void* (*allocate)(void* user, int64_t size), void (*release)(void* user, void* pointer), void* user
  * Returns the context's handle, or null if there is no worker or no memory for the record; in the latter case the workers
  * stay behind. */
 ZIVCOLOR_API void* zivColorCvtInit_MultiThreads(void* hMemMgr);
