@@ -246,7 +246,8 @@ ZIV_INLINE FourVectors<16> load_four<16>(const uint8_t* p) {
 }
 template <>
 ZIV_INLINE void store_four<16>(uint8_t* p, const FourVectors<16>& four) {
-    vst1q_u8_x4(p, {{(uint8x16_t)four.v[0], (uint8x16_t)four.v[1], (uint8x16_t)four.v[2], (uint8x16_t)four.v[3]}});
+    const uint8x16x4_t q = {{(uint8x16_t)four.v[0], (uint8x16_t)four.v[1], (uint8x16_t)four.v[2], (uint8x16_t)four.v[3]}};
+    vst1q_u8_x4(p, q);
 }
 template <>
 ZIV_INLINE void copy_four<16>(uint8_t* dst, const uint8_t* src) {
