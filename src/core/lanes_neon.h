@@ -256,7 +256,8 @@ ZIV_INLINE void copy_four<16>(uint8_t* dst, const uint8_t* src) {
 template <>
 ZIV_INLINE void store_yuyv<16>(uint8_t* p, const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
     const uint8x16x2_t y = vld2q_u8(luma);
-    vst4q_u8(p, {{y.val[0], vld1q_u8(u), y.val[1], vld1q_u8(v)}});
+    const uint8x16x4_t q = {{y.val[0], vld1q_u8(u), y.val[1], vld1q_u8(v)}};
+    vst4q_u8(p, q);
 }
 
 // One table for four vectors, where rev64 and ext are two instructions each.

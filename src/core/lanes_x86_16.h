@@ -349,9 +349,12 @@ struct MoveSource {
         for (int n = R * k; n < R * (k + 1); n++) r = byte(n) > r ? byte(n) : r;
         return r;
     }
-    static constexpr int first = least() < in * pixels - R ? least() : in * pixels - R;
-    static constexpr bool two = most() - first >= R;
-    static constexpr int second = two ? most() - R + 1 : first;
+    static constexpr bool two = most() - least() >= R;
+    // Two whole vectors side by side where they hold all of it: the registers beside this one load them as well.
+    static constexpr bool side_by_side = two && most() / R - least() / R == 1;
+    static constexpr int latest = in * pixels - R;
+    static constexpr int first = side_by_side ? least() / R * R : least() < latest ? least() : latest;
+    static constexpr int second = side_by_side ? first + R : two ? most() - R + 1 : first;
     static constexpr bool is_one(int n) { return byte(R * k + n) == ones; }
     static constexpr bool in_first(int n) { return !is_one(n) && byte(R * k + n) - first < R; }
     static constexpr bool in_second(int n) { return !is_one(n) && !in_first(n); }

@@ -321,24 +321,54 @@ ZIV_INLINE __m256i ones_masks() {
 
 template <int in, int... from>
 struct PixelMove<32, in, from...> {
+    template <int low, int high>
+    ZIV_INLINE static __m256i load_parts(const uint8_t* src) {
+        return high == low + 16 ? load256(src + low) : load_halves(src + low, src + high);
+    }
     template <int k>
     ZIV_INLINE static __m256i moved(const uint8_t* src) {
         using Low = MoveSource<32, 16, 2 * k, in, from...>;
         using High = MoveSource<32, 16, 2 * k + 1, in, from...>;
-        __m256i r = _mm256_shuffle_epi8(load_halves(src + Low::first, src + High::first), first_masks<Low, High>());
+        __m256i r = _mm256_shuffle_epi8(load_parts<Low::first, High::first>(src), first_masks<Low, High>());
         if constexpr (Low::two || High::two)
-            r = _mm256_or_si256(
-                r, _mm256_shuffle_epi8(load_halves(src + Low::second, src + High::second), second_masks<Low, High>()));
+            r = _mm256_or_si256(r, _mm256_shuffle_epi8(load_parts<Low::second, High::second>(src), second_masks<Low, High>()));
         if constexpr (((from == ones) || ...)) r = _mm256_or_si256(r, ones_masks<Low, High>());
         return r;
     }
     ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
         constexpr int out = sizeof...(from);
         const __m256i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src), r3 = moved<out - 1>(src);
+        expect_writes<32 * out>(dst);
         store256(dst, r0);
         store256(dst + 32, r1);
         store256(dst + 64, r2);
         if constexpr (out == 4) store256(dst + 96, r3);
+    }
+};
+
+// From 4 bytes to 3: eight pixels come to 24 bytes, which a permutation of 32-bit lanes puts where their parts of the three
+// stored vectors lie.
+template <int first, int second, int third>
+struct PixelMove<32, 4, first, second, third> {
+    template <int k>
+    ZIV_INLINE static __m256i placed(const uint8_t* src) {
+        const __m256i kept = both_halves(bytes128([](int n) {
+            constexpr int place[3] = {first, second, third};
+            return n < 12 ? n / 3 * 4 + place[n % 3] : 0x80;
+        }));
+        constexpr auto from = [](int lane) {
+            const int at = (lane + 8 * 3 - 6 * k) % 8;  // the lane among the 24 bytes
+            return at < 3 ? at : at < 6 ? at + 1 : 3;
+        };
+        const __m256i lanes = _mm256_setr_epi32(from(0), from(1), from(2), from(3), from(4), from(5), from(6), from(7));
+        return _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(load256(src + 32 * k), kept), lanes);
+    }
+    ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
+        const __m256i p0 = placed<0>(src), p1 = placed<1>(src), p2 = placed<2>(src), p3 = placed<3>(src);
+        expect_writes<96>(dst);
+        store256(dst, _mm256_blend_epi32(p0, p1, 0xC0));
+        store256(dst + 32, _mm256_blend_epi32(p1, p2, 0xF0));
+        store256(dst + 64, _mm256_blend_epi32(p2, p3, 0xFC));
     }
 };
 

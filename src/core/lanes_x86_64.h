@@ -387,8 +387,7 @@ struct PixelMove<64, in, from...> {
     }
     ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
         constexpr int out = sizeof...(from);
-        // A store that straddles two lines waits for both: ask for the lines of a later step now.
-        for (int k = 0; k < out; k++) __builtin_prefetch(dst + 512 + 64 * k, 1);
+        expect_writes<64 * out>(dst);
         const __m512i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src), r3 = moved<out - 1>(src);
         store512(dst, r0);
         store512(dst + 64, r1);

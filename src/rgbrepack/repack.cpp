@@ -5,12 +5,15 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
-// Calls row(source row, destination row) for every row of the destination.
-template <class Row>
+// Calls row(source, destination, pixels) for every row of the destination; rows that follow each other without a gap on both
+// sides are one run of pixels. in and out are the bytes of a pixel.
+template <int in, int out, class Row>
 ZIV_INLINE void for_rows(const Image* srcImg, const Image* dstImg, Row row) {
-    const ptrdiff_t height = dstImg->height;
-    for (ptrdiff_t i = 0; i < height; i++)
-        row(row_at(srcImg->plane[0], i, srcImg->pitch[0]), row_at(dstImg->plane[0], i, dstImg->pitch[0]));
+    const ptrdiff_t width = dstImg->width, height = dstImg->height;
+    const bool one_run = srcImg->pitch[0] == in * width && dstImg->pitch[0] == out * width;
+    const ptrdiff_t rows = one_run ? 1 : height, pixels = one_run ? width * height : width;
+    for (ptrdiff_t i = 0; i < rows; i++)
+        row(row_at(srcImg->plane[0], i, srcImg->pitch[0]), row_at(dstImg->plane[0], i, dstImg->pitch[0]), pixels);
 }
 
 // ---- Outer channels exchanged: three bytes a pixel on both sides, which may be the same memory ----
@@ -27,8 +30,7 @@ ZIV_INLINE void swap_row(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) {
 
 int32_t zivColorRGB888toBGR888u8_2(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_sizes(srcImg, dstImg, destination_1x1)) return status;
-    const ptrdiff_t width = dstImg->width;
-    for_rows(srcImg, dstImg, [&](const uint8_t* src, uint8_t* dst) { swap_row(src, dst, width); });
+    for_rows<3, 3>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) { swap_row(src, dst, pixels); });
     return zivStatus_OK;
 }
 
@@ -44,11 +46,11 @@ int32_t zivColorRGB888toBGR888u8(const uint8_t* pSrc, uint8_t* pDst, int64_t wid
 
 int32_t zivColorRGBA8888toBGR888u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_RGBA8888, zivPixFmt_BGR888, destination_1x1)) return status;
-    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
-    for_rows(srcImg, dstImg, [&](const uint8_t* src, uint8_t* dst) ZIV_INLINE_BODY {
+    for_rows<4, 3>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
+        const ptrdiff_t blocked = blocked_columns<16>(pixels);
         for_steps(blocked, [&](auto step, ptrdiff_t j)
                                ZIV_INLINE_BODY { move_pixels<step.value, 4, 2, 1, 0>(dst + 3 * j, src + 4 * j); });
-        for (ptrdiff_t j = blocked; j < width; j++) {
+        for (ptrdiff_t j = blocked; j < pixels; j++) {
             const uint8_t r = src[4 * j], g = src[4 * j + 1], b = src[4 * j + 2];
             dst[3 * j] = b, dst[3 * j + 1] = g, dst[3 * j + 2] = r;
         }
@@ -60,11 +62,11 @@ int32_t zivColorRGBA8888toBGR888u8(const Image* srcImg, const Image* dstImg) {
 template <int r, int b>
 ZIV_INLINE int32_t to_argb(const Image* srcImg, const Image* dstImg, uint32_t source) {
     if (const int32_t status = check(srcImg, dstImg, source, zivPixFmt_ARGB8888, both_1x1)) return status;
-    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
-    for_rows(srcImg, dstImg, [&](const uint8_t* src, uint8_t* dst) ZIV_INLINE_BODY {
+    for_rows<3, 4>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
+        const ptrdiff_t blocked = blocked_columns<16>(pixels);
         for_steps(blocked, [&](auto step, ptrdiff_t j)
                                ZIV_INLINE_BODY { move_pixels<step.value, 3, ones, r, 1, b>(dst + 4 * j, src + 3 * j); });
-        for (ptrdiff_t j = blocked; j < width; j++) {
+        for (ptrdiff_t j = blocked; j < pixels; j++) {
             const uint8_t red = src[3 * j + r], green = src[3 * j + 1], blue = src[3 * j + b];
             dst[4 * j] = 255, dst[4 * j + 1] = red, dst[4 * j + 2] = green, dst[4 * j + 3] = blue;
         }
@@ -86,11 +88,11 @@ int32_t zivColorRGB888toARGB8888u8(const Image* srcImg, const Image* dstImg) {
 template <int high, int low>
 ZIV_INLINE int32_t to_565(const Image* srcImg, const Image* dstImg, uint32_t source, uint32_t destination) {
     if (const int32_t status = check(srcImg, dstImg, source, destination, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
-    for_rows(srcImg, dstImg, [&](const uint8_t* src, uint8_t* dst) ZIV_INLINE_BODY {
+    for_rows<3, 2>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
+        const ptrdiff_t blocked = blocked_columns<16>(pixels);
         for_steps(blocked, [&](auto step, ptrdiff_t j)
                                ZIV_INLINE_BODY { pack_pixels_565<step.value, high, low>(dst + 2 * j, src + 3 * j); });
-        for (ptrdiff_t j = blocked; j < width; j++) {
+        for (ptrdiff_t j = blocked; j < pixels; j++) {
             const int x = src[3 * j + high], g = src[3 * j + 1], z = src[3 * j + low];
             dst[2 * j] = static_cast<uint8_t>(((g << 3) & 0xE0) | (z >> 3));
             dst[2 * j + 1] = static_cast<uint8_t>((x & 0xF8) | (g >> 5));
