@@ -442,7 +442,10 @@ ZIV_INLINE FourVectors<N> load_four(const uint8_t* p) {
 }
 template <int N>
 ZIV_INLINE void store_four(uint8_t* p, const FourVectors<N>& four) {
-    for (int k = 0; k < 4; k++) store(p + k * N, four.v[k]);
+    for (int k = 0; k < 4; k++) {
+        store(p + k * N, four.v[k]);
+        asm volatile("" ::: "memory");  // in address order, whatever the compiler's scheduler thinks of it
+    }
 }
 
 template <int N>
