@@ -125,9 +125,9 @@ ZIVCOLOR_API int32_t zivColorCvt(const __tag_KOBR_OFFSCREEN* srcImg, const __tag
  * pitch[0] and pitch[1] of the source and pitch[0] of the destination; row offsets are formed in 32 bits.
  *   NV12toBGR888, NV21toBGR888   fine set in blocks and tail
  *   NV21toRGB888                 blocks: coarse set, but 11 u >> 6 in green. Tail: coarse set, bytes B G R. It stops one pair
- * of columns early: of an even W that is no multiple of 16 it leaves the last two columns as they were, and W = 2 altogether.
- * Byte 0 is 0 if R < 0, else 255 if B > 255, else the low 8 bits of B; byte 2 is 0 if B < 0, else 255 if R > 255, else the low
- * 8 bits of R. */
+ *                                of columns early: of an even W that is no multiple of 16 it leaves the last two columns
+ *                                as they were, and W = 2 altogether. Byte 0 is 0 if R < 0, else 255 if B > 255, else the
+ *                                low 8 bits of B; byte 2 is 0 if B < 0, else 255 if R > 255, else the low 8 bits of R. */
 
 ZIVCOLOR_API int32_t zivColorNV12toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorNV21toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
