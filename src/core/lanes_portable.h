@@ -270,6 +270,22 @@ ZIV_INLINE U8<N> double_arranged(U16<N> v) {
     return double_bytes<N>(v);
 }
 
+// N pixels of packed 4:2:2, luma in the even bytes: luma as the target likes to keep it, and the arranged pairs.
+template <int N>
+struct PackedLuma {
+    U8<N> luma;
+};
+template <int N>
+struct Packed422 {
+    PackedLuma<N> luma;
+    U8<N> pairs;
+};
+template <int N>
+ZIV_INLINE Packed422<N> load_packed422(const uint8_t* p) {
+    const Channels<N, 2> v = load2<N>(p);
+    return {{v.c[0]}, arrange_pairs<N>(v.c[1])};
+}
+
 // The terms of three channels, made once for the pixels of one or two rows.
 template <int N>
 struct PixelTerms3 {
@@ -310,6 +326,16 @@ template <int N>
 ZIV_INLINE void store_pixels(uint8_t* p, U8<N> luma, const PixelTerms4<N>& terms) {
     store4<N>(p, apply_term<N>(luma, terms.colour, 0), apply_term<N>(luma, terms.colour, 1),
               apply_term<N>(luma, terms.colour, 2), terms.alpha);
+}
+
+// The same from packed luma.
+template <int N>
+ZIV_INLINE void store_pixels(uint8_t* p, PackedLuma<N> luma, const PixelTerms3<N>& terms) {
+    store_pixels<N>(p, luma.luma, terms);
+}
+template <int N>
+ZIV_INLINE void store_pixels(uint8_t* p, PackedLuma<N> luma, const PixelTerms4<N>& terms) {
+    store_pixels<N>(p, luma.luma, terms);
 }
 
 // ---- Repacking of chroma ----

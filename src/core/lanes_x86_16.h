@@ -247,13 +247,17 @@ ZIV_INLINE PixelTerms4<16> pixel_terms<16>(S16<16> d0, S16<16> d1, S16<16> d2, u
             {_mm_shuffle_epi8(down_lo, pair_mask4<0>()), _mm_shuffle_epi8(down_lo, pair_mask4<2>()),
              _mm_shuffle_epi8(down_hi, pair_mask4<0>()), _mm_shuffle_epi8(down_hi, pair_mask4<2>())}};
 }
+template <int q>
+ZIV_INLINE __m128i luma_mask4() {
+    return bytes128([](int n) { return (16 * q + n) / 4; });
+}
 template <>
 ZIV_INLINE void store_pixels<16>(uint8_t* p, U8<16> luma, const PixelTerms4<16>& t) {
-    const __m128i lo = _mm_unpacklo_epi8((__m128i)luma, (__m128i)luma), hi = _mm_unpackhi_epi8((__m128i)luma, (__m128i)luma);
-    store128(p, _mm_subs_epu8(_mm_adds_epu8(_mm_unpacklo_epi16(lo, lo), t.up[0]), t.down[0]));
-    store128(p + 16, _mm_subs_epu8(_mm_adds_epu8(_mm_unpackhi_epi16(lo, lo), t.up[1]), t.down[1]));
-    store128(p + 32, _mm_subs_epu8(_mm_adds_epu8(_mm_unpacklo_epi16(hi, hi), t.up[2]), t.down[2]));
-    store128(p + 48, _mm_subs_epu8(_mm_adds_epu8(_mm_unpackhi_epi16(hi, hi), t.up[3]), t.down[3]));
+    const __m128i y = (__m128i)luma;
+    store128(p, _mm_subs_epu8(_mm_adds_epu8(_mm_shuffle_epi8(y, luma_mask4<0>()), t.up[0]), t.down[0]));
+    store128(p + 16, _mm_subs_epu8(_mm_adds_epu8(_mm_shuffle_epi8(y, luma_mask4<1>()), t.up[1]), t.down[1]));
+    store128(p + 32, _mm_subs_epu8(_mm_adds_epu8(_mm_shuffle_epi8(y, luma_mask4<2>()), t.up[2]), t.down[2]));
+    store128(p + 48, _mm_subs_epu8(_mm_adds_epu8(_mm_shuffle_epi8(y, luma_mask4<3>()), t.up[3]), t.down[3]));
 }
 
 // ---- Repacking of chroma ----

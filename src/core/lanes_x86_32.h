@@ -121,8 +121,9 @@ ZIV_INLINE U8<32> gather3(__m256i p0, __m256i p1, __m256i p2) {
 }
 template <>
 ZIV_INLINE Channels<32, 2> load2<32>(const uint8_t* p) {
-    const U8<32> a = load<32>(p), b = load<32>(p + 32);
-    return {{even_lanes<32>(a, b), odd_lanes<32>(a, b)}};
+    const __m256i a = load_halves(p, p + 32), b = load_halves(p + 16, p + 48), low = _mm256_set1_epi16(0xFF);
+    return {{(U8<32>)_mm256_packus_epi16(_mm256_and_si256(a, low), _mm256_and_si256(b, low)),
+             (U8<32>)_mm256_packus_epi16(_mm256_srli_epi16(a, 8), _mm256_srli_epi16(b, 8))}};
 }
 template <>
 ZIV_INLINE Channels<32, 3> load3<32>(const uint8_t* p) {
@@ -224,9 +225,10 @@ ZIV_INLINE PixelTerms4<32> pixel_terms<32>(S16<32> d0, S16<32> d1, S16<32> d2, u
 template <>
 ZIV_INLINE void store_pixels<32>(uint8_t* p, U8<32> luma, const PixelTerms4<32>& t) {
     const __m256i y = (__m256i)luma;
-    const __m256i lo = _mm256_unpacklo_epi8(y, y), hi = _mm256_unpackhi_epi8(y, y);
-    const __m256i y0 = _mm256_unpacklo_epi16(lo, lo), y1 = _mm256_unpackhi_epi16(lo, lo);
-    const __m256i y2 = _mm256_unpacklo_epi16(hi, hi), y3 = _mm256_unpackhi_epi16(hi, hi);
+    const __m256i y0 = _mm256_shuffle_epi8(y, both_halves(luma_mask4<0>()));
+    const __m256i y1 = _mm256_shuffle_epi8(y, both_halves(luma_mask4<1>()));
+    const __m256i y2 = _mm256_shuffle_epi8(y, both_halves(luma_mask4<2>()));
+    const __m256i y3 = _mm256_shuffle_epi8(y, both_halves(luma_mask4<3>()));
     store_halves(p, p + 64, _mm256_subs_epu8(_mm256_adds_epu8(y0, t.up[0]), t.down[0]));
     store_halves(p + 16, p + 80, _mm256_subs_epu8(_mm256_adds_epu8(y1, t.up[1]), t.down[1]));
     store_halves(p + 32, p + 96, _mm256_subs_epu8(_mm256_adds_epu8(y2, t.up[2]), t.down[2]));

@@ -185,12 +185,16 @@ constexpr int lane_of_pair(int pair) { return pair % 16 / 4 * 8 + pair / 16 * 4 
 // Which pair a lane holds.
 constexpr int pair_in_lane(int lane) { return lane / 8 * 4 + lane % 8 / 4 * 16 + lane % 4; }
 
-// A table of byte numbers, hidden from compilers that would merge permutations into costlier ones.
+// A table of byte numbers and a mask, hidden from compilers that would merge permutations into costlier ones.
 template <class Index>
 ZIV_INLINE __m512i kept_bytes512(Index index) {
     __m512i bytes = bytes512(index);
     asm("" : "+v"(bytes));
     return bytes;
+}
+ZIV_INLINE __mmask64 kept_mask(__mmask64 mask) {
+    asm("" : "+Yk"(mask));
+    return mask;
 }
 
 template <>
@@ -203,84 +207,125 @@ ZIV_INLINE U16<64> load_arranged<64>(const uint8_t* p) {
     constexpr __mmask64 low_bytes = mask512([](int n) { return n % 2 == 0; });
     return (U16<64>)_mm512_maskz_permutexvar_epi8(low_bytes, index, _mm512_castsi256_si512(load256(p)));
 }
+// Narrowing within the 16-byte parts leaves the pairs arranged.
+template <>
+struct PackedLuma<64> {
+    __m512i first, second;
+};
+template <>
+ZIV_INLINE Packed422<64> load_packed422<64>(const uint8_t* p) {
+    const __m512i a = load512(p), b = load512(p + 64);
+    return {{a, b}, (U8<64>)_mm512_packus_epi16(_mm512_srli_epi16(a, 8), _mm512_srli_epi16(b, 8))};
+}
 template <>
 ZIV_INLINE U8<64> double_arranged<64>(U16<64> v) {
     return double_bytes<64>((U16<64>)_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), (__m512i)v));
+}
+
+// The terms of 32 pairs as bytes, 16 pairs a vector: in every 16-byte part channels 0 and 1 of four pairs, side by side, then
+// channel 2 of the part's eight pairs, of which the lower or the upper four belong. Narrowing with saturation splits a term
+// into max(d, 0) and, of -d, max(-d, 0).
+struct SplitTerms64 {
+    __m512i up[2], down[2];
+};
+ZIV_INLINE SplitTerms64 split_terms(S16<64> d0, S16<64> d1, S16<64> d2) {
+    const S16<64> lo = (S16<64>)_mm512_unpacklo_epi16((__m512i)d0, (__m512i)d1);
+    const S16<64> hi = (S16<64>)_mm512_unpackhi_epi16((__m512i)d0, (__m512i)d1);
+    return {{_mm512_packus_epi16((__m512i)lo, (__m512i)d2), _mm512_packus_epi16((__m512i)hi, (__m512i)d2)},
+            {_mm512_packus_epi16((__m512i)-lo, (__m512i)-d2), _mm512_packus_epi16((__m512i)-hi, (__m512i)-d2)}};
+}
+// Where a term stands in the vector of its 16 pairs.
+constexpr int byte_of_term(int pair, int channel) {
+    return pair % 16 / 4 * 16 + (channel == 2 ? 8 + pair / 16 * 4 + pair % 4 : pair % 4 * 2 + channel);
 }
 
 template <>
 struct PixelTerms3<64> {
     __m512i up[3], down[3];
 };
-// Register k of the stored pixels: channels 0 and 1 from the lower and the upper halves of the 16-byte parts of t01, channel 2
-// from the halves `half` of t2.
-template <int k, int half>
-ZIV_INLINE __m512i place_terms3(__m512i t01, __m512i t2) {
-    const __m512i index = kept_bytes512([](int n) {
-        const int channel = (64 * k + n) % 3, lane = lane_of_pair((64 * k + n) / 6);
-        return lane / 8 * 16 + (channel == 2 ? half : channel) * 8 + lane % 8;
-    });
-    constexpr __mmask64 channel2 = mask512([](int n) { return (64 * k + n) % 3 == 2; });
-    return _mm512_mask_permutexvar_epi8(_mm512_permutexvar_epi8(index, t01), channel2, index, t2);
+// Register k of the stored pixels: the first from the first 16 pairs, the last from the others, the middle one from both.
+template <int k>
+ZIV_INLINE __m512i place_terms3(const __m512i (&terms)[2]) {
+    const __m512i index = kept_bytes512([](int n) { return byte_of_term((64 * k + n) / 6, (64 * k + n) % 3); });
+    const __m512i r = _mm512_permutexvar_epi8(index, terms[k / 2]);
+    return k == 1 ? _mm512_mask_permutexvar_epi8(r, mask512([](int n) { return (64 * k + n) / 6 >= 16; }), index, terms[1]) : r;
 }
 template <>
 ZIV_INLINE PixelTerms3<64> pixel_terms<64>(S16<64> d0, S16<64> d1, S16<64> d2) {
-    const __m512i up01 = _mm512_packus_epi16((__m512i)d0, (__m512i)d1);
-    const __m512i down01 = _mm512_packus_epi16((__m512i)-d0, (__m512i)-d1);
-    const __m512i t2 = _mm512_packus_epi16((__m512i)d2, (__m512i)-d2);
-    return {{place_terms3<0, 0>(up01, t2), place_terms3<1, 0>(up01, t2), place_terms3<2, 0>(up01, t2)},
-            {place_terms3<0, 1>(down01, t2), place_terms3<1, 1>(down01, t2), place_terms3<2, 1>(down01, t2)}};
-}
-template <int k>
-ZIV_INLINE void store_pixels_part(uint8_t* p, __m512i luma, const PixelTerms3<64>& t) {
-    const __m512i y = _mm512_permutexvar_epi8(kept_bytes512([](int n) { return (64 * k + n) / 3; }), luma);
-    store512(p + 64 * k, _mm512_subs_epu8(_mm512_adds_epu8(y, t.up[k]), t.down[k]));
-}
-template <>
-ZIV_INLINE void store_pixels<64>(uint8_t* p, U8<64> luma, const PixelTerms3<64>& t) {
-    store_pixels_part<0>(p, (__m512i)luma, t);
-    store_pixels_part<1>(p, (__m512i)luma, t);
-    store_pixels_part<2>(p, (__m512i)luma, t);
+    const SplitTerms64 t = split_terms(d0, d1, d2);
+    return {{place_terms3<0>(t.up), place_terms3<1>(t.up), place_terms3<2>(t.up)},
+            {place_terms3<0>(t.down), place_terms3<1>(t.down), place_terms3<2>(t.down)}};
 }
 
 template <>
 struct PixelTerms4<64> {
     __m512i up[4], down[4];
 };
-// Pairs `first` to `first` + 7, each twice, of the 16 that are narrowed into one vector, four in every 16-byte part: channels 0
-// and 1 of each, then channels 2 and 3.
-template <int first>
-ZIV_INLINE __m512i place_terms4(__m512i terms) {
-    const __m512i index = kept_bytes512([](int n) {
-        const int pair = first + n / 8;
-        return pair / 4 * 16 + n % 4 / 2 * 8 + pair % 4 * 2 + n % 2;
-    });
-    return _mm512_permutexvar_epi8(index, terms);
+// Register q of the stored pixels, pairs 8 q to 8 q + 7, each twice. What stands in the fourth channel is as in `fourth`.
+inline constexpr __mmask64 colours = mask512([](int n) { return n % 4 != 3; });
+template <int q>
+ZIV_INLINE __m512i place_terms4(const __m512i (&terms)[2], __m512i fourth) {
+    const __m512i index = kept_bytes512([](int n) { return byte_of_term(8 * q + n / 8, n % 4 % 3); });
+    return _mm512_mask_permutexvar_epi8(fourth, kept_mask(colours), index, terms[q / 2]);
 }
 template <>
 ZIV_INLINE PixelTerms4<64> pixel_terms<64>(S16<64> d0, S16<64> d1, S16<64> d2, uint8_t alpha) {
-    const __m512i zero = _mm512_setzero_si512(), full = (__m512i)constant<64>(255),
-                  down3 = _mm512_set1_epi32((510 - alpha) << 16);
-    const __m512i lo01 = _mm512_unpacklo_epi16((__m512i)d0, (__m512i)d1),
-                  hi01 = _mm512_unpackhi_epi16((__m512i)d0, (__m512i)d1);
-    const __m512i lo23 = _mm512_unpacklo_epi16((__m512i)d2, full), hi23 = _mm512_unpackhi_epi16((__m512i)d2, full);
-    const __m512i up_lo = _mm512_packus_epi16(lo01, lo23), up_hi = _mm512_packus_epi16(hi01, hi23);
-    const __m512i down_lo = _mm512_packus_epi16(_mm512_sub_epi16(zero, lo01), _mm512_sub_epi16(down3, lo23));
-    const __m512i down_hi = _mm512_packus_epi16(_mm512_sub_epi16(zero, hi01), _mm512_sub_epi16(down3, hi23));
-    return {{place_terms4<0>(up_lo), place_terms4<8>(up_lo), place_terms4<0>(up_hi), place_terms4<8>(up_hi)},
-            {place_terms4<0>(down_lo), place_terms4<8>(down_lo), place_terms4<0>(down_hi), place_terms4<8>(down_hi)}};
+    const SplitTerms64 t = split_terms(d0, d1, d2);
+    const __m512i zero = _mm512_setzero_si512(), fourth = _mm512_set1_epi8(static_cast<char>(alpha));
+    return {{place_terms4<0>(t.up, fourth), place_terms4<1>(t.up, fourth), place_terms4<2>(t.up, fourth),
+             place_terms4<3>(t.up, fourth)},
+            {place_terms4<0>(t.down, zero), place_terms4<1>(t.down, zero), place_terms4<2>(t.down, zero),
+             place_terms4<3>(t.down, zero)}};
 }
-template <int q>
-ZIV_INLINE void store_pixels_part(uint8_t* p, __m512i luma, const PixelTerms4<64>& t) {
-    const __m512i y = _mm512_permutexvar_epi8(kept_bytes512([](int n) { return 16 * q + n / 4; }), luma);
-    store512(p + 64 * q, _mm512_subs_epu8(_mm512_adds_epu8(y, t.up[q]), t.down[q]));
+
+// Luma in every byte of its pixel's colours, 0 in the fourth channel: register k of c channels.
+template <int c, int k>
+ZIV_INLINE __m512i spread_luma(U8<64> luma) {
+    const __m512i index = kept_bytes512([](int n) { return (64 * k + n) / c; });
+    return c == 4 ? _mm512_maskz_permutexvar_epi8(kept_mask(colours), index, (__m512i)luma)
+                  : _mm512_permutexvar_epi8(index, (__m512i)luma);
+}
+// The same from packed 4:2:2, luma in the even bytes.
+template <int c, int k>
+ZIV_INLINE __m512i spread_luma(const PackedLuma<64>& luma) {
+    const __m512i index = kept_bytes512([](int n) { return (64 * k + n) / c * 2 % 64; });
+    if constexpr (c == 4) return _mm512_maskz_permutexvar_epi8(kept_mask(colours), index, k < 2 ? luma.first : luma.second);
+    const __m512i r = _mm512_permutexvar_epi8(index, k < 2 ? luma.first : luma.second);
+    return k == 1 ? _mm512_mask_permutexvar_epi8(r, mask512([](int n) { return (64 * k + n) / c >= 32; }), index, luma.second)
+                  : r;
+}
+template <int c, int k, class Luma, class Terms>
+ZIV_INLINE void store_pixels_part(uint8_t* p, const Luma& luma, const Terms& t) {
+    store512(p + 64 * k, _mm512_subs_epu8(_mm512_adds_epu8(spread_luma<c, k>(luma), t.up[k]), t.down[k]));
+}
+template <class Luma>
+ZIV_INLINE void store_pixels64(uint8_t* p, const Luma& luma, const PixelTerms3<64>& t) {
+    store_pixels_part<3, 0>(p, luma, t);
+    store_pixels_part<3, 1>(p, luma, t);
+    store_pixels_part<3, 2>(p, luma, t);
+}
+template <class Luma>
+ZIV_INLINE void store_pixels64(uint8_t* p, const Luma& luma, const PixelTerms4<64>& t) {
+    store_pixels_part<4, 0>(p, luma, t);
+    store_pixels_part<4, 1>(p, luma, t);
+    store_pixels_part<4, 2>(p, luma, t);
+    store_pixels_part<4, 3>(p, luma, t);
+}
+template <>
+ZIV_INLINE void store_pixels<64>(uint8_t* p, U8<64> luma, const PixelTerms3<64>& t) {
+    store_pixels64(p, luma, t);
 }
 template <>
 ZIV_INLINE void store_pixels<64>(uint8_t* p, U8<64> luma, const PixelTerms4<64>& t) {
-    store_pixels_part<0>(p, (__m512i)luma, t);
-    store_pixels_part<1>(p, (__m512i)luma, t);
-    store_pixels_part<2>(p, (__m512i)luma, t);
-    store_pixels_part<3>(p, (__m512i)luma, t);
+    store_pixels64(p, luma, t);
+}
+template <>
+ZIV_INLINE void store_pixels<64>(uint8_t* p, PackedLuma<64> luma, const PixelTerms3<64>& t) {
+    store_pixels64(p, luma, t);
+}
+template <>
+ZIV_INLINE void store_pixels<64>(uint8_t* p, PackedLuma<64> luma, const PixelTerms4<64>& t) {
+    store_pixels64(p, luma, t);
 }
 
 // ---- Repacking of chroma ----

@@ -16,10 +16,10 @@ ZIV_INLINE int32_t yuyv_to_rgb(const Image* srcImg, const Image* dstImg, uint32_
         uint8_t* dst = row_at(dstImg->plane[0], i, dstImg->pitch[0]);
         for_steps(blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr int N = step.value;
-            const Channels<N, 2> v = load2<N>(src + 2 * j);
-            const Chroma<N> chroma = centred_pairs<PairOrder::uv, N>(arrange_pairs<N>(v.c[1]));
+            const Packed422<N> packed = load_packed422<N>(src + 2 * j);
+            const Chroma<N> chroma = centred_pairs<PairOrder::uv, N>(packed.pairs);
             expect_writes<bytes * N>(dst + bytes * j);
-            store_pixels<N>(dst + bytes * j, v.c[0], terms_of<Set, order, N>(chroma, alpha));
+            store_pixels<N>(dst + bytes * j, packed.luma, terms_of<Set, order, N>(chroma, alpha));
         });
         for (ptrdiff_t j = blocked; j < width; j += 2) {
             const uint8_t* group = src + 2 * j;
