@@ -109,8 +109,8 @@ ZIV_INLINE void convert_binary32_blocks(RowPair rows, PairedChroma<PairOrder::vu
 }
 
 // The tail sums green in another order: trunc((Y + -0.714 v) + -0.344 u).
-ZIV_INLINE void convert_binary32_tail(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t first, ptrdiff_t width,
-                                      uint8_t alpha) {
+[[gnu::noinline]] static void convert_binary32_tail(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t first,
+                                                    ptrdiff_t width, uint8_t alpha) {
     for (ptrdiff_t j = first; j <= width - 2; j += 2) {
         const float u = static_cast<float>(chroma.u(j)), v = static_cast<float>(chroma.v(j));
         const float red = v * red_of_v, green_v = v * green_of_v, green_u = u * green_of_u, blue = u * blue_of_u;
