@@ -128,6 +128,22 @@ const std::map<std::string, Meaning>& meanings() {
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int i = 0; i < N / 2; i++) put16(out, i, (-11277 * (in[2 * i] - 128) - 23401 * (in[N + 2 * i] - 128) + 16384) >> 15);
          }},
+        {"packed422_pixels3",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int i = 0; i < N; i++)
+                 for (int k = 0; k < 3; k++) out[3 * i + k] = clamp8(in[2 * i] + term_in_range(in + 2 * N, i / 2));
+         }},
+        {"packed422_pixels4",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int i = 0; i < N; i++)
+                 for (int k = 0; k < 4; k++)
+                     out[4 * i + k] = k == 3 ? in[4 * N - 1] : clamp8(in[2 * i] + term_in_range(in + 2 * N, i / 2));
+         }},
+        {"packed422_pairs", moves(2, [](int N, int n) { return n % N / 2 * 4 + 1 + n / N * 2; })},
+        {"constant",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int i = 0; i < N / 2; i++) put16(out, i, in[0] - 128);
+         }},
         {"double_arranged", moves(1, [](int, int n) { return n / 2 * 2; })},
         {"load_arranged", moves(1, [](int, int n) { return n / 2; })},
         {"multiply_q15", on_s16([](int64_t a, int64_t) { return (a * -11277) >> 15; })},

@@ -173,6 +173,37 @@ ZIV_INLINE void store4<32>(uint8_t* p, U8<32> a, U8<32> b, U8<32> c, U8<32> d) {
 
 // ---- Luma plus a term of its chroma pair: 16 pixels and their 8 pairs in each half ----
 
+// Luma of packed 4:2:2 stays in the even bytes, 8 pixels in each half of `first` and the 8 after them in `second`.
+template <>
+struct PackedLuma<32> {
+    __m256i first, second;
+};
+template <>
+ZIV_INLINE Packed422<32> load_packed422<32>(const uint8_t* p) {
+    const __m256i a = load_halves(p, p + 32), b = load_halves(p + 16, p + 48);
+    return {{a, b}, (U8<32>)_mm256_packus_epi16(_mm256_srli_epi16(a, 8), _mm256_srli_epi16(b, 8))};
+}
+
+// Luma in every byte of its pixel: register k of c channels, in both halves.
+template <int c, int k>
+ZIV_INLINE __m256i spread_luma(U8<32> luma) {
+    return _mm256_shuffle_epi8((__m256i)luma, both_halves(bytes128([](int n) { return (16 * k + n) / c; })));
+}
+template <int c, int k>
+ZIV_INLINE __m256i spread_luma(const PackedLuma<32>& luma) {
+    const __m128i from_first = bytes128([](int n) { return (16 * k + n) / c < 8 ? (16 * k + n) / c * 2 : 0x80; });
+    const __m128i from_second = bytes128([](int n) { return (16 * k + n) / c < 8 ? 0x80 : (16 * k + n) / c * 2 - 16; });
+    constexpr bool only_first = (16 * k + 15) / c < 8, only_second = 16 * k / c >= 8;
+    if constexpr (only_first) return _mm256_shuffle_epi8(luma.first, both_halves(from_first));
+    const __m256i r = _mm256_shuffle_epi8(luma.second, both_halves(from_second));
+    return only_second ? r : _mm256_or_si256(r, _mm256_shuffle_epi8(luma.first, both_halves(from_first)));
+}
+// Register k of the stored pixels, of which there are c.
+template <int c, int k, class Luma, class Terms>
+ZIV_INLINE void store_register_pair(uint8_t* p, const Luma& luma, const Terms& t) {
+    store_halves(p + 16 * k, p + 16 * (c + k), _mm256_subs_epu8(_mm256_adds_epu8(spread_luma<c, k>(luma), t.up[k]), t.down[k]));
+}
+
 template <>
 struct PixelTerms3<32> {
     __m256i up[3], down[3];
@@ -190,15 +221,19 @@ ZIV_INLINE PixelTerms3<32> pixel_terms<32>(S16<32> d0, S16<32> d1, S16<32> d2) {
     return {{place_terms3<0, 0>(up01, t2), place_terms3<1, 0>(up01, t2), place_terms3<2, 0>(up01, t2)},
             {place_terms3<0, 1>(down01, t2), place_terms3<1, 1>(down01, t2), place_terms3<2, 1>(down01, t2)}};
 }
+template <class Luma>
+ZIV_INLINE void store_pixels32(uint8_t* p, const Luma& luma, const PixelTerms3<32>& t) {
+    store_register_pair<3, 0>(p, luma, t);
+    store_register_pair<3, 1>(p, luma, t);
+    store_register_pair<3, 2>(p, luma, t);
+}
 template <>
 ZIV_INLINE void store_pixels<32>(uint8_t* p, U8<32> luma, const PixelTerms3<32>& t) {
-    const __m256i y = (__m256i)luma;
-    const __m256i y0 = _mm256_shuffle_epi8(y, both_halves(luma_mask3<0>()));
-    const __m256i y1 = _mm256_shuffle_epi8(y, both_halves(luma_mask3<1>()));
-    const __m256i y2 = _mm256_shuffle_epi8(y, both_halves(luma_mask3<2>()));
-    store_halves(p, p + 48, _mm256_subs_epu8(_mm256_adds_epu8(y0, t.up[0]), t.down[0]));
-    store_halves(p + 16, p + 64, _mm256_subs_epu8(_mm256_adds_epu8(y1, t.up[1]), t.down[1]));
-    store_halves(p + 32, p + 80, _mm256_subs_epu8(_mm256_adds_epu8(y2, t.up[2]), t.down[2]));
+    store_pixels32(p, luma, t);
+}
+template <>
+ZIV_INLINE void store_pixels<32>(uint8_t* p, PackedLuma<32> luma, const PixelTerms3<32>& t) {
+    store_pixels32(p, luma, t);
 }
 
 template <>
@@ -222,17 +257,20 @@ ZIV_INLINE PixelTerms4<32> pixel_terms<32>(S16<32> d0, S16<32> d1, S16<32> d2, u
     return {{place_terms4<0>(up_lo), place_terms4<2>(up_lo), place_terms4<0>(up_hi), place_terms4<2>(up_hi)},
             {place_terms4<0>(down_lo), place_terms4<2>(down_lo), place_terms4<0>(down_hi), place_terms4<2>(down_hi)}};
 }
+template <class Luma>
+ZIV_INLINE void store_pixels32(uint8_t* p, const Luma& luma, const PixelTerms4<32>& t) {
+    store_register_pair<4, 0>(p, luma, t);
+    store_register_pair<4, 1>(p, luma, t);
+    store_register_pair<4, 2>(p, luma, t);
+    store_register_pair<4, 3>(p, luma, t);
+}
 template <>
 ZIV_INLINE void store_pixels<32>(uint8_t* p, U8<32> luma, const PixelTerms4<32>& t) {
-    const __m256i y = (__m256i)luma;
-    const __m256i y0 = _mm256_shuffle_epi8(y, both_halves(luma_mask4<0>()));
-    const __m256i y1 = _mm256_shuffle_epi8(y, both_halves(luma_mask4<1>()));
-    const __m256i y2 = _mm256_shuffle_epi8(y, both_halves(luma_mask4<2>()));
-    const __m256i y3 = _mm256_shuffle_epi8(y, both_halves(luma_mask4<3>()));
-    store_halves(p, p + 64, _mm256_subs_epu8(_mm256_adds_epu8(y0, t.up[0]), t.down[0]));
-    store_halves(p + 16, p + 80, _mm256_subs_epu8(_mm256_adds_epu8(y1, t.up[1]), t.down[1]));
-    store_halves(p + 32, p + 96, _mm256_subs_epu8(_mm256_adds_epu8(y2, t.up[2]), t.down[2]));
-    store_halves(p + 48, p + 112, _mm256_subs_epu8(_mm256_adds_epu8(y3, t.up[3]), t.down[3]));
+    store_pixels32(p, luma, t);
+}
+template <>
+ZIV_INLINE void store_pixels<32>(uint8_t* p, PackedLuma<32> luma, const PixelTerms4<32>& t) {
+    store_pixels32(p, luma, t);
 }
 
 // ---- Repacking of chroma ----

@@ -81,6 +81,20 @@ TERM(store_pixels4, {
     store_pixels<N>(out, v.d,
                     pixel_terms<N>(arranged_term<N>(v.a), arranged_term<N>(v.b), arranged_term<N>(v.c), in[4 * N - 1]));
 })
+// Packed 4:2:2: the pixels' luma with one term for all channels, then u and v of every pixel.
+TERM(packed422_pixels3, {
+    const S16<N> d = arranged_term<N>(v.c);
+    store_pixels<N>(out, load_packed422<N>(in).luma, pixel_terms<N>(d, d, d));
+})
+TERM(packed422_pixels4, {
+    const S16<N> d = arranged_term<N>(v.c);
+    store_pixels<N>(out, load_packed422<N>(in).luma, pixel_terms<N>(d, d, d, in[4 * N - 1]));
+})
+TERM(packed422_pairs, {
+    const U8<N> pairs = load_packed422<N>(in).pairs;
+    store(out, double_arranged<N>(even_bytes<N>(pairs))), store(out + N, double_arranged<N>(odd_bytes<N>(pairs)));
+})
+TERM(constant, { store(out, constant<N>(in[0] - 128)); })
 TERM(double_arranged, { store(out, double_arranged<N>(even_bytes<N>(arrange_pairs<N>(v.a)))); })
 TERM(load_arranged, { store(out, double_arranged<N>(load_arranged<N>(in))); })
 TERM(multiply_q15, { store(out, multiply_q15<N>((S16<N>)v.a, -11277)); })
@@ -193,7 +207,7 @@ static constexpr harness::LaneTerm rows[] = {
     ROWS(add_saturating) ROWS(subtract_saturating) ROWS(average_up) ROWS(lane_min_u8) ROWS(lane_max_u8) ROWS(lane_min_s16)
     ROWS(lane_max_s16) ROWS(even_bytes) ROWS(odd_bytes) ROWS(merge_bytes) ROWS(double_bytes) ROWS(even_lanes)
     ROWS(odd_lanes) ROWS(interleave_low) ROWS(interleave_high) ROWS(narrow_saturating) ROWS(widen_add_narrow)
-    ROWS(multiply_round_high) ROWS(multiply_high) ROWS(weigh_pair_q15) ROWS(store_pixels3) ROWS(store_pixels4)
+    ROWS(multiply_round_high) ROWS(multiply_high) ROWS(weigh_pair_q15) ROWS(store_pixels3) ROWS(store_pixels4) ROWS(packed422_pixels3) ROWS(packed422_pixels4) ROWS(packed422_pairs) ROWS(constant)
     ROWS(double_arranged) ROWS(load_arranged) ROWS(multiply_q15) ROWS(any_zero) ROWS(load_but_last) ROWS(swap_pairs)
     ROWS(even_pairs) ROWS(packed_chroma) ROWS(select) ROWS(multiply_high_unsigned) ROWS(widen_joined) ROWS(widen_difference)
     ROWS(reciprocals) ROWS(move_pixels_3_reversed) ROWS(move_pixels_4_to_3) ROWS(move_pixels_3_to_4)
