@@ -107,7 +107,8 @@ ZIV_INLINE U8<16> interleave_chroma<16>(S16<16> a, S16<16> b) {
 ZIV_INLINE void store_planes(uint8_t* pa, uint8_t* pb, Chroma<16> a, Chroma<16> b) {
     const __m128i both = (__m128i)(pack_signed(a.lanes, b.lanes) ^ 128);
     store64(pa, both);
-    _mm_storeh_pd(reinterpret_cast<double*>(pb), _mm_castsi128_pd(both));
+    const int64_t upper = _mm_extract_epi64(both, 1);
+    __builtin_memcpy(pb, &upper, sizeof upper);
 }
 
 // 4-byte lanes 0 and 2 of every 16 bytes of a, then those of b.
