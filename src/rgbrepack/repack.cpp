@@ -46,8 +46,10 @@ int32_t zivColorRGB888toBGR888u8(const uint8_t* pSrc, uint8_t* pDst, int64_t wid
 
 int32_t zivColorRGBA8888toBGR888u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_RGBA8888, zivPixFmt_BGR888, destination_1x1)) return status;
-    for_rows<4, 3>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
-        const ptrdiff_t blocked = blocked_columns<16>(pixels);
+    // The alpha of a row's last pixel is not read where the row ends on single pixels behind the blocks of 8.
+    const ptrdiff_t single = dstImg->width % 8 != 0;
+    for_rows<4, 3>(srcImg, dstImg, [=](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
+        const ptrdiff_t blocked = blocked_columns<16>(pixels - single);
         for_steps(blocked, [&](auto step, ptrdiff_t j)
                                ZIV_INLINE_BODY { move_pixels<step.value, 4, 2, 1, 0>(dst + 3 * j, src + 4 * j); });
         for (ptrdiff_t j = blocked; j < pixels; j++) {
