@@ -37,7 +37,6 @@ const std::map<std::string, Peer>& peers() {
         PEER(zivColorI420toBGRA8888u8, J420ToARGB(S(0), S(1), S(2), D(0), d.width, d.height)),
         PEER(zivColorI420toRGBA8888u8, J420ToABGR(S(0), S(1), S(2), D(0), d.width, d.height)),
         PEER(zivColorYV12toBGR888u8, J420ToRGB24(S(0), S(2), S(1), D(0), d.width, d.height)),
-        PEER(zivColorYV12toRGB888u8, J420ToRAW(S(0), S(2), S(1), D(0), d.width, d.height)),
         PEER(zivColorYUYVtoRGBA8888u8, YUY2ToARGB(S(0), D(0), d.width, d.height)),
         PEER(zivColorBGR888toI420u8, RGB24ToJ420(S(0), D(0), D(1), D(2), d.width, d.height)),
         PEER(zivColorRGB888toI420u8, RAWToJ420(S(0), D(0), D(1), D(2), d.width, d.height)),
