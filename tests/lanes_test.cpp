@@ -123,7 +123,7 @@ const std::map<std::string, Meaning>& meanings() {
          [](int N, const uint8_t* in, uint8_t* out) { for (int i = 0; i < N; i++) out[i] = clamp8(s16(in, i)); }},
         {"widen_add_narrow", on_bytes([](int a, int b) { return std::min(a + b, 255); })},
         {"multiply_round_high", on_s16([](int64_t a, int64_t b) { return (a * (b | 1) + 16384) >> 15; })},
-        {"multiply_high", on_s16([](int64_t a, int64_t b) { return (a * b) >> 16; })},
+        {"multiply_high", on_s16([](int64_t a, int64_t b) { return (a * (b | 1)) >> 16; })},
         {"weigh_pair_q15",
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int i = 0; i < N / 2; i++) put16(out, i, (-11277 * (in[2 * i] - 128) - 23401 * (in[N + 2 * i] - 128) + 16384) >> 15);

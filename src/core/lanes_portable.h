@@ -228,7 +228,7 @@ ZIV_INLINE S16<N> multiply_q15(S16<N> a, int weight) {
     return r;
 }
 
-// (a * b) >> 16
+// (a * b) >> 16; not both -32768.
 template <int N>
 ZIV_INLINE S16<N> multiply_high(S16<N> a, S16<N> b) {
     S16<N> r;

@@ -56,9 +56,9 @@ TERM(widen_add_narrow, {
     const Wide<N> b = widen<N>(v.b);
     store(out, narrow<N>(Wide<N>{(U16<N>)(a.lo + b.lo), (U16<N>)(a.hi + b.hi)}));
 })
-// Both -32768 is outside the term's domain: one of them is kept odd.
+// Both -32768 is outside the domain of these two: one of them is kept odd.
 TERM(multiply_round_high, { store(out, multiply_round_high<N>((S16<N>)v.a, (S16<N>)v.b | (int16_t)1)); })
-TERM(multiply_high, { store(out, multiply_high<N>((S16<N>)v.a, (S16<N>)v.b)); })
+TERM(multiply_high, { store(out, multiply_high<N>((S16<N>)v.a, (S16<N>)v.b | (int16_t)1)); })
 // a and b within a centred byte.
 TERM(weigh_pair_q15, {
     const S16<N> a = (S16<N>)even_bytes<N>(v.a) - (int16_t)128;
