@@ -31,8 +31,8 @@ ZIV_INLINE Binary32Terms<N> binary32_terms(S16<N> u, S16<N> v) {
     // A whole term: `quarter` is a multiple of 125, so that its product with the inverse of 125 modulo 2^16 is below 256, and
     // nothing was lost in v / 4. The 17 pairs have u above 0 and v up to 12.
     const S16<N> outside = (u - constant<N>(1)) | (constant<N>(12) - v);
-    const S16<N> sound =
-        (quarter * constant<N>(0x78D5) & constant<N>(-256)) | (v & constant<N>(3)) | (outside & constant<N>(-32768));
+    const S16<N> sound = ((S16<N>)((U16<N>)quarter * (U16<N>)constant<N>(0x78D5)) & constant<N>(-256)) | (v & constant<N>(3)) |
+                         (outside & constant<N>(-32768));
     return {r, quotient - (v + constant<N>(81)), b, (U16<N>)sound};
 }
 
