@@ -2,18 +2,13 @@
 // columns, and the stores of what they give. C is the bytes of a vector; Advanced SIMD also has C = 32.
 #pragma once
 
-#include "core/lanes.h"
+#include "core/kernel.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
 // The weights of a pixel's first three bytes. A fourth byte never counts.
 struct Weights {
     int c0, c1, c2;
-};
-
-// Weights of binary32 for red, green and blue. Green and red are added first, then blue; every product and sum is rounded.
-struct FloatWeights {
-    float r, g, b;
 };
 
 // The first byte of a pixel that a weighted sum can take from another one: see luma_q6.

@@ -64,31 +64,4 @@ ZIV_INLINE void store_planes(uint8_t* pa, uint8_t* pb, Chroma<C> a, Chroma<C> b)
     __builtin_memcpy(pb, both + C / 2, C / 2);
 }
 
-// The weighted sum of every pixel in binary32, cut to an integer. Red is byte `red` of 0 and 2.
-template <int red, int C>
-ZIV_INLINE Luma<C> luma_f32(const Pixels<C, 4>& pixels, FloatWeights w) {
-    const Channels<C, 4>& in = pixels.channels;
-    Luma<C> r;
-    for (int i = 0; i < C; i++) {
-        const float green_red = static_cast<float>(in.c[1][i]) * w.g + static_cast<float>(in.c[red][i]) * w.r;
-        r.bytes[i] = static_cast<uint8_t>(static_cast<int>(static_cast<float>(in.c[2 - red][i]) * w.b + green_red));
-    }
-    return r;
-}
-
-// Two weighted sums of the even columns' pixels, within 127.5 of 0, each cut towards 0 and centred at 128: first, second, first
-// and so on.
-template <int red, int C>
-ZIV_INLINE U8<C> chroma_pairs_f32(const Pixels<C, 4>& pixels, FloatWeights first, FloatWeights second) {
-    const Channels<C, 4>& in = pixels.channels;
-    U8<C> r;
-    for (int i = 0; i < C; i++) {
-        const FloatWeights w = i % 2 ? second : first;
-        const int j = i & ~1;
-        const float green_red = static_cast<float>(in.c[1][j]) * w.g + static_cast<float>(in.c[red][j]) * w.r;
-        r[i] = static_cast<uint8_t>(static_cast<int>(static_cast<float>(in.c[2 - red][j]) * w.b + green_red) + 128);
-    }
-    return r;
-}
-
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -111,7 +111,7 @@ ZIV_INLINE void store_planes(uint8_t* pa, uint8_t* pb, Chroma<16> a, Chroma<16> 
     __builtin_memcpy(pb, &upper, sizeof upper);
 }
 
-// 4-byte lanes 0 and 2 of every 16 bytes of a, then those of b.
+// 4-byte lanes 0 and 2 of every 16 bytes of a, of b in turn: packed as words and ordered they are those of both in their order.
 ZIV_INLINE U8<16> even_quads(U8<16> a, U8<16> b) { return (U8<16>)_mm_shuffle_ps((__m128)a, (__m128)b, 0x88); }
 
 #if defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
@@ -291,49 +291,6 @@ template <int C, int c>
 ZIV_INLINE OuterBytes<C> even_outer_bytes(Pixels<C, c> pixels) {
     const U16<C> words = outer_words(pixels);
     return {{(S16<C>)(words & 0xFF)}, {(S16<C>)(words >> 8)}};
-}
-
-// ---- Binary32 ----
-
-// A colour byte k of four stands in a 32-bit lane as 2^(8 k) times its value: its weight is scaled down by as much, which is
-// exact.
-template <int N>
-struct FloatPixels {
-    F32<N> c0, c1, c2;
-};
-template <int N>
-ZIV_INLINE FloatPixels<N> to_float(U8<N> quads) {
-    const S32<N> v = (S32<N>)quads;
-    return {__builtin_convertvector(v & 0xFF, F32<N>), __builtin_convertvector(v & 0xFF00, F32<N>),
-            __builtin_convertvector(v & 0xFF0000, F32<N>)};
-}
-template <int red, int N>
-ZIV_INLINE S32<N> weigh_cut(const FloatPixels<N>& v, FloatWeights w) {
-    const float w0 = red == 0 ? w.r : w.b, w1 = w.g * 0x1p-8f, w2 = (red == 0 ? w.b : w.r) * 0x1p-16f;
-    const F32<N> sum = red == 0 ? v.c2 * w2 + (v.c1 * w1 + v.c0 * w0) : v.c0 * w0 + (v.c1 * w1 + v.c2 * w2);
-    return __builtin_convertvector(sum, S32<N>);
-}
-
-// The weighted sum of every pixel in binary32, cut to an integer. Red is byte `red` of 0 and 2.
-template <int red, int C>
-ZIV_INLINE Luma<C> luma_f32(Pixels<C, 4> pixels, FloatWeights w) {
-    const Quads<C> v = load_quads(pixels);
-    S32<C> sum[4];
-    for (int k = 0; k < 4; k++) sum[k] = weigh_cut<red, C>(to_float<C>(v.q[k]), w);
-    return {order_packed(pack((S16<C>)pack(sum[0], sum[1]), (S16<C>)pack(sum[2], sum[3])))};
-}
-
-// Two weighted sums of the even columns' pixels, within 127.5 of 0, each cut towards 0 and centred at 128: first, second, first
-// and so on.
-template <int red, int C>
-ZIV_INLINE U8<C> chroma_pairs_f32(Pixels<C, 4> pixels, FloatWeights first, FloatWeights second) {
-    const Quads<C> v = load_quads(pixels);
-    S32<C> pairs[2];
-    for (int k = 0; k < 2; k++) {
-        const FloatPixels<C> even = to_float<C>(even_quads(v.q[2 * k], v.q[2 * k + 1]));
-        pairs[k] = weigh_cut<red, C>(even, first) + (weigh_cut<red, C>(even, second) << 8) + (128 | 128 << 8);
-    }
-    return order_packed((U8<C>)pack(pairs[0], pairs[1]));
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET
