@@ -88,12 +88,6 @@ uint8_t chroma_fractional(Rgb p, bool first) {
     const int scaled = (((first ? p.c2 : p.c0) << 7) - d) * (first ? 23372 : 18492) >> 7;
     return clamp8(((scaled + 16384) >> 15) + 128);
 }
-int weigh_f32(float r, float g, float b, float wr, float wg, float wb) {
-    const float green = g * wg, red = r * wr, blue = b * wb;
-    const float sum = green + red;
-    return static_cast<int>(blue + sum);
-}
-
 const std::map<std::string, Meaning>& meanings() {
     static const std::map<std::string, Meaning> table = {
         {"load_widened", [](int N, const uint8_t* in, uint8_t* out) { for (int i = 0; i < N / 2; i++) put16(out, i, in[i]); }},
@@ -229,15 +223,6 @@ const std::map<std::string, Meaning>& meanings() {
                  out[2 * n] = chroma_short(pixel(in, 4, n & ~1), n & 1);
              }
          }},
-        {"luma_f32", per_byte([](const uint8_t* in, int, int n) {
-             const uint8_t* p = in + 4 * n;
-             return weigh_f32(p[0], p[1], p[2], 0.299f, 0.587f, 0.114f);
-         })},
-        {"chroma_pairs_f32", per_byte([](const uint8_t* in, int, int n) {
-             const uint8_t* p = in + 4 * (n & ~1);
-             return 128 + (n & 1 ? weigh_f32(p[2], p[1], p[0], -0.1678f, -0.3313f, 0.5f)
-                                 : weigh_f32(p[2], p[1], p[0], 0.5f, -0.4187f, -0.0813f));
-         })},
         {"store_pixels3",
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int i = 0; i < N; i++)

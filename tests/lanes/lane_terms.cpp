@@ -181,12 +181,6 @@ void packed_term(const uint8_t* in, uint8_t* out) {
 }
 COLUMN_TERM(packed_luma_first, { packed_term<true, N>(in, out); })
 COLUMN_TERM(packed_chroma_first, { packed_term<false, N>(in, out); })
-// Binary32 stands on whole vectors only.
-TERM(luma_f32, { store(out, luma_f32<0>(load_pixels<N, 4>(in), {0.299f, 0.587f, 0.114f}).bytes); })
-TERM(chroma_pairs_f32, {
-    store(out, chroma_pairs_f32<2>(load_pixels<N, 4>(in), {0.5f, -0.4187f, -0.0813f}, {-0.1678f, -0.3313f, 0.5f}));
-})
-
 #define ROW(name, N) {#name, N, term_##name<N>},
 #if defined(ZIVCOLOR_TARGET_avx512)
 #define ROWS(name) ROW(name, 64) ROW(name, 32) ROW(name, 16)
@@ -216,7 +210,7 @@ static constexpr harness::LaneTerm rows[] = {
     ROWS(zip_pair_parts_high) ROW(reverse_bytes, 16) ROW(reverse_pairs, 16) ROWS(store_square_means) ROW(store2_pairs, 16)
     COLUMN_ROWS(luma_q6_3) COLUMN_ROWS(luma_q6_4) COLUMN_ROWS(luma_q6_shared) COLUMN_ROWS(luma_q15)
     COLUMN_ROWS(scaled_differences) COLUMN_ROWS(rounded_differences) COLUMN_ROWS(fractional_differences)
-    COLUMN_ROWS(packed_luma_first) COLUMN_ROWS(packed_chroma_first) ROWS(luma_f32) ROWS(chroma_pairs_f32)
+    COLUMN_ROWS(packed_luma_first) COLUMN_ROWS(packed_chroma_first)
     // clang-format on
 };
 
