@@ -83,7 +83,7 @@ Picture unpack_565(const Frame& frame) {
     Picture p(frame.image.width, frame.image.height);
     const bool red_high = frame.image.format == zivPixFmt_RGB565;
     for (size_t i = 0; i < p.rgb.size() / 3; i++) {
-        const unsigned word = frame.image.plane[0][2 * i] | frame.image.plane[0][2 * i + 1] << 8;
+        const unsigned word = frame.image.plane[0][2 * i] | unsigned{frame.image.plane[0][2 * i + 1]} << 8;
         const uint8_t high = widen(word >> 11, 5), middle = widen(word >> 5 & 63, 6), low = widen(word & 31, 5);
         p.rgb[3 * i] = red_high ? high : low;
         p.rgb[3 * i + 1] = middle;
