@@ -51,13 +51,12 @@ ZIV_INLINE U16<N> scaled_down(U16<N> reciprocal, U16<N> scaled) {
 template <int N>
 ZIV_INLINE void BGRtoHSL_NEON_1(const Channels<N, 3>& mBGR888, uint8_t* hsl) {
     const U8<N> b = mBGR888.c[0], g = mBGR888.c[1], r = mBGR888.c[2];
-    const U8<N> blue_over_red = (U8<N>)(b > r);
-    const U8<N> blue = (U8<N>)(b > g) & blue_over_red, red = (U8<N>)(r > g) & ~blue_over_red;
-    const U8<N> minuend = select(blue, g, select(red, b, r)), subtrahend = select(blue, r, select(red, g, b));
-    const U8<N> base = (blue & uint8_t{170}) | (~(blue | red) & uint8_t{85});
-
     const U8<N> max = lane_max(lane_max(b, g), r), min = lane_min(lane_min(b, g), r);
-    const U8<N> grey = (U8<N>)(max == min), lightness = average_up(max, min), d = max - min;
+    const U8<N> green = (U8<N>)(g == max), red = (U8<N>)(r == max) & ~green, grey = (U8<N>)(max == min);
+    const U8<N> minuend = select(green, r, select(red, b, g)), subtrahend = select(green, b, select(red, g, r));
+    // Grey has the base of blue. Its hue stays there, and its saturation at 0.
+    const U8<N> base = 170 - (green & ~grey & uint8_t{85}) - (red & uint8_t{170});
+    const U8<N> lightness = average_up(max, min), d = max - min;
     // The sum, or 510 less the sum from a lightness of 128 on: either way it fits a byte, so that the wrapped sum will do.
     const U8<N> light = (U8<N>)((S8<N>)lightness < 0), divisor = ((max + min) ^ light) + light;
 
@@ -68,7 +67,7 @@ ZIV_INLINE void BGRtoHSL_NEON_1(const Channels<N, 3>& mBGR888, uint8_t* hsl) {
     // 255 d + (divisor >> 1), at most 65152.
     const U8<N> saturation = narrow<N>({multiply_high_unsigned<N>(per_divisor.lo, d_and_half.lo - d16.lo),
                                         multiply_high_unsigned<N>(per_divisor.hi, d_and_half.hi - d16.hi)});
-    store3<N>(hsl, select(grey, U8<N>{} + uint8_t{170}, hue), saturation & ~grey, lightness);
+    store3<N>(hsl, hue, saturation, lightness);
 }
 
 // N interleaved pixels. Reads and writes 3 N bytes, all of them read before the first is written.
