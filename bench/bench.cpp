@@ -98,7 +98,7 @@ void measure(benchmark::State& state, Size size, size_t bytes_moved, const Work&
     state.counters["copies"] = Counter(copy, Counter::kIsIterationInvariantRate | Counter::kInvert);
 }
 
-void add(const std::string& name, Size size, size_t bytes_moved, Work work) {
+void add(const std::string& name, Size size, size_t bytes_moved, const Work& work) {
     const std::string full = name + "/" + std::to_string(size.width) + "x" + std::to_string(size.height);
     benchmark::RegisterBenchmark(full.c_str(), [=](benchmark::State& state) { measure(state, size, bytes_moved, work); })
         ->MinTime(0.02)
@@ -180,7 +180,7 @@ void add_routines(Size size) {
     const Size row{w, 1};
     for (const zivcolor::Target& target : zivcolor::built_targets())
         if (target.runs_here())
-            add(std::string("CalcMergeWeightMap_neon/") + target.name, row, static_cast<size_t>(9 * w),
+            add(std::string("CalcMergeWeightMap_neon/") + target.name, row, 9 * static_cast<size_t>(w),
                 [=, kernels = target.kernels] { kernels->CalcMergeWeightMap_neon(sums.data(), dst, w, 4); });
 }
 
