@@ -145,9 +145,9 @@ ZIV_INLINE Channels<32, 4> load4<32>(const uint8_t* p) {
 
 template <>
 ZIV_INLINE void store2<32>(uint8_t* p, U8<32> a, U8<32> b) {
-    const __m256i lo = _mm256_unpacklo_epi8((__m256i)a, (__m256i)b), hi = _mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
-    store_halves(p, p + 32, lo);
-    store_halves(p + 16, p + 48, hi);
+    const __m256i a_split = _mm256_permute4x64_epi64((__m256i)a, 0xD8), b_split = _mm256_permute4x64_epi64((__m256i)b, 0xD8);
+    store256(p, _mm256_unpacklo_epi8(a_split, b_split));
+    store256(p + 32, _mm256_unpackhi_epi8(a_split, b_split));
 }
 template <int k>
 ZIV_INLINE __m256i spread3(U8<32> a, U8<32> b, U8<32> c) {
@@ -284,26 +284,27 @@ ZIV_INLINE U8<32> swap_pairs<32>(U8<32> v) {
     return (U8<32>)_mm256_shuffle_epi8((__m256i)v, both_halves(bytes128([](int n) { return n ^ 1; })));
 }
 
+// Of the six halves of packed pixels the first three come from the low half of a vector of luma or pairs, the others from the
+// high one.
+ZIV_INLINE __m256i masks256(__m128i low, __m128i high) { return _mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1); }
 template <>
 struct PackedChroma<32> {
     __m256i part[3];
 };
 template <>
 ZIV_INLINE PackedChroma<32> packed_chroma<32>(U8<32> pairs) {
-    const __m256i p = (__m256i)pairs;
-    return {{_mm256_shuffle_epi8(p, both_halves(packed_chroma_mask<0>())),
-             _mm256_shuffle_epi8(p, both_halves(packed_chroma_mask<1>())),
-             _mm256_shuffle_epi8(p, both_halves(packed_chroma_mask<2>()))}};
+    const __m256i p = (__m256i)pairs, low = _mm256_permute4x64_epi64(p, 0x44), high = _mm256_permute4x64_epi64(p, 0xEE);
+    const __m128i mask0 = packed_chroma_mask<0>(), mask1 = packed_chroma_mask<1>(), mask2 = packed_chroma_mask<2>();
+    return {{_mm256_shuffle_epi8(low, masks256(mask0, mask1)), _mm256_shuffle_epi8(p, masks256(mask2, mask0)),
+             _mm256_shuffle_epi8(high, masks256(mask1, mask2))}};
 }
 template <>
 ZIV_INLINE void store_packed<32>(uint8_t* p, U8<32> luma, const PackedChroma<32>& chroma) {
-    const __m256i y = (__m256i)luma;
-    const __m256i y0 = _mm256_shuffle_epi8(y, both_halves(spread_mask<3, 0, 0>()));
-    const __m256i y1 = _mm256_shuffle_epi8(y, both_halves(spread_mask<3, 1, 0>()));
-    const __m256i y2 = _mm256_shuffle_epi8(y, both_halves(spread_mask<3, 2, 0>()));
-    store_halves(p, p + 48, _mm256_or_si256(y0, chroma.part[0]));
-    store_halves(p + 16, p + 64, _mm256_or_si256(y1, chroma.part[1]));
-    store_halves(p + 32, p + 80, _mm256_or_si256(y2, chroma.part[2]));
+    const __m256i y = (__m256i)luma, low = _mm256_permute4x64_epi64(y, 0x44), high = _mm256_permute4x64_epi64(y, 0xEE);
+    const __m128i mask0 = spread_mask<3, 0, 0>(), mask1 = spread_mask<3, 1, 0>(), mask2 = spread_mask<3, 2, 0>();
+    store256(p, _mm256_or_si256(_mm256_shuffle_epi8(low, masks256(mask0, mask1)), chroma.part[0]));
+    store256(p + 32, _mm256_or_si256(_mm256_shuffle_epi8(y, masks256(mask2, mask0)), chroma.part[1]));
+    store256(p + 64, _mm256_or_si256(_mm256_shuffle_epi8(high, masks256(mask1, mask2)), chroma.part[2]));
 }
 
 // ---- Selection and quotients ----

@@ -144,8 +144,11 @@ ZIV_INLINE Channels<64, 4> load4<64>(const uint8_t* p) {
 
 template <>
 ZIV_INLINE void store2<64>(uint8_t* p, U8<64> a, U8<64> b) {
-    store(p, interleave_low<64>(a, b));
-    store(p + 64, interleave_high<64>(a, b));
+    const __m512i by_halves = _mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7);
+    const __m512i a_split = _mm512_permutexvar_epi64(by_halves, (__m512i)a);
+    const __m512i b_split = _mm512_permutexvar_epi64(by_halves, (__m512i)b);
+    store512(p, _mm512_unpacklo_epi8(a_split, b_split));
+    store512(p + 64, _mm512_unpackhi_epi8(a_split, b_split));
 }
 // Register k of the interleaved channels: byte n is channel (64 k + n) mod 3 of pixel (64 k + n) / 3.
 template <int k>

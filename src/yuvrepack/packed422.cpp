@@ -17,12 +17,14 @@ int32_t zivColorNV12toYUYVu8(const Image* srcImg, const Image* dstImg) {
         const uint8_t* chroma = row_at(srcImg->plane[1], i >> 1, srcImg->pitch[0]);
         uint8_t* dst0 = plane_row(dstImg, 0, i);
         uint8_t* dst1 = dst0 + dstImg->pitch[0];
-        ptrdiff_t j = for_vectors(width, [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
-            constexpr int N = step.value;
-            const U8<N> pairs = load<N>(chroma + k);
-            store2<N>(dst0 + 2 * k, load<N>(luma0 + k), pairs);
-            store2<N>(dst1 + 2 * k, load<N>(luma1 + k), pairs);
-        });
+        ptrdiff_t j = move_row<2>(
+            width & ~ptrdiff_t{1}, lead_of<4, 2>(dst0),
+            [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
+                constexpr int N = step.value;
+                return Channels<N, 3>{{load<N>(luma0 + k), load<N>(luma1 + k), load<N>(chroma + k)}};
+            },
+            [=](auto step, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store2<step.value>(dst0 + 2 * k, v.c[0], v.c[2]); },
+            [=](auto step, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store2<step.value>(dst1 + 2 * k, v.c[1], v.c[2]); });
         for (; j < width; j += 2) {
             const uint8_t u = chroma[j], v = chroma[j + 1];
             const uint8_t upper[4] = {luma0[j], u, luma0[j + 1], v}, lower[4] = {luma1[j], u, luma1[j + 1], v};
@@ -41,10 +43,13 @@ int32_t zivColorNV21toYUYVu8(const Image* srcImg, const Image* dstImg) {
         const uint8_t* luma = plane_row(srcImg, 0, i);
         const uint8_t* chroma = row_at(srcImg->plane[1], i >> 1, srcImg->pitch[0]);
         uint8_t* dst = plane_row(dstImg, 0, i);
-        ptrdiff_t j = for_vectors(columns, [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
-            constexpr int N = step.value;
-            store2<N>(dst + 2 * k, load<N>(luma + k), swap_pairs<N>(load<N>(chroma + k)));
-        });
+        ptrdiff_t j = move_row<2>(
+            columns, lead_of<4, 2>(dst),
+            [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
+                constexpr int N = step.value;
+                return Channels<N, 2>{{load<N>(luma + k), swap_pairs<N>(load<N>(chroma + k))}};
+            },
+            [=](auto step, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store2<step.value>(dst + 2 * k, v.c[0], v.c[1]); });
         for (; j < columns; j += 2) {
             const uint8_t pixels[4] = {luma[j], chroma[j + 1], luma[j + 1], chroma[j]};
             __builtin_memcpy(dst + 2 * j, pixels, 4);
@@ -56,30 +61,10 @@ int32_t zivColorNV21toYUYVu8(const Image* srcImg, const Image* dstImg) {
 // Whole pairs of rows and columns only.
 int32_t zivColorI420toYUYVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_I420, zivPixFmt_YUYV, both_2x2)) return status;
-    const ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
-    for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
-        const uint8_t* luma0 = plane_row(srcImg, 0, i);
-        const uint8_t* luma1 = luma0 + srcImg->pitch[0];
-        const uint8_t* u = plane_row(srcImg, 1, i >> 1);
-        const uint8_t* v = plane_row(srcImg, 2, i >> 1);
-        uint8_t* dst0 = plane_row(dstImg, 0, i);
-        uint8_t* dst1 = dst0 + dstImg->pitch[0];
-        ptrdiff_t j = for_vectors(pairs, [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
-            constexpr int N = step.value;
-            const U8<N> uk = load<N>(u + k), vk = load<N>(v + k);
-            const U8<N> first = interleave_low<N>(uk, vk), second = interleave_high<N>(uk, vk);
-            store2<N>(dst0 + 4 * k, load<N>(luma0 + 2 * k), first);
-            store2<N>(dst0 + 4 * k + 2 * N, load<N>(luma0 + 2 * k + N), second);
-            store2<N>(dst1 + 4 * k, load<N>(luma1 + 2 * k), first);
-            store2<N>(dst1 + 4 * k + 2 * N, load<N>(luma1 + 2 * k + N), second);
-        });
-        for (; j < pairs; j++) {
-            const uint8_t upper[4] = {luma0[2 * j], u[j], luma0[2 * j + 1], v[j]};
-            const uint8_t lower[4] = {luma1[2 * j], u[j], luma1[2 * j + 1], v[j]};
-            __builtin_memcpy(dst0 + 4 * j, upper, 4);
-            __builtin_memcpy(dst1 + 4 * j, lower, 4);
-        }
-    }
+    const ptrdiff_t pairs = dstImg->width >> 1, rows = dstImg->height & ~1;
+    for (ptrdiff_t i = 0; i < rows; i++)
+        yuyv_row(plane_row(srcImg, 0, i), plane_row(srcImg, 1, i >> 1), plane_row(srcImg, 2, i >> 1), plane_row(dstImg, 0, i),
+                 pairs);
     return zivStatus_OK;
 }
 
@@ -87,12 +72,11 @@ int32_t zivColorI420toYUYVu8(const Image* srcImg, const Image* dstImg) {
 
 // Luma and pairs V U of one row.
 [[gnu::noinline]] inline void unpack_row_vu(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
-    ptrdiff_t j = for_vectors(columns, [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
-        const Channels<N, 2> v = load2<N>(src + 2 * k);
-        store(luma + k, v.c[0]);
-        store(chroma + k, swap_pairs<N>(v.c[1]));
-    });
+    ptrdiff_t j = move_row<2>(
+        columns, lead_of<2, 2>(luma),
+        [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY { return load2<step.value>(src + 2 * k); },
+        [=](auto, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store(luma + k, v.c[0]); },
+        [=](auto step, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store(chroma + k, swap_pairs<step.value>(v.c[1])); });
     for (; j < columns; j += 2) {
         const uint8_t pixels[4] = {src[2 * j], src[2 * j + 1], src[2 * j + 2], src[2 * j + 3]};
         luma[j] = pixels[0];
@@ -158,14 +142,17 @@ int32_t zivColorYUYVtoNV12u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth,
 
 // Luma and both planes of chroma of one row.
 [[gnu::noinline]] inline void unpack_row_planar(const uint8_t* src, uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t pairs) {
-    ptrdiff_t j = for_vectors(pairs, [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
-        const Channels<N, 2> a = load2<N>(src + 4 * k), b = load2<N>(src + 4 * k + 2 * N);
-        store(luma + 2 * k, a.c[0]);
-        store(luma + 2 * k + N, b.c[0]);
-        store(u + k, even_lanes<N>(a.c[1], b.c[1]));
-        store(v + k, odd_lanes<N>(a.c[1], b.c[1]));
-    });
+    ptrdiff_t j = move_row<1>(
+        pairs, lead_of<2>(luma),
+        [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            const Channels<N, 2> a = load2<N>(src + 4 * k), b = load2<N>(src + 4 * k + 2 * N);
+            return Channels<N, 4>{{a.c[0], b.c[0], even_lanes<N>(a.c[1], b.c[1]), odd_lanes<N>(a.c[1], b.c[1])}};
+        },
+        [=](auto, auto w, ptrdiff_t k)
+            ZIV_INLINE_BODY { store(luma + 2 * k, w.c[0]), store(luma + 2 * k + sizeof w.c[0], w.c[1]); },
+        [=](auto, auto w, ptrdiff_t k) ZIV_INLINE_BODY { store(u + k, w.c[2]); },
+        [=](auto, auto w, ptrdiff_t k) ZIV_INLINE_BODY { store(v + k, w.c[3]); });
     for (; j < pairs; j++) {
         const uint8_t pixels[4] = {src[4 * j], src[4 * j + 1], src[4 * j + 2], src[4 * j + 3]};
         luma[2 * j] = pixels[0];

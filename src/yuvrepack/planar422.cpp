@@ -54,22 +54,6 @@ int32_t zivColorI422HtoNV12u8(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
-// Y0 U Y1 V from two luma samples and one of each chroma plane.
-[[gnu::noinline]] inline void yuyv_row(const uint8_t* luma, const uint8_t* u, const uint8_t* v, uint8_t* dst, ptrdiff_t pairs) {
-    ptrdiff_t k = for_vectors(pairs, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
-        if constexpr (N > 16) {
-            for (int line = 0; line < 4 * N; line += 64) __builtin_prefetch(dst + 4 * j + 1024 + line, 1);
-            for (int line = 0; line < 2 * N; line += 64) __builtin_prefetch(luma + 2 * j + 1024 + line);
-        }
-        store_yuyv<N>(dst + 4 * j, luma + 2 * j, u + j, v + j);
-    });
-    for (; k < pairs; k++) {
-        const uint8_t pixels[4] = {luma[2 * k], u[k], luma[2 * k + 1], v[k]};
-        __builtin_memcpy(dst + 4 * k, pixels, 4);
-    }
-}
-
 int32_t zivColorI422HtoYUYVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_YUYV)) return status;
     ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
@@ -150,24 +134,6 @@ int32_t zivColorI422VtoNV12u8(const Image* srcImg, const Image* dstImg) {
     copy_luma(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
     interleave_even_row(srcImg->plane[1], srcImg->plane[2], dstImg->plane[1], pairs * row_pairs);
     return zivStatus_OK;
-}
-
-// Y0 U Y1 V in two rows that share the chroma of the even columns; the byte behind the last sample taken is not touched in u
-// and v.
-[[gnu::noinline]] inline void yuyv_even_rows(const uint8_t* luma0, const uint8_t* luma1, const uint8_t* u, const uint8_t* v,
-                                             uint8_t* dst0, uint8_t* dst1, ptrdiff_t pairs) {
-    ptrdiff_t k = for_vectors_short_of_end(2 * pairs, [&](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
-        const U8<N> upper = load<N>(luma0 + j), lower = load<N>(luma1 + j);
-        const U8<N> chroma = even_pairs<N>(end.template load<N>(u + j), end.template load<N>(v + j));
-        store2<N>(dst0 + 2 * j, upper, chroma);
-        store2<N>(dst1 + 2 * j, lower, chroma);
-    });
-    for (; k < 2 * pairs; k += 2) {
-        const uint8_t upper[4] = {luma0[k], u[k], luma0[k + 1], v[k]}, lower[4] = {luma1[k], u[k], luma1[k + 1], v[k]};
-        __builtin_memcpy(dst0 + 2 * k, upper, 4);
-        __builtin_memcpy(dst1 + 2 * k, lower, 4);
-    }
 }
 
 int32_t zivColorI422VtoYUYVu8(const Image* srcImg, const Image* dstImg) {

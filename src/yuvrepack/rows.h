@@ -15,43 +15,15 @@ ZIV_INLINE uint8_t* plane_row(const Image* img, int plane, ptrdiff_t row) {
 
 ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptrdiff_t{1}; }
 
-// for_vectors for passes that take every other byte and may not touch the byte behind the last one taken. The body loads what
-// may end there by the loader it is given: whole vectors while samples follow, one byte less at the end.
-struct WholeLoad {
-    template <int N>
-    ZIV_INLINE static U8<N> load(const uint8_t* p) {
-        return ZIVCOLOR_TARGET::load<N>(p);
-    }
-};
-struct ShortLoad {
-    template <int N>
-    ZIV_INLINE static U8<N> load(const uint8_t* p) {
-        return load_but_last<N>(p);
-    }
-};
-template <int vectors = 1, class Body>
-ZIV_INLINE ptrdiff_t for_vectors_short_of_end(ptrdiff_t count, Body body) {
-    ptrdiff_t j = 0;
-    if constexpr (vectors > 1)
-        for (; j + vectors * widest < count; j += vectors * widest) body(Vectors<widest, vectors>{}, WholeLoad{}, j);
-    for (; j + widest < count; j += widest) body(Vectors<widest, 1>{}, WholeLoad{}, j);
-    if (j + widest <= count) body(Vectors<widest, 1>{}, ShortLoad{}, j), j += widest;
-    if constexpr (widest > 32)
-        if (j + 32 <= count) body(Vectors<32, 1>{}, ShortLoad{}, j), j += 32;
-    if constexpr (widest > 16)
-        if (j + 16 <= count) body(Vectors<16, 1>{}, ShortLoad{}, j), j += 16;
-    return j;
-}
-
 // first[0] second[0] first[1] second[1] ...
 [[gnu::noinline]] inline void interleave_row(const uint8_t* first, const uint8_t* second, uint8_t* dst, ptrdiff_t pairs) {
-    ptrdiff_t k = for_vectors<2>(pairs, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
-        U8<N> a[step.vectors], b[step.vectors];
-        for (int i = 0; i < step.vectors; i++) a[i] = load<N>(first + j + i * N);
-        for (int i = 0; i < step.vectors; i++) b[i] = load<N>(second + j + i * N);
-        for (int i = 0; i < step.vectors; i++) store2<N>(dst + 2 * (j + i * N), a[i], b[i]);
-    });
+    ptrdiff_t k = move_row<2>(
+        pairs, lead_of<2>(dst),
+        [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            return Channels<N, 2>{{load<N>(first + j), load<N>(second + j)}};
+        },
+        [=](auto step, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store2<step.value>(dst + 2 * j, v.c[0], v.c[1]); });
     for (; k < pairs; k++) {
         const uint8_t a = first[k], b = second[k];
         dst[2 * k] = a;
@@ -61,13 +33,10 @@ ZIV_INLINE ptrdiff_t for_vectors_short_of_end(ptrdiff_t count, Body body) {
 
 // The inverse.
 [[gnu::noinline]] inline void split_row(const uint8_t* src, uint8_t* first, uint8_t* second, ptrdiff_t pairs) {
-    ptrdiff_t k = for_vectors<4>(pairs, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
-        Channels<N, 2> v[step.vectors];
-        for (int i = 0; i < step.vectors; i++) v[i] = load2<N>(src + 2 * (j + i * N));
-        for (int i = 0; i < step.vectors; i++) store(first + j + i * N, v[i].c[0]);
-        for (int i = 0; i < step.vectors; i++) store(second + j + i * N, v[i].c[1]);
-    });
+    ptrdiff_t k = move_row<4>(
+        pairs, lead_of<1>(first), [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY { return load2<step.value>(src + 2 * j); },
+        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(first + j, v.c[0]); },
+        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(second + j, v.c[1]); });
     for (; k < pairs; k++) {
         const uint8_t a = src[2 * k], b = src[2 * k + 1];
         first[k] = a;
@@ -77,12 +46,9 @@ ZIV_INLINE ptrdiff_t for_vectors_short_of_end(ptrdiff_t count, Body body) {
 
 // src[1] src[0] src[3] src[2] ...
 [[gnu::noinline]] inline void swap_row(const uint8_t* src, uint8_t* dst, ptrdiff_t pairs) {
-    ptrdiff_t k = for_vectors<4>(2 * pairs, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
-        U8<N> v[step.vectors];
-        for (int i = 0; i < step.vectors; i++) v[i] = load<N>(src + j + i * N);
-        for (int i = 0; i < step.vectors; i++) store(dst + j + i * N, swap_pairs<N>(v[i]));
-    });
+    ptrdiff_t k = move_row<4>(
+        2 * pairs, lead_of<2, 2>(dst), [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY { return load<step.value>(src + j); },
+        [=](auto step, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(dst + j, swap_pairs<step.value>(v)); });
     for (; k < 2 * pairs; k += 2) {
         const uint8_t a = src[k], b = src[k + 1];
         dst[k] = b;
@@ -92,31 +58,83 @@ ZIV_INLINE ptrdiff_t for_vectors_short_of_end(ptrdiff_t count, Body body) {
 
 // src[0] src[2] src[4] ...; the byte behind the last one taken is not touched.
 [[gnu::noinline]] inline void even_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) {
-    ptrdiff_t k = for_vectors_short_of_end<2>(count, [&](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
-        U8<N> v[step.vectors];
-        for (int i = 0; i < step.vectors; i++) {
-            const uint8_t* p = src + 2 * (j + i * N);
-            v[i] = even_lanes<N>(load<N>(p), end.template load<N>(p + N));
-        }
-        for (int i = 0; i < step.vectors; i++) store(dst + j + i * N, v[i]);
-    });
+    ptrdiff_t k = move_row<2, ShortLoad>(
+        count, lead_of<1>(dst),
+        [=](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            return even_lanes<N>(load<N>(src + 2 * j), end.template load<N>(src + 2 * j + N));
+        },
+        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(dst + j, v); });
     for (; k < count; k++) dst[k] = src[2 * k];
+}
+
+// The same of two rows.
+[[gnu::noinline]] inline void even_rows(const uint8_t* src0, const uint8_t* src1, uint8_t* dst0, uint8_t* dst1,
+                                        ptrdiff_t count) {
+    ptrdiff_t k = move_row<1, ShortLoad>(
+        count, lead_of<1>(dst0),
+        [=](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            return Channels<N, 2>{{even_lanes<N>(load<N>(src0 + 2 * j), end.template load<N>(src0 + 2 * j + N)),
+                                   even_lanes<N>(load<N>(src1 + 2 * j), end.template load<N>(src1 + 2 * j + N))}};
+        },
+        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(dst0 + j, v.c[0]); },
+        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(dst1 + j, v.c[1]); });
+    for (; k < count; k++) {
+        dst0[k] = src0[2 * k];
+        dst1[k] = src1[2 * k];
+    }
 }
 
 // first[0] second[0] first[2] second[2] ...; the byte behind the last one taken is not touched in either.
 [[gnu::noinline]] inline void interleave_even_row(const uint8_t* first, const uint8_t* second, uint8_t* dst, ptrdiff_t pairs) {
-    ptrdiff_t k = for_vectors_short_of_end<2>(2 * pairs, [&](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
-        U8<N> a[step.vectors], b[step.vectors];
-        for (int i = 0; i < step.vectors; i++) a[i] = end.template load<N>(first + j + i * N);
-        for (int i = 0; i < step.vectors; i++) b[i] = end.template load<N>(second + j + i * N);
-        for (int i = 0; i < step.vectors; i++) store(dst + j + i * N, even_pairs<N>(a[i], b[i]));
-    });
+    ptrdiff_t k = move_row<2, ShortLoad>(
+        2 * pairs, lead_of<2, 2>(dst),
+        [=](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            return even_pairs<N>(end.template load<N>(first + j), end.template load<N>(second + j));
+        },
+        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(dst + j, v); });
     for (; k < 2 * pairs; k += 2) {
         const uint8_t a = first[k], b = second[k];
         dst[k] = a;
         dst[k + 1] = b;
+    }
+}
+
+// Y0 U Y1 V from two luma samples and one of each chroma plane.
+[[gnu::noinline]] inline void yuyv_row(const uint8_t* luma, const uint8_t* u, const uint8_t* v, uint8_t* dst, ptrdiff_t pairs) {
+    ptrdiff_t k = for_vectors(pairs, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        constexpr int N = step.value;
+        if constexpr (N > 16) {
+            for (int line = 0; line < 4 * N; line += 64) __builtin_prefetch(dst + 4 * j + 1024 + line, 1);
+            for (int line = 0; line < 2 * N; line += 64) __builtin_prefetch(luma + 2 * j + 1024 + line);
+        }
+        store_yuyv<N>(dst + 4 * j, luma + 2 * j, u + j, v + j);
+    });
+    for (; k < pairs; k++) {
+        const uint8_t pixels[4] = {luma[2 * k], u[k], luma[2 * k + 1], v[k]};
+        __builtin_memcpy(dst + 4 * k, pixels, 4);
+    }
+}
+
+// Y0 U Y1 V in two rows that share the chroma of the even columns; the byte behind the last sample taken is not touched in u
+// and v.
+[[gnu::noinline]] inline void yuyv_even_rows(const uint8_t* luma0, const uint8_t* luma1, const uint8_t* u, const uint8_t* v,
+                                             uint8_t* dst0, uint8_t* dst1, ptrdiff_t pairs) {
+    ptrdiff_t k = move_row<2, ShortLoad>(
+        2 * pairs, lead_of<4, 2>(dst0),
+        [=](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            const U8<N> chroma = even_pairs<N>(end.template load<N>(u + j), end.template load<N>(v + j));
+            return Channels<N, 3>{{load<N>(luma0 + j), load<N>(luma1 + j), chroma}};
+        },
+        [=](auto step, auto w, ptrdiff_t j) ZIV_INLINE_BODY { store2<step.value>(dst0 + 2 * j, w.c[0], w.c[2]); },
+        [=](auto step, auto w, ptrdiff_t j) ZIV_INLINE_BODY { store2<step.value>(dst1 + 2 * j, w.c[1], w.c[2]); });
+    for (; k < 2 * pairs; k += 2) {
+        const uint8_t upper[4] = {luma0[k], u[k], luma0[k + 1], v[k]}, lower[4] = {luma1[k], u[k], luma1[k + 1], v[k]};
+        __builtin_memcpy(dst0 + 2 * k, upper, 4);
+        __builtin_memcpy(dst1 + 2 * k, lower, 4);
     }
 }
 
