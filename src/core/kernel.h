@@ -51,21 +51,23 @@ ZIV_INLINE ptrdiff_t blocked_columns(ptrdiff_t width) {
 
 ZIV_INLINE int clamp_byte(int value) { return value < 0 ? 0 : value > 255 ? 255 : value; }
 
-// Covers columns 0 to columns - 1 with steps of the target's widest vector first and narrower ones for what is left.
-// columns is a multiple of 16. The body is called as body(Step<bytes>{}, column).
+// A step of a pass: `value` bytes in each vector.
 template <int bytes>
 struct Step {
     static constexpr int value = bytes;
 };
 
+// Covers columns 0 to columns - 1 with steps of the target's widest vector first and narrower ones for what is left, and
+// returns the first column left over: fewer than 16 are. The body is called as body(Step<bytes>{}, column).
 template <class Body>
-ZIV_INLINE void for_steps(ptrdiff_t columns, Body body) {
+ZIV_INLINE ptrdiff_t for_steps(ptrdiff_t columns, Body body) {
     ptrdiff_t j = 0;
     for (; j + widest <= columns; j += widest) body(Step<widest>{}, j);
     if constexpr (widest > 32)
         if (j + 32 <= columns) body(Step<32>{}, j), j += 32;
     if constexpr (widest > 16)
-        if (j + 16 <= columns) body(Step<16>{}, j);
+        if (j + 16 <= columns) body(Step<16>{}, j), j += 16;
+    return j;
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

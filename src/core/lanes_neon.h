@@ -254,10 +254,13 @@ ZIV_INLINE void copy_four<16>(uint8_t* dst, const uint8_t* src) {
     vst1q_u8_x4(dst, vld1q_u8_x4(src));
 }
 template <>
-ZIV_INLINE void store_yuyv<16>(uint8_t* p, const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
-    const uint8x16x2_t y = vld2q_u8(luma);
-    const uint8x16x4_t q = {{y.val[0], vld1q_u8(u), y.val[1], vld1q_u8(v)}};
-    vst4q_u8(p, q);
+ZIV_INLINE Channels<16, 4> load_for_yuyv<16>(const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
+    const Channels<16, 2> y = load2<16>(luma);
+    return {{y.c[0], load<16>(u), y.c[1], load<16>(v)}};
+}
+template <>
+ZIV_INLINE void store_yuyv<16>(uint8_t* p, const Channels<16, 4>& parts) {
+    store4<16>(p, parts.c[0], parts.c[1], parts.c[2], parts.c[3]);
 }
 
 // One table for four vectors, where rev64 and ext are two instructions each.

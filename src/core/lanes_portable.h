@@ -479,13 +479,16 @@ ZIV_INLINE void copy_four(uint8_t* dst, const uint8_t* src) {
     store_four<N>(dst, load_four<N>(src));
 }
 
-// Y0 U Y1 V: 2 N luma samples with N samples of each chroma plane.
+// Y0 U Y1 V: 2 N luma samples with N samples of each chroma plane, which wait in an order of the target's own.
 template <int N>
-ZIV_INLINE void store_yuyv(uint8_t* p, const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
-    const U8<N> low = merge_bytes<N>(load_widened<N>(u), load_widened<N>(v));
-    const U8<N> high = merge_bytes<N>(load_widened<N>(u + N / 2), load_widened<N>(v + N / 2));
-    store2<N>(p, load<N>(luma), low);
-    store2<N>(p + 2 * N, load<N>(luma + N), high);
+ZIV_INLINE Channels<N, 4> load_for_yuyv(const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
+    return {{load<N>(luma), load<N>(luma + N), merge_bytes<N>(load_widened<N>(u), load_widened<N>(v)),
+             merge_bytes<N>(load_widened<N>(u + N / 2), load_widened<N>(v + N / 2))}};
+}
+template <int N>
+ZIV_INLINE void store_yuyv(uint8_t* p, const Channels<N, 4>& parts) {
+    store2<N>(p, parts.c[0], parts.c[2]);
+    store2<N>(p + 2 * N, parts.c[1], parts.c[3]);
 }
 
 // ---- Turning and mirroring. A vector of 32 or 64 bytes is parts of 16 bytes side by side, and the terms on parts treat each

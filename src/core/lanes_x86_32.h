@@ -436,6 +436,29 @@ struct PixelPack565<32, high, low> {
     }
 };
 
+// ---- Runs of bytes ----
+
+// Luma and pairs with the quarters 0, 2, 1, 3, as unpacking takes them.
+ZIV_INLINE U8<32> load_split(const uint8_t* p) { return (U8<32>)_mm256_permute4x64_epi64(load256(p), 0xD8); }
+ZIV_INLINE constexpr int split_pair(int n) { return n % 16 / 8 * 8 + n / 16 * 4 + n % 8 / 2; }
+ZIV_INLINE U8<32> load_pairs_split(const uint8_t* u, const uint8_t* v) {
+    const __m256i even = bytes256([](int n) { return n % 2 ? 0x80 : split_pair(n); });
+    const __m256i odd = bytes256([](int n) { return n % 2 ? split_pair(n) : 0x80; });
+    return (U8<32>)_mm256_or_si256(_mm256_shuffle_epi8(both_halves(load128(u)), even),
+                                   _mm256_shuffle_epi8(both_halves(load128(v)), odd));
+}
+template <>
+ZIV_INLINE Channels<32, 4> load_for_yuyv<32>(const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
+    return {{load_split(luma), load_split(luma + 32), load_pairs_split(u, v), load_pairs_split(u + 16, v + 16)}};
+}
+template <>
+ZIV_INLINE void store_yuyv<32>(uint8_t* p, const Channels<32, 4>& parts) {
+    for (int k = 0; k < 2; k++) {
+        store256(p + 64 * k, _mm256_unpacklo_epi8((__m256i)parts.c[k], (__m256i)parts.c[2 + k]));
+        store256(p + 64 * k + 32, _mm256_unpackhi_epi8((__m256i)parts.c[k], (__m256i)parts.c[2 + k]));
+    }
+}
+
 // ---- Turning and mirroring ----
 
 template <>

@@ -484,12 +484,16 @@ ZIV_INLINE void store_yuyv_part(uint8_t* p, __m512i luma, __m512i chroma) {
     store512(p, _mm512_mask_permutexvar_epi8(_mm512_permutexvar_epi8(index, luma), from_chroma, index, chroma));
 }
 template <>
-ZIV_INLINE void store_yuyv<64>(uint8_t* p, const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
+ZIV_INLINE Channels<64, 4> load_for_yuyv<64>(const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
+    const __m512i low = _mm512_inserti64x4(_mm512_castsi256_si512(load256(u)), load256(v), 1);
+    const __m512i high = _mm512_inserti64x4(_mm512_castsi256_si512(load256(u + 32)), load256(v + 32), 1);
+    return {{load<64>(luma), load<64>(luma + 64), (U8<64>)low, (U8<64>)high}};
+}
+template <>
+ZIV_INLINE void store_yuyv<64>(uint8_t* p, const Channels<64, 4>& parts) {
     for (int half = 0; half < 2; half++) {
-        const __m512i y = load512(luma + 64 * half);
-        const __m512i chroma = _mm512_inserti64x4(_mm512_castsi256_si512(load256(u + 32 * half)), load256(v + 32 * half), 1);
-        store_yuyv_part<0>(p + 128 * half, y, chroma);
-        store_yuyv_part<1>(p + 128 * half + 64, y, chroma);
+        store_yuyv_part<0>(p + 128 * half, (__m512i)parts.c[half], (__m512i)parts.c[2 + half]);
+        store_yuyv_part<1>(p + 128 * half + 64, (__m512i)parts.c[half], (__m512i)parts.c[2 + half]);
     }
 }
 

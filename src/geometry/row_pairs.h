@@ -88,7 +88,7 @@ template <Samples samples>
         store_four<widest>(dst + j, out);
     }
     const ptrdiff_t start = j;
-    j += for_vectors(bytes - start, [&](auto size, ptrdiff_t k) ZIV_INLINE_BODY { step(size, start + k); });
+    j += for_steps(bytes - start, [&](auto size, ptrdiff_t k) ZIV_INLINE_BODY { step(size, start + k); });
     if (j == bytes) return;
     if (bytes >= 16) return step(Step<16>{}, bytes - 16);
     for (j = 0; j < bytes; j += 2) {

@@ -91,15 +91,13 @@ int32_t zivColorYUVtoNV21u8(const Image* srcImg, const Image* dstImg) {
         uint8_t* luma1 = luma0 + dstImg->pitch[0];
         uint8_t* chroma = plane_row(dstImg, 1, i >> 1);
         ptrdiff_t j = move_row<1>(
-            width & ~ptrdiff_t{7}, lead_of<2, 2>(luma0),
+            width & ~ptrdiff_t{7}, no_lead,
             [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
                 constexpr int N = step.value;
                 const Channels<N, 3> upper = load3<N>(src0 + 3 * k);
                 return Channels<N, 3>{{upper.c[0], load3<N>(src1 + 3 * k).c[0], even_pairs<N>(upper.c[2], upper.c[1])}};
             },
-            [=](auto, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store(luma0 + k, v.c[0]); },
-            [=](auto, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store(luma1 + k, v.c[1]); },
-            [=](auto, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store(chroma + k, v.c[2]); });
+            ToPlane<0>{luma0}, ToPlane<1>{luma1}, ToPlane<2>{chroma});
         for (; j < width; j += 2) {
             const uint8_t *upper = src0 + 3 * j, *lower = src1 + 3 * j;
             const uint8_t y00 = upper[0], u = upper[1], v = upper[2], y01 = upper[3], y10 = lower[0], y11 = lower[3];
@@ -130,9 +128,11 @@ int32_t zivColorNV21toYUVu8(const Image* srcImg, const Image* dstImg) {
                 constexpr int N = step.value;
                 return Channels<N, 3>{{load<N>(luma0 + k), load<N>(luma1 + k), load<N>(chroma + k)}};
             },
-            [=](auto step, auto v, ptrdiff_t k) ZIV_INLINE_BODY {
+            [=](auto step, const auto& v, ptrdiff_t k) ZIV_INLINE_BODY {
                 constexpr int N = step.value;
                 const PackedChroma<N> pairs = packed_chroma<N>(v.c[2]);
+                expect_writes<3 * N>(dst0 + 3 * k);
+                expect_writes<3 * N>(dst1 + 3 * k);
                 store_packed<N>(dst0 + 3 * k, v.c[0], pairs);
                 store_packed<N>(dst1 + 3 * k, v.c[1], pairs);
             });

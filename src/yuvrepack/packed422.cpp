@@ -23,8 +23,7 @@ int32_t zivColorNV12toYUYVu8(const Image* srcImg, const Image* dstImg) {
                 constexpr int N = step.value;
                 return Channels<N, 3>{{load<N>(luma0 + k), load<N>(luma1 + k), load<N>(chroma + k)}};
             },
-            [=](auto step, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store2<step.value>(dst0 + 2 * k, v.c[0], v.c[2]); },
-            [=](auto step, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store2<step.value>(dst1 + 2 * k, v.c[1], v.c[2]); });
+            ToPairs<0, 2>{dst0}, ToPairs<1, 2>{dst1});
         for (; j < width; j += 2) {
             const uint8_t u = chroma[j], v = chroma[j + 1];
             const uint8_t upper[4] = {luma0[j], u, luma0[j + 1], v}, lower[4] = {luma1[j], u, luma1[j + 1], v};
@@ -49,7 +48,7 @@ int32_t zivColorNV21toYUYVu8(const Image* srcImg, const Image* dstImg) {
                 constexpr int N = step.value;
                 return Channels<N, 2>{{load<N>(luma + k), swap_pairs<N>(load<N>(chroma + k))}};
             },
-            [=](auto step, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store2<step.value>(dst + 2 * k, v.c[0], v.c[1]); });
+            ToPairs<0, 1>{dst});
         for (; j < columns; j += 2) {
             const uint8_t pixels[4] = {luma[j], chroma[j + 1], luma[j + 1], chroma[j]};
             __builtin_memcpy(dst + 2 * j, pixels, 4);
@@ -61,10 +60,13 @@ int32_t zivColorNV21toYUYVu8(const Image* srcImg, const Image* dstImg) {
 // Whole pairs of rows and columns only.
 int32_t zivColorI420toYUYVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_I420, zivPixFmt_YUYV, both_2x2)) return status;
-    const ptrdiff_t pairs = dstImg->width >> 1, rows = dstImg->height & ~1;
-    for (ptrdiff_t i = 0; i < rows; i++)
-        yuyv_row(plane_row(srcImg, 0, i), plane_row(srcImg, 1, i >> 1), plane_row(srcImg, 2, i >> 1), plane_row(dstImg, 0, i),
-                 pairs);
+    const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
+    for (ptrdiff_t i = 0; i < row_pairs; i++) {
+        const uint8_t* luma = plane_row(srcImg, 0, 2 * i);
+        uint8_t* dst = plane_row(dstImg, 0, 2 * i);
+        yuyv_rows(luma, luma + srcImg->pitch[0], plane_row(srcImg, 1, i), plane_row(srcImg, 2, i), dst, dst + dstImg->pitch[0],
+                  pairs);
+    }
     return zivStatus_OK;
 }
 
@@ -74,9 +76,12 @@ int32_t zivColorI420toYUYVu8(const Image* srcImg, const Image* dstImg) {
 [[gnu::noinline]] inline void unpack_row_vu(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     ptrdiff_t j = move_row<2>(
         columns, lead_of<2, 2>(luma),
-        [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY { return load2<step.value>(src + 2 * k); },
-        [=](auto, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store(luma + k, v.c[0]); },
-        [=](auto step, auto v, ptrdiff_t k) ZIV_INLINE_BODY { store(chroma + k, swap_pairs<step.value>(v.c[1])); });
+        [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            const Channels<N, 2> v = load2<N>(src + 2 * k);
+            return Channels<N, 2>{{v.c[0], swap_pairs<N>(v.c[1])}};
+        },
+        ToPlane<0>{luma}, ToPlane<1>{chroma});
     for (; j < columns; j += 2) {
         const uint8_t pixels[4] = {src[2 * j], src[2 * j + 1], src[2 * j + 2], src[2 * j + 3]};
         luma[j] = pixels[0];
@@ -149,10 +154,13 @@ int32_t zivColorYUYVtoNV12u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth,
             const Channels<N, 2> a = load2<N>(src + 4 * k), b = load2<N>(src + 4 * k + 2 * N);
             return Channels<N, 4>{{a.c[0], b.c[0], even_lanes<N>(a.c[1], b.c[1]), odd_lanes<N>(a.c[1], b.c[1])}};
         },
-        [=](auto, auto w, ptrdiff_t k)
-            ZIV_INLINE_BODY { store(luma + 2 * k, w.c[0]), store(luma + 2 * k + sizeof w.c[0], w.c[1]); },
-        [=](auto, auto w, ptrdiff_t k) ZIV_INLINE_BODY { store(u + k, w.c[2]); },
-        [=](auto, auto w, ptrdiff_t k) ZIV_INLINE_BODY { store(v + k, w.c[3]); });
+        [=](auto step, const auto& w, ptrdiff_t k) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            expect_writes<2 * N>(luma + 2 * k);
+            store(luma + 2 * k, w.c[0]);
+            store(luma + 2 * k + N, w.c[1]);
+        },
+        ToPlane<2>{u}, ToPlane<3>{v});
     for (; j < pairs; j++) {
         const uint8_t pixels[4] = {src[4 * j], src[4 * j + 1], src[4 * j + 2], src[4 * j + 3]};
         luma[2 * j] = pixels[0];

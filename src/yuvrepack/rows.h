@@ -2,6 +2,7 @@
 // given, any number of them, in ascending order.
 #pragma once
 
+#include "core/move_row.h"
 #include "core/rows.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
@@ -23,7 +24,7 @@ ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptr
             constexpr int N = step.value;
             return Channels<N, 2>{{load<N>(first + j), load<N>(second + j)}};
         },
-        [=](auto step, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store2<step.value>(dst + 2 * j, v.c[0], v.c[1]); });
+        ToPairs<0, 1>{dst});
     for (; k < pairs; k++) {
         const uint8_t a = first[k], b = second[k];
         dst[2 * k] = a;
@@ -35,8 +36,7 @@ ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptr
 [[gnu::noinline]] inline void split_row(const uint8_t* src, uint8_t* first, uint8_t* second, ptrdiff_t pairs) {
     ptrdiff_t k = move_row<4>(
         pairs, lead_of<1>(first), [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY { return load2<step.value>(src + 2 * j); },
-        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(first + j, v.c[0]); },
-        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(second + j, v.c[1]); });
+        ToPlane<0>{first}, ToPlane<1>{second});
     for (; k < pairs; k++) {
         const uint8_t a = src[2 * k], b = src[2 * k + 1];
         first[k] = a;
@@ -47,8 +47,12 @@ ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptr
 // src[1] src[0] src[3] src[2] ...
 [[gnu::noinline]] inline void swap_row(const uint8_t* src, uint8_t* dst, ptrdiff_t pairs) {
     ptrdiff_t k = move_row<4>(
-        2 * pairs, lead_of<2, 2>(dst), [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY { return load<step.value>(src + j); },
-        [=](auto step, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(dst + j, swap_pairs<step.value>(v)); });
+        2 * pairs, lead_of<2, 2>(dst),
+        [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            return Channels<N, 1>{{swap_pairs<N>(load<N>(src + j))}};
+        },
+        ToPlane<0>{dst});
     for (; k < 2 * pairs; k += 2) {
         const uint8_t a = src[k], b = src[k + 1];
         dst[k] = b;
@@ -62,9 +66,9 @@ ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptr
         count, lead_of<1>(dst),
         [=](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr int N = step.value;
-            return even_lanes<N>(load<N>(src + 2 * j), end.template load<N>(src + 2 * j + N));
+            return Channels<N, 1>{{even_lanes<N>(load<N>(src + 2 * j), end.template load<N>(src + 2 * j + N))}};
         },
-        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(dst + j, v); });
+        ToPlane<0>{dst});
     for (; k < count; k++) dst[k] = src[2 * k];
 }
 
@@ -78,8 +82,7 @@ ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptr
             return Channels<N, 2>{{even_lanes<N>(load<N>(src0 + 2 * j), end.template load<N>(src0 + 2 * j + N)),
                                    even_lanes<N>(load<N>(src1 + 2 * j), end.template load<N>(src1 + 2 * j + N))}};
         },
-        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(dst0 + j, v.c[0]); },
-        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(dst1 + j, v.c[1]); });
+        ToPlane<0>{dst0}, ToPlane<1>{dst1});
     for (; k < count; k++) {
         dst0[k] = src0[2 * k];
         dst1[k] = src1[2 * k];
@@ -92,9 +95,9 @@ ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptr
         2 * pairs, lead_of<2, 2>(dst),
         [=](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr int N = step.value;
-            return even_pairs<N>(end.template load<N>(first + j), end.template load<N>(second + j));
+            return Channels<N, 1>{{even_pairs<N>(end.template load<N>(first + j), end.template load<N>(second + j))}};
         },
-        [=](auto, auto v, ptrdiff_t j) ZIV_INLINE_BODY { store(dst + j, v); });
+        ToPlane<0>{dst});
     for (; k < 2 * pairs; k += 2) {
         const uint8_t a = first[k], b = second[k];
         dst[k] = a;
@@ -104,17 +107,44 @@ ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptr
 
 // Y0 U Y1 V from two luma samples and one of each chroma plane.
 [[gnu::noinline]] inline void yuyv_row(const uint8_t* luma, const uint8_t* u, const uint8_t* v, uint8_t* dst, ptrdiff_t pairs) {
-    ptrdiff_t k = for_vectors(pairs, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        constexpr int N = step.value;
-        if constexpr (N > 16) {
-            for (int line = 0; line < 4 * N; line += 64) __builtin_prefetch(dst + 4 * j + 1024 + line, 1);
-            for (int line = 0; line < 2 * N; line += 64) __builtin_prefetch(luma + 2 * j + 1024 + line);
-        }
-        store_yuyv<N>(dst + 4 * j, luma + 2 * j, u + j, v + j);
-    });
+    ptrdiff_t k = move_row<1>(
+        pairs, lead_of<4>(dst),
+        [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY { return load_for_yuyv<step.value>(luma + 2 * j, u + j, v + j); },
+        [=](auto step, const auto& parts, ptrdiff_t j) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            expect_writes<4 * N>(dst + 4 * j);
+            store_yuyv<N>(dst + 4 * j, parts);
+        });
     for (; k < pairs; k++) {
         const uint8_t pixels[4] = {luma[2 * k], u[k], luma[2 * k + 1], v[k]};
         __builtin_memcpy(dst + 4 * k, pixels, 4);
+    }
+}
+
+// The same of two rows that share their chroma.
+[[gnu::noinline]] inline void yuyv_rows(const uint8_t* luma0, const uint8_t* luma1, const uint8_t* u, const uint8_t* v,
+                                        uint8_t* dst0, uint8_t* dst1, ptrdiff_t pairs) {
+    ptrdiff_t k = move_row<1>(
+        pairs, lead_of<4>(dst0),
+        [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            struct {
+                Channels<N, 4> upper, lower;
+            } rows{load_for_yuyv<N>(luma0 + 2 * j, u + j, v + j), load_for_yuyv<N>(luma1 + 2 * j, u + j, v + j)};
+            return rows;
+        },
+        [=](auto step, const auto& rows, ptrdiff_t j) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            expect_writes<4 * N>(dst0 + 4 * j);
+            expect_writes<4 * N>(dst1 + 4 * j);
+            store_yuyv<N>(dst0 + 4 * j, rows.upper);
+            store_yuyv<N>(dst1 + 4 * j, rows.lower);
+        });
+    for (; k < pairs; k++) {
+        const uint8_t upper[4] = {luma0[2 * k], u[k], luma0[2 * k + 1], v[k]};
+        const uint8_t lower[4] = {luma1[2 * k], u[k], luma1[2 * k + 1], v[k]};
+        __builtin_memcpy(dst0 + 4 * k, upper, 4);
+        __builtin_memcpy(dst1 + 4 * k, lower, 4);
     }
 }
 
@@ -129,8 +159,7 @@ ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptr
             const U8<N> chroma = even_pairs<N>(end.template load<N>(u + j), end.template load<N>(v + j));
             return Channels<N, 3>{{load<N>(luma0 + j), load<N>(luma1 + j), chroma}};
         },
-        [=](auto step, auto w, ptrdiff_t j) ZIV_INLINE_BODY { store2<step.value>(dst0 + 2 * j, w.c[0], w.c[2]); },
-        [=](auto step, auto w, ptrdiff_t j) ZIV_INLINE_BODY { store2<step.value>(dst1 + 2 * j, w.c[1], w.c[2]); });
+        ToPairs<0, 2>{dst0}, ToPairs<1, 2>{dst1});
     for (; k < 2 * pairs; k += 2) {
         const uint8_t upper[4] = {luma0[k], u[k], luma0[k + 1], v[k]}, lower[4] = {luma1[k], u[k], luma1[k + 1], v[k]};
         __builtin_memcpy(dst0 + 2 * k, upper, 4);
