@@ -22,6 +22,9 @@ ZIV_INLINE void store(uint8_t* p, V v) {
 // Hints that the bytes from p on will soon be written, step by step. Touches nothing.
 template <int bytes>
 ZIV_INLINE void expect_writes(uint8_t*) {}
+// The same for the `bytes` bytes that are read there.
+template <int bytes>
+ZIV_INLINE void expect_reads(const uint8_t*) {}
 
 // N / 2 bytes, zero-widened to 16-bit lanes.
 template <int N>

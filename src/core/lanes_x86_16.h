@@ -19,6 +19,12 @@ requires(bytes > 0) ZIV_INLINE void expect_writes(uint8_t* p) {
     for (uintptr_t line = 0; line < bytes; line += 64) __builtin_prefetch(reinterpret_cast<const void*>(ahead + line), 1);
 }
 
+template <int bytes>
+requires(bytes > 64) ZIV_INLINE void expect_reads(const uint8_t* p) {
+    const uintptr_t ahead = reinterpret_cast<uintptr_t>(p) + 1024;
+    for (uintptr_t line = 0; line < bytes; line += 64) __builtin_prefetch(reinterpret_cast<const void*>(ahead + line));
+}
+
 template <>
 ZIV_INLINE U16<16> load_widened<16>(const uint8_t* p) {
     return (U16<16>)_mm_cvtepu8_epi16(load64(p));

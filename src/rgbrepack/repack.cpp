@@ -1,7 +1,7 @@
 // RGB from one byte layout to another: channels reordered, alpha dropped or added, or packed into 16-bit words. No arithmetic
 // beyond shifts and masks. Blocked columns and tail give the same bytes, so a step is as wide as the target likes; every step
 // reads its pixels whole before it writes the first.
-#include "core/kernel.h"
+#include "core/rows.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
@@ -16,12 +16,32 @@ ZIV_INLINE void for_rows(const Image* srcImg, const Image* dstImg, Row row) {
         row(row_at(srcImg->plane[0], i, srcImg->pitch[0]), row_at(dstImg->plane[0], i, dstImg->pitch[0]), pixels);
 }
 
+// Covers pixels 0 to blocked - 1 of a row, a multiple of 16, with steps: body(Step<n>{}, pixel). A store that crosses a cache
+// line costs the most: where the rows share no byte, the steps after the first start at an aligned destination, and the last
+// ends with the row, so that some pixels are written twice.
+template <int in, int out, class Body>
+ZIV_INLINE void for_pixel_steps(const uint8_t* src, uint8_t* dst, ptrdiff_t blocked, Body body) {
+    const auto convert = [=](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        expect_reads<in * step.value>(src + in * j);
+        body(step, j);
+    };
+    const ptrdiff_t lead = lead_of<out>(dst);
+    const uintptr_t ahead = reinterpret_cast<uintptr_t>(dst) - reinterpret_cast<uintptr_t>(src);
+    const bool apart = ahead >= static_cast<uintptr_t>(in * blocked) && 0 - ahead >= static_cast<uintptr_t>(out * blocked);
+    if (lead == 0 || blocked < 4 * widest || !apart) return for_steps(blocked, convert);
+    convert(Step<widest>{}, 0);
+    ptrdiff_t j = lead;
+    for (; j + widest <= blocked; j += widest) convert(Step<widest>{}, j);
+    if (j < blocked) convert(Step<widest>{}, blocked - widest);
+}
+
 // ---- Outer channels exchanged: three bytes a pixel on both sides, which may be the same memory ----
 
 ZIV_INLINE void swap_row(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) {
     const ptrdiff_t blocked = blocked_columns<16>(pixels);
-    for_steps(blocked,
-              [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY { move_pixels<step.value, 3, 2, 1, 0>(dst + 3 * j, src + 3 * j); });
+    for_pixel_steps<3, 3>(src, dst, blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        move_pixels<step.value, 3, 2, 1, 0>(dst + 3 * j, src + 3 * j);
+    });
     for (ptrdiff_t j = blocked; j < pixels; j++) {
         const uint8_t first = src[3 * j], second = src[3 * j + 1], third = src[3 * j + 2];
         dst[3 * j] = third, dst[3 * j + 1] = second, dst[3 * j + 2] = first;
@@ -50,8 +70,9 @@ int32_t zivColorRGBA8888toBGR888u8(const Image* srcImg, const Image* dstImg) {
     const ptrdiff_t single = dstImg->width % 8 != 0;
     for_rows<4, 3>(srcImg, dstImg, [=](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
         const ptrdiff_t blocked = blocked_columns<16>(pixels - single);
-        for_steps(blocked, [&](auto step, ptrdiff_t j)
-                               ZIV_INLINE_BODY { move_pixels<step.value, 4, 2, 1, 0>(dst + 3 * j, src + 4 * j); });
+        for_pixel_steps<4, 3>(src, dst, blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+            move_pixels<step.value, 4, 2, 1, 0>(dst + 3 * j, src + 4 * j);
+        });
         for (ptrdiff_t j = blocked; j < pixels; j++) {
             const uint8_t r = src[4 * j], g = src[4 * j + 1], b = src[4 * j + 2];
             dst[3 * j] = b, dst[3 * j + 1] = g, dst[3 * j + 2] = r;
@@ -66,8 +87,9 @@ ZIV_INLINE int32_t to_argb(const Image* srcImg, const Image* dstImg, uint32_t so
     if (const int32_t status = check(srcImg, dstImg, source, zivPixFmt_ARGB8888, both_1x1)) return status;
     for_rows<3, 4>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
         const ptrdiff_t blocked = blocked_columns<16>(pixels);
-        for_steps(blocked, [&](auto step, ptrdiff_t j)
-                               ZIV_INLINE_BODY { move_pixels<step.value, 3, ones, r, 1, b>(dst + 4 * j, src + 3 * j); });
+        for_pixel_steps<3, 4>(src, dst, blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+            move_pixels<step.value, 3, ones, r, 1, b>(dst + 4 * j, src + 3 * j);
+        });
         for (ptrdiff_t j = blocked; j < pixels; j++) {
             const uint8_t red = src[3 * j + r], green = src[3 * j + 1], blue = src[3 * j + b];
             dst[4 * j] = 255, dst[4 * j + 1] = red, dst[4 * j + 2] = green, dst[4 * j + 3] = blue;
@@ -92,8 +114,9 @@ ZIV_INLINE int32_t to_565(const Image* srcImg, const Image* dstImg, uint32_t sou
     if (const int32_t status = check(srcImg, dstImg, source, destination, both_2x2)) return status;
     for_rows<3, 2>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
         const ptrdiff_t blocked = blocked_columns<16>(pixels);
-        for_steps(blocked, [&](auto step, ptrdiff_t j)
-                               ZIV_INLINE_BODY { pack_pixels_565<step.value, high, low>(dst + 2 * j, src + 3 * j); });
+        for_pixel_steps<3, 2>(src, dst, blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+            pack_pixels_565<step.value, high, low>(dst + 2 * j, src + 3 * j);
+        });
         for (ptrdiff_t j = blocked; j < pixels; j++) {
             const int x = src[3 * j + high], g = src[3 * j + 1], z = src[3 * j + low];
             dst[2 * j] = static_cast<uint8_t>(((g << 3) & 0xE0) | (z >> 3));
