@@ -41,8 +41,8 @@ struct ToPairs {
     }
 };
 
-// How many samples stand before the first whose place is aligned for the widest vectors, where a store that crosses a cache line
-// is dear; 0 if that is the first or no such place comes. They are fewer than `most`.
+// How many samples stand before the first whose place is aligned for the widest vectors, where a store that crosses a cache
+// line is dear; 0 if that is the first or no such place comes. They are fewer than `most`.
 template <int most_samples>
 struct Lead {
     static constexpr int most = most_samples;

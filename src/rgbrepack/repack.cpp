@@ -1,7 +1,7 @@
 // RGB from one byte layout to another: channels reordered, alpha dropped or added, or packed into 16-bit words. No arithmetic
 // beyond shifts and masks. Blocked columns and tail give the same bytes, so a step is as wide as the target likes; every step
 // reads its pixels whole before it writes the first.
-#include "core/rows.h"
+#include "core/move_row.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
@@ -25,10 +25,13 @@ ZIV_INLINE void for_pixel_steps(const uint8_t* src, uint8_t* dst, ptrdiff_t bloc
         expect_reads<in * step.value>(src + in * j);
         body(step, j);
     };
-    const ptrdiff_t lead = lead_of<out>(dst);
+    const ptrdiff_t lead = widest > 16 ? lead_of<out>(dst).samples : 0;
     const uintptr_t ahead = reinterpret_cast<uintptr_t>(dst) - reinterpret_cast<uintptr_t>(src);
     const bool apart = ahead >= static_cast<uintptr_t>(in * blocked) && 0 - ahead >= static_cast<uintptr_t>(out * blocked);
-    if (lead == 0 || blocked < 4 * widest || !apart) return for_steps(blocked, convert);
+    if (lead == 0 || blocked < 4 * widest || !apart) {
+        for_steps(blocked, convert);
+        return;
+    }
     convert(Step<widest>{}, 0);
     ptrdiff_t j = lead;
     for (; j + widest <= blocked; j += widest) convert(Step<widest>{}, j);
