@@ -25,7 +25,7 @@ ZIV_INLINE void for_pixel_steps(const uint8_t* src, uint8_t* dst, ptrdiff_t bloc
         expect_reads<in * step.value>(src + in * j);
         body(step, j);
     };
-    const ptrdiff_t lead = widest > 16 ? lead_of<out>(dst).samples : 0;
+    const ptrdiff_t lead = lead_of<out>(dst).samples;
     const uintptr_t ahead = reinterpret_cast<uintptr_t>(dst) - reinterpret_cast<uintptr_t>(src);
     const bool apart = ahead >= static_cast<uintptr_t>(in * blocked) && 0 - ahead >= static_cast<uintptr_t>(out * blocked);
     if (lead == 0 || blocked < 4 * widest || !apart) {
