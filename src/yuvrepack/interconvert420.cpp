@@ -72,20 +72,22 @@ int32_t zivColorYV12toNV21u8_2(const Image* srcImg, const Image* dstImg) {
 }
 
 // Tight buffers. With an odd width luma and the chroma output run on by the rounded width, a byte further each row than the
-// image has; the source's chroma rows stay width / 2 apart.
+// image has; the source's chroma rows stay width / 2 apart. With an even width all of it is one long row.
 int32_t zivColorYV12toNV21u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height) {
     if (!pSrc || !pDst) return zivStatus_NullPointer;
     if (width < 2 || height < 2) return zivStatus_BadArgument;
-    const ptrdiff_t columns = whole_pairs_up(width), luma_bytes = width * height;
+    const ptrdiff_t luma_bytes = width * height;
+    ptrdiff_t columns = whole_pairs_up(width), pairs = columns >> 1, rows = height;
+    if (columns == width) pairs *= (height + 1) >> 1, columns = luma_bytes, rows = 1;
     const uint8_t* luma = pSrc;
     const uint8_t* first = pSrc + luma_bytes;
     const uint8_t* second = first + (luma_bytes >> 2);
     uint8_t* dst = pDst;
     uint8_t* chroma = pDst + luma_bytes;
-    for (ptrdiff_t i = 0; i < height; i++, luma += columns, dst += columns) {
+    for (ptrdiff_t i = 0; i < rows; i++, luma += columns, dst += columns) {
         copy_row(luma, dst, columns);
         if (i & 1) continue;
-        interleave_row(first, second, chroma, columns >> 1);
+        interleave_row(first, second, chroma, pairs);
         first += width >> 1;
         second += width >> 1;
         chroma += columns;

@@ -76,6 +76,8 @@ ZIV_INLINE void store_spread(uint8_t* upper, uint8_t* lower, U8<N> row, U8<N> ro
 }
 template <int N>
 ZIV_INLINE void spread_block(uint8_t* upper, uint8_t* lower, const uint8_t* row, const uint8_t* above) {
+    expect_writes<2 * N>(upper);
+    expect_writes<2 * N>(lower);
     store_spread<N>(upper, lower, load<N>(row), load<N>(row + 2), load<N>(above), load<N>(above + 2));
 }
 
