@@ -450,14 +450,10 @@ struct PixelPack565<64, high, low> {
     template <int place, int odd_place>
     ZIV_INLINE static __m512i pairs(__m512i first, __m512i last) {
         const __m512i index = bytes512([](int n) {
-            constexpr int places[] = {place, odd_place};
-            const int at = n / 2 * 3 + places[n % 2];
+            const int at = n / 2 * 3 + (n % 2 ? odd_place : place);
             return at < 64 ? at : at - 32;
         });
-        constexpr __mmask64 in_last = mask512([](int n) {
-            constexpr int places[] = {place, odd_place};
-            return n / 2 * 3 + places[n % 2] >= 64;
-        });
+        constexpr __mmask64 in_last = mask512([](int n) { return n / 2 * 3 + (n % 2 ? odd_place : place) >= 64; });
         return _mm512_mask_permutexvar_epi8(_mm512_permutexvar_epi8(index, first), in_last, index, last);
     }
     ZIV_INLINE static __m512i words(__m512i first, __m512i last) {
