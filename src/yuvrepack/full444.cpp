@@ -123,7 +123,7 @@ int32_t zivColorNV21toYUVu8(const Image* srcImg, const Image* dstImg) {
         uint8_t* dst0 = plane_row(dstImg, 0, i);
         uint8_t* dst1 = dst0 + dstImg->pitch[0];
         ptrdiff_t j = move_row<1>(
-            width & ~ptrdiff_t{1}, lead_of<6, 2>(dst0),
+            width & ~ptrdiff_t{1}, no_lead,
             [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
                 constexpr int N = step.value;
                 return Channels<N, 3>{{load<N>(luma0 + k), load<N>(luma1 + k), load<N>(chroma + k)}};

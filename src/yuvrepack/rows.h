@@ -109,7 +109,10 @@ ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptr
 [[gnu::noinline]] inline void yuyv_row(const uint8_t* luma, const uint8_t* u, const uint8_t* v, uint8_t* dst, ptrdiff_t pairs) {
     ptrdiff_t k = move_row<1>(
         pairs, lead_of<4>(dst),
-        [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY { return load_for_yuyv<step.value>(luma + 2 * j, u + j, v + j); },
+        [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY {
+            expect_reads<2 * step.value>(luma + 2 * j);
+            return load_for_yuyv<step.value>(luma + 2 * j, u + j, v + j);
+        },
         [=](auto step, const auto& parts, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr int N = step.value;
             expect_writes<4 * N>(dst + 4 * j);
