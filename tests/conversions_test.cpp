@@ -97,6 +97,24 @@ TEST_P(Conversions, AroundEveryBlockEdge) {
             }
 }
 
+// Tight images of whole blocks, long enough for kernels that take them as one row and align its stores.
+TEST_P(Conversions, LongTightImagesAtEveryAlignment) {
+    const Conversion& c = GetParam();
+    Random random{seed()};
+    for (int shift = 0; shift < 64; shift++) {
+        const ImagePair images = tight(c, random.between(1, 5) * 16, 68);
+        const Call call = [&](const zivcolor::KernelTable& kernels, uint8_t* const* buffers) {
+            uint8_t* planes[6];
+            for (int k = 0; k < 6; k++) planes[k] = buffers[k] + (k < 3 ? 0 : shift);
+            return call_of(c, images)(kernels, planes);
+        };
+        std::vector<Room> rooms = rooms_of(c, images);
+        for (Room& room : rooms) room.after += 64;
+        expect_same_bytes(call, rooms, random.next(), [&] { return describe(c, images) + ", shift " + std::to_string(shift); });
+        if (HasFailure()) return;
+    }
+}
+
 // Planes follow each other in one block of memory, as frames do: what runs over the end of one plane falls on the next.
 TEST_P(Conversions, PlanesInOneBlock) {
     const Conversion& c = GetParam();

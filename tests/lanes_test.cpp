@@ -88,6 +88,25 @@ uint8_t chroma_fractional(Rgb p, bool first) {
     const int scaled = (((first ? p.c2 : p.c0) << 7) - d) * (first ? 23372 : 18492) >> 7;
     return clamp8(((scaled + 16384) >> 15) + 128);
 }
+// Pixels of c channels: luma from in + 3 N plus a term of each channel; the fourth is the last byte.
+template <int c>
+void store_pixels(int N, const uint8_t* in, uint8_t* out) {
+    for (int i = 0; i < N; i++)
+        for (int k = 0; k < c; k++)
+            out[c * i + k] = k == 3 ? in[4 * N - 1] : clamp8(in[3 * N + i] + term_in_range(in + k * N, i / 2));
+}
+// Packed 4:2:2 to pixels of c channels: u and v are the terms of the outer channels, green takes the floor of an eighth of
+// each.
+template <int c, int u_byte>
+void packed_pixels(int N, const uint8_t* in, uint8_t* out) {
+    for (int i = 0; i < N; i++) {
+        const int luma = in[2 * i], u = in[i / 2 * 4 + 1] - 128, v = in[i / 2 * 4 + 3] - 128;
+        out[c * i + u_byte] = clamp8(luma + u);
+        out[c * i + 1] = clamp8(luma - (u >> 3) - (v >> 3));
+        out[c * i + 2 - u_byte] = clamp8(luma + v);
+        if (c == 4) out[c * i + 3] = in[4 * N - 1];
+    }
+}
 const std::map<std::string, Meaning>& meanings() {
     static const std::map<std::string, Meaning> table = {
         {"load_widened", [](int N, const uint8_t* in, uint8_t* out) { for (int i = 0; i < N / 2; i++) put16(out, i, in[i]); }},
@@ -127,13 +146,13 @@ const std::map<std::string, Meaning>& meanings() {
              for (int i = 0; i < N; i++)
                  for (int k = 0; k < 3; k++) out[3 * i + k] = clamp8(in[2 * i] + term_in_range(in + 2 * N, i / 2));
          }},
-        {"packed422_pixels4",
+        {"packed422_pairs3", packed_pixels<3, 0>},
+        {"packed422_words", packed_pixels<4, 0>},
+        {"packed422_words_reversed", packed_pixels<4, 2>},
+        {"constants",
          [](int N, const uint8_t* in, uint8_t* out) {
-             for (int i = 0; i < N; i++)
-                 for (int k = 0; k < 4; k++)
-                     out[4 * i + k] = k == 3 ? in[4 * N - 1] : clamp8(in[2 * i] + term_in_range(in + 2 * N, i / 2));
+             for (int i = 0; i < N / 2; i++) put16(out, i, in[i % 2] - 128);
          }},
-        {"packed422_pairs", moves(2, [](int N, int n) { return n % N / 2 * 4 + 1 + n / N * 2; })},
         {"constant",
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int i = 0; i < N / 2; i++) put16(out, i, in[0] - 128);
@@ -223,17 +242,10 @@ const std::map<std::string, Meaning>& meanings() {
                  out[2 * n] = chroma_short(pixel(in, 4, n & ~1), n & 1);
              }
          }},
-        {"store_pixels3",
-         [](int N, const uint8_t* in, uint8_t* out) {
-             for (int i = 0; i < N; i++)
-                 for (int k = 0; k < 3; k++) out[3 * i + k] = clamp8(in[3 * N + i] + term_in_range(in + k * N, i / 2));
-         }},
-        {"store_pixels4",
-         [](int N, const uint8_t* in, uint8_t* out) {
-             for (int i = 0; i < N; i++)
-                 for (int k = 0; k < 4; k++)
-                     out[4 * i + k] = k == 3 ? in[4 * N - 1] : clamp8(in[3 * N + i] + term_in_range(in + k * N, i / 2));
-         }},
+        {"store_pixels3", store_pixels<3>},
+        {"store_pixels4", store_pixels<4>},
+        {"store_pixels3_from_memory", store_pixels<3>},
+        {"store_pixels4_from_memory", store_pixels<4>},
     };
     return table;
 }

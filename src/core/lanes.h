@@ -61,6 +61,10 @@ struct Channels {
 #include "core/lanes_x86_64.h"
 #endif
 
+#if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
+#include "core/lanes_packed_x86.h"
+#endif
+
 namespace zivcolor::ZIVCOLOR_TARGET {
 
 // Bytes in the target's widest vector.

@@ -257,18 +257,19 @@ ZIV_INLINE bool any_zero(U16<N> v) {
 
 // ---- Luma plus a term of its chroma pair: clamp(Y + d, 0, 255) for N pixels and N / 2 pairs, |d| <= 254. ----
 
-// Terms come in lanes of 16 bits, a pair a lane, in an order of the pairs that is the target's own: these two bring chroma into
-// that order, from N / 2 pairs of bytes that stay side by side and from N / 2 bytes of one plane, zero-widened.
-template <int N>
+// Terms come in lanes of 16 bits, a pair a lane, in an order of the pairs that is the target's own for pixels of c channels:
+// these two bring chroma into that order, from N / 2 pairs of bytes that stay side by side and from N / 2 bytes of one plane,
+// zero-widened.
+template <int N, int c>
 ZIV_INLINE U8<N> arrange_pairs(U8<N> pairs) {
     return pairs;
 }
-template <int N>
+template <int N, int c>
 ZIV_INLINE U16<N> load_arranged(const uint8_t* p) {
     return load_widened<N>(p);
 }
 // Back in order: the low byte of each pair's lane in the bytes of both of its pixels. Lanes are at most 255.
-template <int N>
+template <int N, int c>
 ZIV_INLINE U8<N> double_arranged(U16<N> v) {
     return double_bytes<N>(v);
 }
@@ -283,10 +284,10 @@ struct Packed422 {
     PackedLuma<N> luma;
     U8<N> pairs;
 };
-template <int N>
+template <int N, int c>
 ZIV_INLINE Packed422<N> load_packed422(const uint8_t* p) {
     const Channels<N, 2> v = load2<N>(p);
-    return {{v.c[0]}, arrange_pairs<N>(v.c[1])};
+    return {{v.c[0]}, arrange_pairs<N, c>(v.c[1])};
 }
 
 // The terms of three channels, made once for the pixels of one or two rows.
@@ -331,7 +332,7 @@ ZIV_INLINE void store_pixels(uint8_t* p, U8<N> luma, const PixelTerms4<N>& terms
               apply_term<N>(luma, terms.colour, 2), terms.alpha);
 }
 
-// The same from packed luma.
+// The same from packed luma, and from luma in memory, all of which is read first.
 template <int N>
 ZIV_INLINE void store_pixels(uint8_t* p, PackedLuma<N> luma, const PixelTerms3<N>& terms) {
     store_pixels<N>(p, luma.luma, terms);
@@ -339,6 +340,73 @@ ZIV_INLINE void store_pixels(uint8_t* p, PackedLuma<N> luma, const PixelTerms3<N
 template <int N>
 ZIV_INLINE void store_pixels(uint8_t* p, PackedLuma<N> luma, const PixelTerms4<N>& terms) {
     store_pixels<N>(p, luma.luma, terms);
+}
+template <int N>
+ZIV_INLINE void store_pixels(uint8_t* p, const uint8_t* luma, const PixelTerms3<N>& terms) {
+    store_pixels<N>(p, load<N>(luma), terms);
+}
+template <int N>
+ZIV_INLINE void store_pixels(uint8_t* p, const uint8_t* luma, const PixelTerms4<N>& terms) {
+    store_pixels<N>(p, load<N>(luma), terms);
+}
+
+// ---- Packed 4:2:2 to four-byte pixels in lanes of 16 bits, where no two rows share chroma ----
+
+// Whether the target does well by the terms of this group.
+#if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
+inline constexpr bool packed_by_words = true;
+#else
+inline constexpr bool packed_by_words = false;
+#endif
+
+// The lanes a, b, a, b and so on.
+template <int N>
+ZIV_INLINE S16<N> constants(int a, int b) {
+    return (S16<N>)(S32<N>{} + static_cast<int32_t>((static_cast<uint32_t>(a) & 0xFFFF) | static_cast<uint32_t>(b) << 16));
+}
+
+// Lanes 2 i and 2 i + 1 exchanged.
+template <int N>
+ZIV_INLINE S16<N> swap_lanes(S16<N> v) {
+    return (S16<N>)((U32<N>)v << 16 | (U32<N>)v >> 16);
+}
+
+// N bytes Y0 U Y1 V, N / 4 pairs in an order that is the target's own: the lanes Y0 Y1, Y1 Y0, and u v, centred and times 256.
+template <int N>
+struct PackedWords {
+    S16<N> luma, swapped, chroma;
+};
+template <int N>
+ZIV_INLINE PackedWords<N> split_packed_words(S16<N> v) {
+    const S16<N> luma = v & constant<N>(255);
+    return {luma, swap_lanes<N>(luma), (v & constant<N>(-256)) ^ constant<N>(-32768)};
+}
+template <int N>
+ZIV_INLINE PackedWords<N> load_packed_words(const uint8_t* p) {
+    return split_packed_words<N>((S16<N>)load<N>(p));
+}
+
+// The channels of the same pixels, each a lane and to be saturated: that of u in the first and that of v in the second pixel of
+// a pair, the other way round, and green in both.
+template <int N>
+struct PackedSums {
+    S16<N> straight, crossed, green;
+};
+// Writes N pixels: the channel of u in byte u_byte of 0 and 2, that of v in the other.
+template <int N, int u_byte>
+ZIV_INLINE void store_packed_sums(uint8_t* p, const PackedSums<N> (&sums)[2], U8<N> alpha) {
+    Channels<N, 4> v;
+    v.c[3] = alpha;
+    for (int i = 0; i < N; i++) {
+        const PackedSums<N>& s = sums[i / (N / 2)];
+        const int lane = i % (N / 2), pair = lane & ~1;
+        const int of_u = lane == pair ? s.straight[pair] : s.crossed[pair];
+        const int of_v = lane == pair ? s.crossed[pair + 1] : s.straight[pair + 1];
+        const int channels[3] = {u_byte == 0 ? of_u : of_v, s.green[lane], u_byte == 0 ? of_v : of_u};
+        for (int k = 0; k < 3; k++)
+            v.c[k][i] = static_cast<uint8_t>(channels[k] < 0 ? 0 : channels[k] > 255 ? 255 : channels[k]);
+    }
+    store4<N>(p, v.c[0], v.c[1], v.c[2], v.c[3]);
 }
 
 // ---- Repacking of chroma ----

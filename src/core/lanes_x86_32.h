@@ -171,39 +171,9 @@ ZIV_INLINE void store4<32>(uint8_t* p, U8<32> a, U8<32> b, U8<32> c, U8<32> d) {
     store_halves(p + 48, p + 112, _mm256_unpackhi_epi16(ab_hi, cd_hi));
 }
 
-// ---- Luma plus a term of its chroma pair: 16 pixels and their 8 pairs in each half ----
+// ---- Luma plus a term of its chroma pair ----
 
-// Luma of packed 4:2:2 stays in the even bytes, 8 pixels in each half of `first` and the 8 after them in `second`.
-template <>
-struct PackedLuma<32> {
-    __m256i first, second;
-};
-template <>
-ZIV_INLINE Packed422<32> load_packed422<32>(const uint8_t* p) {
-    const __m256i a = load_halves(p, p + 32), b = load_halves(p + 16, p + 48);
-    return {{a, b}, (U8<32>)_mm256_packus_epi16(_mm256_srli_epi16(a, 8), _mm256_srli_epi16(b, 8))};
-}
-
-// Luma in every byte of its pixel: register k of c channels, in both halves.
-template <int c, int k>
-ZIV_INLINE __m256i spread_luma(U8<32> luma) {
-    return _mm256_shuffle_epi8((__m256i)luma, both_halves(bytes128([](int n) { return (16 * k + n) / c; })));
-}
-template <int c, int k>
-ZIV_INLINE __m256i spread_luma(const PackedLuma<32>& luma) {
-    const __m128i from_first = bytes128([](int n) { return (16 * k + n) / c < 8 ? (16 * k + n) / c * 2 : 0x80; });
-    const __m128i from_second = bytes128([](int n) { return (16 * k + n) / c < 8 ? 0x80 : (16 * k + n) / c * 2 - 16; });
-    constexpr bool only_first = (16 * k + 15) / c < 8, only_second = 16 * k / c >= 8;
-    if constexpr (only_first) return _mm256_shuffle_epi8(luma.first, both_halves(from_first));
-    const __m256i r = _mm256_shuffle_epi8(luma.second, both_halves(from_second));
-    return only_second ? r : _mm256_or_si256(r, _mm256_shuffle_epi8(luma.first, both_halves(from_first)));
-}
-// Register k of the stored pixels, of which there are c.
-template <int c, int k, class Luma, class Terms>
-ZIV_INLINE void store_register_pair(uint8_t* p, const Luma& luma, const Terms& t) {
-    store_halves(p + 16 * k, p + 16 * (c + k), _mm256_subs_epu8(_mm256_adds_epu8(spread_luma<c, k>(luma), t.up[k]), t.down[k]));
-}
-
+// Three channels: 16 pixels and their 8 pairs in each half.
 template <>
 struct PixelTerms3<32> {
     __m256i up[3], down[3];
@@ -221,11 +191,38 @@ ZIV_INLINE PixelTerms3<32> pixel_terms<32>(S16<32> d0, S16<32> d1, S16<32> d2) {
     return {{place_terms3<0, 0>(up01, t2), place_terms3<1, 0>(up01, t2), place_terms3<2, 0>(up01, t2)},
             {place_terms3<0, 1>(down01, t2), place_terms3<1, 1>(down01, t2), place_terms3<2, 1>(down01, t2)}};
 }
+// Luma in every byte of its pixel: register k of both halves.
+template <int k>
+ZIV_INLINE __m256i spread_luma3(U8<32> luma) {
+    return _mm256_shuffle_epi8((__m256i)luma, both_halves(luma_mask3<k>()));
+}
+// From packed 4:2:2, luma in the even bytes, 8 pixels in each half of `first` and the 8 after them in `second`.
+template <>
+struct PackedLuma<32> {
+    __m256i first, second;
+};
+template <>
+ZIV_INLINE Packed422<32> load_packed422<32, 3>(const uint8_t* p) {
+    const __m256i a = load_halves(p, p + 32), b = load_halves(p + 16, p + 48);
+    return {{a, b}, (U8<32>)_mm256_packus_epi16(_mm256_srli_epi16(a, 8), _mm256_srli_epi16(b, 8))};
+}
+template <int k>
+ZIV_INLINE __m256i spread_luma3(const PackedLuma<32>& luma) {
+    const __m128i from_first = bytes128([](int n) { return (16 * k + n) / 3 < 8 ? (16 * k + n) / 3 * 2 : 0x80; });
+    const __m128i from_second = bytes128([](int n) { return (16 * k + n) / 3 < 8 ? 0x80 : (16 * k + n) / 3 * 2 - 16; });
+    if constexpr (k == 0) return _mm256_shuffle_epi8(luma.first, both_halves(from_first));
+    const __m256i r = _mm256_shuffle_epi8(luma.second, both_halves(from_second));
+    return k == 2 ? r : _mm256_or_si256(r, _mm256_shuffle_epi8(luma.first, both_halves(from_first)));
+}
+template <int k, class Luma>
+ZIV_INLINE void store_register_pair(uint8_t* p, const Luma& luma, const PixelTerms3<32>& t) {
+    store_halves(p + 16 * k, p + 16 * (3 + k), _mm256_subs_epu8(_mm256_adds_epu8(spread_luma3<k>(luma), t.up[k]), t.down[k]));
+}
 template <class Luma>
 ZIV_INLINE void store_pixels32(uint8_t* p, const Luma& luma, const PixelTerms3<32>& t) {
-    store_register_pair<3, 0>(p, luma, t);
-    store_register_pair<3, 1>(p, luma, t);
-    store_register_pair<3, 2>(p, luma, t);
+    store_register_pair<0>(p, luma, t);
+    store_register_pair<1>(p, luma, t);
+    store_register_pair<2>(p, luma, t);
 }
 template <>
 ZIV_INLINE void store_pixels<32>(uint8_t* p, U8<32> luma, const PixelTerms3<32>& t) {
@@ -234,6 +231,23 @@ ZIV_INLINE void store_pixels<32>(uint8_t* p, U8<32> luma, const PixelTerms3<32>&
 template <>
 ZIV_INLINE void store_pixels<32>(uint8_t* p, PackedLuma<32> luma, const PixelTerms3<32>& t) {
     store_pixels32(p, luma, t);
+}
+
+// Four channels: vector k holds pixels 8 k to 8 k + 7, four in each half, and is stored whole, as halves cost as much. So the
+// two pairs of four pixels stay together and go to the halves by turns, and luma stands in both halves.
+ZIV_INLINE __m256i load_twice(const uint8_t* p) { return both_halves(load128(p)); }
+template <>
+ZIV_INLINE U8<32> arrange_pairs<32, 4>(U8<32> pairs) {
+    return (U8<32>)_mm256_permutevar8x32_epi32((__m256i)pairs, _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7));
+}
+template <>
+ZIV_INLINE U16<32> load_arranged<32, 4>(const uint8_t* p) {
+    const __m256i bytes = bytes256([](int n) { return n % 2 ? 0x80 : n % 16 / 4 * 4 + n / 16 * 2 + n % 4 / 2; });
+    return (U16<32>)_mm256_shuffle_epi8(load_twice(p), bytes);
+}
+template <>
+ZIV_INLINE U8<32> double_arranged<32, 4>(U16<32> v) {
+    return double_bytes<32>((U16<32>)_mm256_permutevar8x32_epi32((__m256i)v, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
 }
 
 template <>
@@ -257,20 +271,24 @@ ZIV_INLINE PixelTerms4<32> pixel_terms<32>(S16<32> d0, S16<32> d1, S16<32> d2, u
     return {{place_terms4<0>(up_lo), place_terms4<2>(up_lo), place_terms4<0>(up_hi), place_terms4<2>(up_hi)},
             {place_terms4<0>(down_lo), place_terms4<2>(down_lo), place_terms4<0>(down_hi), place_terms4<2>(down_hi)}};
 }
-template <class Luma>
-ZIV_INLINE void store_pixels32(uint8_t* p, const Luma& luma, const PixelTerms4<32>& t) {
-    store_register_pair<4, 0>(p, luma, t);
-    store_register_pair<4, 1>(p, luma, t);
-    store_register_pair<4, 2>(p, luma, t);
-    store_register_pair<4, 3>(p, luma, t);
+template <int k>
+ZIV_INLINE void store_vector4(uint8_t* p, __m256i luma, const PixelTerms4<32>& t) {
+    const __m256i spread = _mm256_shuffle_epi8(luma, bytes256([](int n) { return 8 * (k % 2) + n / 4; }));
+    store256(p + 32 * k, _mm256_subs_epu8(_mm256_adds_epu8(spread, t.up[k]), t.down[k]));
+}
+ZIV_INLINE void store_pixels32(uint8_t* p, __m256i low, __m256i high, const PixelTerms4<32>& t) {
+    store_vector4<0>(p, low, t);
+    store_vector4<1>(p, low, t);
+    store_vector4<2>(p, high, t);
+    store_vector4<3>(p, high, t);
 }
 template <>
 ZIV_INLINE void store_pixels<32>(uint8_t* p, U8<32> luma, const PixelTerms4<32>& t) {
-    store_pixels32(p, luma, t);
+    store_pixels32(p, _mm256_permute4x64_epi64((__m256i)luma, 0x44), _mm256_permute4x64_epi64((__m256i)luma, 0xEE), t);
 }
 template <>
-ZIV_INLINE void store_pixels<32>(uint8_t* p, PackedLuma<32> luma, const PixelTerms4<32>& t) {
-    store_pixels32(p, luma, t);
+ZIV_INLINE void store_pixels<32>(uint8_t* p, const uint8_t* luma, const PixelTerms4<32>& t) {
+    store_pixels32(p, load_twice(luma), load_twice(luma + 16), t);
 }
 
 // ---- Repacking of chroma ----

@@ -200,15 +200,24 @@ ZIV_INLINE __mmask64 kept_mask(__mmask64 mask) {
     return mask;
 }
 
+ZIV_INLINE __m512i halves_by_turns(__m512i v) { return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), v); }
 template <>
-ZIV_INLINE U8<64> arrange_pairs<64>(U8<64> pairs) {
-    return (U8<64>)_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), (__m512i)pairs);
+ZIV_INLINE U8<64> arrange_pairs<64, 3>(U8<64> pairs) {
+    return (U8<64>)halves_by_turns((__m512i)pairs);
 }
 template <>
-ZIV_INLINE U16<64> load_arranged<64>(const uint8_t* p) {
+ZIV_INLINE U8<64> arrange_pairs<64, 4>(U8<64> pairs) {
+    return (U8<64>)halves_by_turns((__m512i)pairs);
+}
+template <>
+ZIV_INLINE U16<64> load_arranged<64, 3>(const uint8_t* p) {
     const __m512i index = kept_bytes512([](int n) { return pair_in_lane(n / 2); });
     constexpr __mmask64 low_bytes = mask512([](int n) { return n % 2 == 0; });
     return (U16<64>)_mm512_maskz_permutexvar_epi8(low_bytes, index, _mm512_castsi256_si512(load256(p)));
+}
+template <>
+ZIV_INLINE U16<64> load_arranged<64, 4>(const uint8_t* p) {
+    return load_arranged<64, 3>(p);
 }
 // Narrowing within the 16-byte parts leaves the pairs arranged.
 template <>
@@ -216,12 +225,12 @@ struct PackedLuma<64> {
     __m512i first, second;
 };
 template <>
-ZIV_INLINE Packed422<64> load_packed422<64>(const uint8_t* p) {
+ZIV_INLINE Packed422<64> load_packed422<64, 3>(const uint8_t* p) {
     const __m512i a = load512(p), b = load512(p + 64);
     return {{a, b}, (U8<64>)_mm512_packus_epi16(_mm512_srli_epi16(a, 8), _mm512_srli_epi16(b, 8))};
 }
 template <>
-ZIV_INLINE U8<64> double_arranged<64>(U16<64> v) {
+ZIV_INLINE U8<64> double_arranged<64, 4>(U16<64> v) {
     return double_bytes<64>((U16<64>)_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), (__m512i)v));
 }
 
@@ -288,11 +297,11 @@ ZIV_INLINE __m512i spread_luma(U8<64> luma) {
     return c == 4 ? _mm512_maskz_permutexvar_epi8(kept_mask(colours), index, (__m512i)luma)
                   : _mm512_permutexvar_epi8(index, (__m512i)luma);
 }
-// The same from packed 4:2:2, luma in the even bytes.
+// The same from packed 4:2:2, luma in the even bytes, for three channels.
 template <int c, int k>
 ZIV_INLINE __m512i spread_luma(const PackedLuma<64>& luma) {
+    static_assert(c == 3);
     const __m512i index = kept_bytes512([](int n) { return (64 * k + n) / c * 2 % 64; });
-    if constexpr (c == 4) return _mm512_maskz_permutexvar_epi8(kept_mask(colours), index, k < 2 ? luma.first : luma.second);
     const __m512i r = _mm512_permutexvar_epi8(index, k < 2 ? luma.first : luma.second);
     return k == 1 ? _mm512_mask_permutexvar_epi8(r, mask512([](int n) { return (64 * k + n) / c >= 32; }), index, luma.second)
                   : r;
@@ -307,27 +316,19 @@ ZIV_INLINE void store_pixels64(uint8_t* p, const Luma& luma, const PixelTerms3<6
     store_pixels_part<3, 1>(p, luma, t);
     store_pixels_part<3, 2>(p, luma, t);
 }
-template <class Luma>
-ZIV_INLINE void store_pixels64(uint8_t* p, const Luma& luma, const PixelTerms4<64>& t) {
-    store_pixels_part<4, 0>(p, luma, t);
-    store_pixels_part<4, 1>(p, luma, t);
-    store_pixels_part<4, 2>(p, luma, t);
-    store_pixels_part<4, 3>(p, luma, t);
-}
 template <>
 ZIV_INLINE void store_pixels<64>(uint8_t* p, U8<64> luma, const PixelTerms3<64>& t) {
     store_pixels64(p, luma, t);
 }
 template <>
 ZIV_INLINE void store_pixels<64>(uint8_t* p, U8<64> luma, const PixelTerms4<64>& t) {
-    store_pixels64(p, luma, t);
+    store_pixels_part<4, 0>(p, luma, t);
+    store_pixels_part<4, 1>(p, luma, t);
+    store_pixels_part<4, 2>(p, luma, t);
+    store_pixels_part<4, 3>(p, luma, t);
 }
 template <>
 ZIV_INLINE void store_pixels<64>(uint8_t* p, PackedLuma<64> luma, const PixelTerms3<64>& t) {
-    store_pixels64(p, luma, t);
-}
-template <>
-ZIV_INLINE void store_pixels<64>(uint8_t* p, PackedLuma<64> luma, const PixelTerms4<64>& t) {
     store_pixels64(p, luma, t);
 }
 

@@ -50,7 +50,7 @@ ZIV_INLINE U8<N> green_thresholds(S16<N> u, S16<N> v, S16<N> d) {
         const U32<N> lanes = (U32<N>)__builtin_convertvector(lack > 0.0f ? lack : F32<N>{}, S32<N>);
         thresholds |= (U16<N>)(odd ? lanes << 16 : lanes);
     }
-    return double_arranged<N>(thresholds);
+    return double_arranged<N, 4>(thresholds);
 }
 
 // Writes N pixels B, G, R, alpha with the thresholds applied.
@@ -58,8 +58,8 @@ template <int N>
 ZIV_INLINE void store_with_thresholds(uint8_t* p, U8<N> luma, const Binary32Terms<N>& d, U8<N> thresholds, uint8_t alpha) {
     const auto plus = [luma](S16<N> term) ZIV_INLINE_BODY {
         const S16<N> up = term > 0 ? term : S16<N>{};
-        return subtract_saturating(add_saturating(luma, double_arranged<N>((U16<N>)up)),
-                                   double_arranged<N>((U16<N>)(up - term)));
+        return subtract_saturating(add_saturating(luma, double_arranged<N, 4>((U16<N>)up)),
+                                   double_arranged<N, 4>((U16<N>)(up - term)));
     };
     const U8<N> g = plus(d.g);
     store4<N>(p, plus(d.b), subtract_saturating(g, (U8<N>)(g <= thresholds) & 1), plus(d.r), U8<N>{} + alpha);
@@ -69,7 +69,7 @@ ZIV_INLINE void store_with_thresholds(uint8_t* p, U8<N> luma, const Binary32Term
 template <int N>
 [[gnu::noinline, gnu::cold]] static void convert_step_with_thresholds(RowPair rows, PairedChroma<PairOrder::vu> chroma,
                                                                       ptrdiff_t j, uint8_t alpha) {
-    const Chroma<N> pairs = chroma.load_at<N>(j);
+    const Chroma<N> pairs = chroma.load_at<N, 4>(j);
     const Binary32Terms<N> d = binary32_terms<N>(pairs.u, pairs.v);
     const U8<N> thresholds = green_thresholds<N>(pairs.u, pairs.v, d.g);
     store_with_thresholds<N>(rows.dst0 + 4 * j, load<N>(rows.luma0 + j), d, thresholds, alpha);
@@ -81,15 +81,15 @@ template <int N>
 ZIV_INLINE ptrdiff_t convert_sound_steps(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t j, ptrdiff_t columns,
                                          uint8_t alpha) {
     for (; j + N <= columns; j += N) {
-        const Chroma<N> pairs = chroma.load_at<N>(j);
+        const Chroma<N> pairs = chroma.load_at<N, 4>(j);
         const Binary32Terms<N> d = binary32_terms<N>(pairs.u, pairs.v);
         if (any_zero<N>(d.sound)) [[unlikely]]
             break;
         expect_writes<4 * N>(rows.dst0 + 4 * j);
         expect_writes<4 * N>(rows.dst1 + 4 * j);
         const PixelTerms4<N> terms = pixel_terms<N>(d.b, d.g, d.r, alpha);
-        store_pixels<N>(rows.dst0 + 4 * j, load<N>(rows.luma0 + j), terms);
-        store_pixels<N>(rows.dst1 + 4 * j, load<N>(rows.luma1 + j), terms);
+        store_pixels<N>(rows.dst0 + 4 * j, rows.luma0 + j, terms);
+        store_pixels<N>(rows.dst1 + 4 * j, rows.luma1 + j, terms);
     }
     return j;
 }

@@ -26,9 +26,9 @@ struct PairedChroma {
 
     int u(ptrdiff_t j) const { return pairs[j + (order == PairOrder::vu)] - 128; }
     int v(ptrdiff_t j) const { return pairs[j + (order == PairOrder::uv)] - 128; }
-    template <int N>
+    template <int N, int c>
     ZIV_INLINE Chroma<N> load_at(ptrdiff_t j) const {
-        return centred_pairs<order, N>(arrange_pairs<N>(load<N>(pairs + j)));
+        return centred_pairs<order, N>(arrange_pairs<N, c>(load<N>(pairs + j)));
     }
 };
 
@@ -38,10 +38,10 @@ struct PlanarChroma {
 
     int u(ptrdiff_t j) const { return u_row[j >> 1] - 128; }
     int v(ptrdiff_t j) const { return v_row[j >> 1] - 128; }
-    template <int N>
+    template <int N, int c>
     ZIV_INLINE Chroma<N> load_at(ptrdiff_t j) const {
-        const S16<N> u = (S16<N>)load_arranged<N>(u_row + (j >> 1)) - constant<N>(128),
-                     v = (S16<N>)load_arranged<N>(v_row + (j >> 1)) - constant<N>(128);
+        const S16<N> u = (S16<N>)load_arranged<N, c>(u_row + (j >> 1)) - constant<N>(128),
+                     v = (S16<N>)load_arranged<N, c>(v_row + (j >> 1)) - constant<N>(128);
         return {u, v, u << 8, v << 8};
     }
 };
@@ -95,8 +95,8 @@ ZIV_INLINE void convert_row_blocks(const uint8_t* luma, RowChroma chroma, uint8_
     for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = step.value;
         expect_writes<pixel_bytes<order> * N>(dst + pixel_bytes<order> * j);
-        store_pixels<N>(dst + pixel_bytes<order> * j, load<N>(luma + j),
-                        terms_of<Set, order, N>(chroma.template load_at<N>(j), alpha));
+        const auto terms = terms_of<Set, order, N>(chroma.template load_at<N, pixel_bytes<order>>(j), alpha);
+        store_pixels<N>(dst + pixel_bytes<order> * j, luma + j, terms);
     });
 }
 
@@ -117,12 +117,12 @@ template <class Set, Rgb order, class RowChroma>
 ZIV_INLINE void convert_blocks(RowPair rows, RowChroma chroma, ptrdiff_t columns, uint8_t alpha) {
     for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = step.value;
-        const auto terms = terms_of<Set, order, N>(chroma.template load_at<N>(j), alpha);
+        const auto terms = terms_of<Set, order, N>(chroma.template load_at<N, pixel_bytes<order>>(j), alpha);
         uint8_t *const dst0 = rows.dst0 + pixel_bytes<order> * j, *const dst1 = rows.dst1 + pixel_bytes<order> * j;
         expect_writes<pixel_bytes<order> * N>(dst0);
         expect_writes<pixel_bytes<order> * N>(dst1);
-        store_pixels<N>(dst0, load<N>(rows.luma0 + j), terms);
-        store_pixels<N>(dst1, load<N>(rows.luma1 + j), terms);
+        store_pixels<N>(dst0, rows.luma0 + j, terms);
+        store_pixels<N>(dst1, rows.luma1 + j, terms);
     });
 }
 

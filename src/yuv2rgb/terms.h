@@ -44,6 +44,13 @@ struct SetT5Shifted {
         const S16<N> green = multiply_q15<N>(c.u256, 11 * (128 >> green_shift_u)) + multiply_q15<N>(c.v256, 23 * 4);
         return {multiply_q15<N>(c.v256, 45 * 4), -green, multiply_q15<N>(c.u256, 57 * 4)};
     }
+    // The channels of N / 2 pixels.
+    template <int N>
+    ZIV_INLINE static PackedSums<N> packed_sums(const PackedWords<N>& p) {
+        const S16<N> outer = multiply_high<N>(p.chroma, constants<N>(57 * 8, 45 * 8));
+        const S16<N> green = multiply_high<N>(p.chroma, constants<N>(11 * (256 >> green_shift_u), 23 * 8));
+        return {p.luma + outer, p.swapped + outer, p.luma - green - swap_lanes<N>(green)};
+    }
 };
 using SetT5 = SetT5Shifted<5>;
 using SetT5HalfGreen = SetT5Shifted<6>;

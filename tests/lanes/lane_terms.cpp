@@ -71,32 +71,56 @@ ZIV_INLINE S16<N> term_in_range(U8<N> v) {
     const S16<N> size = lane_min((S16<N>)even_bytes<N>(v), S16<N>{} + (int16_t)254);
     return ((U16<N>)v & 0x100) != 0 ? -size : size;
 }
-template <int N>
+template <int N, int c>
 ZIV_INLINE S16<N> arranged_term(U8<N> v) {
-    return term_in_range<N>(arrange_pairs<N>(v));
+    return term_in_range<N>(arrange_pairs<N, c>(v));
 }
-TERM(store_pixels3,
-     { store_pixels<N>(out, v.d, pixel_terms<N>(arranged_term<N>(v.a), arranged_term<N>(v.b), arranged_term<N>(v.c))); })
-TERM(store_pixels4, {
-    store_pixels<N>(out, v.d,
-                    pixel_terms<N>(arranged_term<N>(v.a), arranged_term<N>(v.b), arranged_term<N>(v.c), in[4 * N - 1]));
+// The luma in a vector, then in memory.
+TERM(store_pixels3, {
+    const auto terms = pixel_terms<N>(arranged_term<N, 3>(v.a), arranged_term<N, 3>(v.b), arranged_term<N, 3>(v.c));
+    store_pixels<N>(out, v.d, terms);
 })
-// Packed 4:2:2: the pixels' luma with one term for all channels, then u and v of every pixel.
+TERM(store_pixels3_from_memory, {
+    const auto terms = pixel_terms<N>(arranged_term<N, 3>(v.a), arranged_term<N, 3>(v.b), arranged_term<N, 3>(v.c));
+    store_pixels<N>(out, in + 3 * N, terms);
+})
+template <int N>
+ZIV_INLINE auto four_channel_terms(const uint8_t* in) {
+    const U8<N> a = load<N>(in), b = load<N>(in + N), c = load<N>(in + 2 * N);
+    return pixel_terms<N>(arranged_term<N, 4>(a), arranged_term<N, 4>(b), arranged_term<N, 4>(c), in[4 * N - 1]);
+}
+TERM(store_pixels4, { store_pixels<N>(out, v.d, four_channel_terms<N>(in)); })
+TERM(store_pixels4_from_memory, { store_pixels<N>(out, in + 3 * N, four_channel_terms<N>(in)); })
+// Packed 4:2:2: the pixels' luma with one term for all channels; with u for the first, v for the last and an eighth of both off
+// the second channel.
 TERM(packed422_pixels3, {
-    const S16<N> d = arranged_term<N>(v.c);
-    store_pixels<N>(out, load_packed422<N>(in).luma, pixel_terms<N>(d, d, d));
+    const S16<N> d = arranged_term<N, 3>(v.c);
+    store_pixels<N>(out, load_packed422<N, 3>(in).luma, pixel_terms<N>(d, d, d));
 })
-TERM(packed422_pixels4, {
-    const S16<N> d = arranged_term<N>(v.c);
-    store_pixels<N>(out, load_packed422<N>(in).luma, pixel_terms<N>(d, d, d, in[4 * N - 1]));
+TERM(packed422_pairs3, {
+    const U8<N> pairs = load_packed422<N, 3>(in).pairs;
+    const S16<N> u = (S16<N>)even_bytes<N>(pairs) - (int16_t)128;
+    const S16<N> w = (S16<N>)odd_bytes<N>(pairs) - (int16_t)128;
+    store_pixels<N>(out, load_packed422<N, 3>(in).luma, pixel_terms<N>(u, -((u >> 3) + (w >> 3)), w));
 })
-TERM(packed422_pairs, {
-    const U8<N> pairs = load_packed422<N>(in).pairs;
-    store(out, double_arranged<N>(even_bytes<N>(pairs))), store(out + N, double_arranged<N>(odd_bytes<N>(pairs)));
+template <int N>
+ZIV_INLINE PackedSums<N> sums_of(const PackedWords<N>& p) {
+    const S16<N> outer = p.chroma >> 8;
+    const S16<N> eighth = p.chroma >> 11;
+    return {p.luma + outer, p.swapped + outer, p.luma - eighth - swap_lanes<N>(eighth)};
+}
+TERM(packed422_words, {
+    const PackedSums<N> sums[2] = {sums_of<N>(load_packed_words<N>(in)), sums_of<N>(load_packed_words<N>(in + N))};
+    store_packed_sums<N, 0>(out, sums, U8<N>{} + in[4 * N - 1]);
 })
+TERM(packed422_words_reversed, {
+    const PackedSums<N> sums[2] = {sums_of<N>(load_packed_words<N>(in)), sums_of<N>(load_packed_words<N>(in + N))};
+    store_packed_sums<N, 2>(out, sums, U8<N>{} + in[4 * N - 1]);
+})
+TERM(constants, { store(out, constants<N>(in[0] - 128, in[1] - 128)); })
 TERM(constant, { store(out, constant<N>(in[0] - 128)); })
-TERM(double_arranged, { store(out, double_arranged<N>(even_bytes<N>(arrange_pairs<N>(v.a)))); })
-TERM(load_arranged, { store(out, double_arranged<N>(load_arranged<N>(in))); })
+TERM(double_arranged, { store(out, double_arranged<N, 4>(even_bytes<N>(arrange_pairs<N, 4>(v.a)))); })
+TERM(load_arranged, { store(out, double_arranged<N, 4>(load_arranged<N, 4>(in))); })
 TERM(multiply_q15, { store(out, multiply_q15<N>((S16<N>)v.a, -11277)); })
 TERM(any_zero, { out[0] = any_zero<N>((U16<N>)v.a); })
 TERM(load_but_last, { store(out, load_but_last<N>(in)); })
@@ -201,7 +225,9 @@ static constexpr harness::LaneTerm rows[] = {
     ROWS(add_saturating) ROWS(subtract_saturating) ROWS(average_up) ROWS(lane_min_u8) ROWS(lane_max_u8) ROWS(lane_min_s16)
     ROWS(lane_max_s16) ROWS(even_bytes) ROWS(odd_bytes) ROWS(merge_bytes) ROWS(double_bytes) ROWS(even_lanes)
     ROWS(odd_lanes) ROWS(interleave_low) ROWS(interleave_high) ROWS(narrow_saturating) ROWS(widen_add_narrow)
-    ROWS(multiply_round_high) ROWS(multiply_high) ROWS(weigh_pair_q15) ROWS(store_pixels3) ROWS(store_pixels4) ROWS(packed422_pixels3) ROWS(packed422_pixels4) ROWS(packed422_pairs) ROWS(constant)
+    ROWS(multiply_round_high) ROWS(multiply_high) ROWS(weigh_pair_q15) ROWS(store_pixels3) ROWS(store_pixels4)
+    ROWS(store_pixels3_from_memory) ROWS(store_pixels4_from_memory) ROWS(packed422_pixels3) ROWS(packed422_pairs3)
+    ROWS(packed422_words) ROWS(packed422_words_reversed) ROWS(constant) ROWS(constants)
     ROWS(double_arranged) ROWS(load_arranged) ROWS(multiply_q15) ROWS(any_zero) ROWS(load_but_last) ROWS(swap_pairs)
     ROWS(even_pairs) ROWS(packed_chroma) ROWS(select) ROWS(multiply_high_unsigned) ROWS(widen_joined) ROWS(widen_difference)
     ROWS(reciprocals) ROWS(move_pixels_3_reversed) ROWS(move_pixels_4_to_3) ROWS(move_pixels_3_to_4)
