@@ -1,5 +1,6 @@
 // Worked examples of the conversions between 4:2:0 arrangements.
 #include "harness/canvas.h"
+#include "harness/workspace.h"
 
 namespace {
 
@@ -59,6 +60,22 @@ TEST(Yuv420Examples, AnOddLastColumnAndRowStayUntouched) {
                         for (const char c : {'U', 'V'}) EXPECT_EQ(chroma(to, c, 0, x), chroma(from, c, 0, x)) << pair.name;
                 }
     });
+}
+
+TEST(Yuv420Examples, PairsAreSwappedInPlace) {
+    Random random{base_seed};
+    for (int width = 2; width <= 700; width += width < 150 ? 1 : 23) {
+        const int pitch = width + random.below(9), start = random.below(64);
+        const Call call = [&](const KernelTable& kernels, uint8_t* const* buffers) {
+            uint8_t* const luma = buffers[0] + start;
+            const zivcolor::Image from{zivPixFmt_NV12, width, 4, {luma, luma + 4 * pitch}, {pitch, pitch}};
+            zivcolor::Image to = from;
+            to.format = zivPixFmt_NV21;
+            return kernels.zivColorNV12toNV21u8(&from, &to);
+        };
+        expect_same_bytes(call, {{64, static_cast<size_t>(6 * pitch + 64)}}, random.next(),
+                          [&] { return "in place, width " + std::to_string(width); });
+    }
 }
 
 TEST(Yuv420Examples, Yv12GoesRowByRowThroughAnOddHeight) {
