@@ -12,20 +12,16 @@ template <>
 struct Luma<32> {
     uint8x16_t part[2];
 };
-template <>
-struct Samples<32> {
-    uint8x16_t bytes;
+struct LumaQ7Of16 {
+    uint16x8_t lo, hi;
 };
 template <>
-struct LumaQ15<32> {
-    Luma<32> rounded;
-    struct Q7 {
-        uint16x8_t lo, hi;
-    } even_q7;
+struct LumaQ7<32> {
+    LumaQ7Of16 part[2];
 };
 template <>
-struct Chroma<32> {
-    uint8x16_t bytes;
+struct ChromaPairs<32> {
+    uint8x16_t c0, c2;
 };
 
 template <>
@@ -57,11 +53,7 @@ ZIV_INLINE Luma<32> luma_q6(const Pixels<32, c>& pixels) {
     return {{luma_q6_of_16<w, shared>(pixels.part[0].c), luma_q6_of_16<w, shared>(pixels.part[1].c)}};
 }
 
-// A sum of scale 2^15 cut to 2^7: S >> 8 is the sum by the upper bytes of the weights plus the sum by their lower bytes >> 8,
-// and either fits 16 bits.
-struct LumaQ7Of16 {
-    uint16x8_t lo, hi;
-};
+// S >> 8 is the sum by the upper bytes of the weights plus the sum by their lower bytes >> 8, and either fits 16 bits.
 template <Weights w>
 ZIV_INLINE LumaQ7Of16 luma_q7_of_16(const U8<16>* channels) {
     static_assert((w.c0 >> 8) + (w.c1 >> 8) + (w.c2 >> 8) < 256 && (w.c0 & 255) + (w.c1 & 255) + (w.c2 & 255) <= 257);
@@ -75,93 +67,108 @@ ZIV_INLINE LumaQ7Of16 luma_q7_of_16(const U8<16>* channels) {
     hi = vmlal_high_u8(vmlal_high_u8(vmlal_high_u8(vshrq_n_u16(hi, 8), c1, u1), c0, u0), c2, u2);
     return {lo, hi};
 }
-ZIV_INLINE uint8x16_t round_q7(LumaQ7Of16 luma) { return vrshrn_high_n_u16(vrshrn_n_u16(luma.lo, 7), luma.hi, 7); }
-
-template <Weights w, int c>
-ZIV_INLINE LumaQ15<16> luma_q15(const Pixels<16, c>& pixels) {
+template <Weights w>
+ZIV_INLINE LumaQ7<16> luma_q7(const Pixels<16, 3>& pixels) {
     const LumaQ7Of16 q7 = luma_q7_of_16<w>(pixels.channels.c);
-    return {{(U8<16>)round_q7(q7)}, {(S16<16>)vuzp1q_u16(q7.lo, q7.hi)}};
+    return {(U16<16>)q7.lo, (U16<16>)q7.hi};
 }
-template <Weights w, int c>
-ZIV_INLINE LumaQ15<32> luma_q15(const Pixels<32, c>& pixels) {
-    const LumaQ7Of16 a = luma_q7_of_16<w>(pixels.part[0].c), b = luma_q7_of_16<w>(pixels.part[1].c);
-    return {{{round_q7(a), round_q7(b)}}, {vuzp1q_u16(a.lo, a.hi), vuzp1q_u16(b.lo, b.hi)}};
+template <Weights w>
+ZIV_INLINE LumaQ7<32> luma_q7(const Pixels<32, 3>& pixels) {
+    return {{luma_q7_of_16<w>(pixels.part[0].c), luma_q7_of_16<w>(pixels.part[1].c)}};
 }
+ZIV_INLINE uint8x16_t round_q7(LumaQ7Of16 luma) { return vrshrn_high_n_u16(vrshrn_n_u16(luma.lo, 7), luma.hi, 7); }
+ZIV_INLINE Luma<16> rounded(const LumaQ7<16>& luma) { return {(U8<16>)round_q7({(uint16x8_t)luma.lo, (uint16x8_t)luma.hi})}; }
+ZIV_INLINE Luma<32> rounded(const LumaQ7<32>& luma) { return {{round_q7(luma.part[0]), round_q7(luma.part[1])}}; }
+
+ZIV_INLINE void store_luma(uint8_t* p, const Luma<32>& luma) {
+    vst1q_u8(p, luma.part[0]);
+    vst1q_u8(p + 16, luma.part[1]);
+}
+
+// ---- Chroma of the even columns ----
 
 template <int c>
-ZIV_INLINE OuterBytes<32> even_outer_bytes(const Pixels<32, c>& pixels) {
-    return {{vuzp1q_u8((uint8x16_t)pixels.part[0].c[0], (uint8x16_t)pixels.part[1].c[0])},
-            {vuzp1q_u8((uint8x16_t)pixels.part[0].c[2], (uint8x16_t)pixels.part[1].c[2])}};
+ZIV_INLINE uint8x16_t even_columns(const Pixels<32, c>& pixels, int channel) {
+    return vuzp1q_u8((uint8x16_t)pixels.part[0].c[channel], (uint8x16_t)pixels.part[1].c[channel]);
 }
-ZIV_INLINE Samples<32> even_columns(Luma<32> luma) { return {vuzp1q_u8(luma.part[0], luma.part[1])}; }
+ZIV_INLINE uint8x16_t even_columns(const Luma<32>& luma) { return vuzp1q_u8(luma.part[0], luma.part[1]); }
 
 // Chroma saturates as a signed byte around 0; turning the top bit over then adds 128.
-ZIV_INLINE Chroma<32> centre_at_128(int8x16_t v) { return {veorq_u8(vreinterpretq_u8_s8(v), vdupq_n_u8(128))}; }
+ZIV_INLINE uint8x16_t centred(int8x16_t v) { return veorq_u8(vreinterpretq_u8_s8(v), vdupq_n_u8(128)); }
 
-template <int weight, int shift, int most>
-ZIV_INLINE Chroma<32> scaled_difference(Samples<32> a, Samples<32> luma) {
+template <Slope s>
+ZIV_INLINE uint8x16_t scaled_difference(uint8x16_t a, uint8x16_t luma) {
     // Where a product of scale 2^8 fits, its upper byte is the result.
-    constexpr bool upper_byte = (weight << (8 - shift)) * most < 32768;
-    const uint8x16_t w = vdupq_n_u8(upper_byte ? weight << (8 - shift) : weight);
-    const uint16x8_t lo = vmlsl_u8(vmull_u8(vget_low_u8(a.bytes), vget_low_u8(w)), vget_low_u8(luma.bytes), vget_low_u8(w));
-    const uint16x8_t hi = vmlsl_high_u8(vmull_high_u8(a.bytes, w), luma.bytes, w);
-    if constexpr (upper_byte) return centre_at_128(vuzp2q_s8(vreinterpretq_s8_u16(lo), vreinterpretq_s8_u16(hi)));
+    constexpr bool upper_byte = (s.weight << (8 - s.shift)) * s.most < 32768;
+    const uint8x16_t w = vdupq_n_u8(upper_byte ? s.weight << (8 - s.shift) : s.weight);
+    const uint16x8_t lo = vmlsl_u8(vmull_u8(vget_low_u8(a), vget_low_u8(w)), vget_low_u8(luma), vget_low_u8(w));
+    const uint16x8_t hi = vmlsl_high_u8(vmull_high_u8(a, w), luma, w);
+    if constexpr (upper_byte) return centred(vuzp2q_s8(vreinterpretq_s8_u16(lo), vreinterpretq_s8_u16(hi)));
     else
-        return centre_at_128(
-            vqshrn_high_n_s16(vqshrn_n_s16(vreinterpretq_s16_u16(lo), shift), vreinterpretq_s16_u16(hi), shift));
+        return centred(vqshrn_high_n_s16(vqshrn_n_s16(vreinterpretq_s16_u16(lo), s.shift), vreinterpretq_s16_u16(hi), s.shift));
+}
+template <Slope s0, Slope s2, int c>
+ZIV_INLINE ChromaPairs<32> scaled_differences(const Pixels<32, c>& pixels, const Luma<32>& luma) {
+    const uint8x16_t y = even_columns(luma);
+    return {scaled_difference<s0>(even_columns(pixels, 0), y), scaled_difference<s2>(even_columns(pixels, 2), y)};
 }
 
 template <int weight>
-ZIV_INLINE Chroma<32> rounded_difference_q15(Samples<32> a, Samples<32> luma) {
-    const int16x8_t lo = vreinterpretq_s16_u16(vsubl_u8(vget_low_u8(a.bytes), vget_low_u8(luma.bytes)));
-    const int16x8_t hi = vreinterpretq_s16_u16(vsubl_high_u8(a.bytes, luma.bytes));
-    return centre_at_128(vqmovn_high_s16(vqmovn_s16(vqrdmulhq_n_s16(lo, weight)), vqrdmulhq_n_s16(hi, weight)));
+ZIV_INLINE uint8x16_t rounded_difference_q15(uint8x16_t a, uint8x16_t luma) {
+    const int16x8_t lo = vreinterpretq_s16_u16(vsubl_u8(vget_low_u8(a), vget_low_u8(luma)));
+    const int16x8_t hi = vreinterpretq_s16_u16(vsubl_high_u8(a, luma));
+    return centred(vqmovn_high_s16(vqmovn_s16(vqrdmulhq_n_s16(lo, weight)), vqrdmulhq_n_s16(hi, weight)));
+}
+template <OuterWeights w>
+ZIV_INLINE ChromaPairs<32> rounded_differences_q15(const Pixels<32, 3>& pixels, const Luma<32>& luma) {
+    const uint8x16_t y = even_columns(luma);
+    return {rounded_difference_q15<w.c0>(even_columns(pixels, 0), y), rounded_difference_q15<w.c2>(even_columns(pixels, 2), y)};
 }
 
 // The difference is taken the other way round, to need one multiply-subtract, and so is the sign of the weight. The doubling
 // high multiply takes half of the weight.
 template <int weight>
-ZIV_INLINE Chroma<32> fractional_difference_q15(Samples<32> a, LumaQ15<32>::Q7 luma) {
+ZIV_INLINE uint8x16_t fractional_difference_q15(uint8x16_t a, uint16x8_t luma_lo, uint16x8_t luma_hi) {
     static_assert(weight % 2 == 0);
-    const int16x8_t lo = vreinterpretq_s16_u16(vmlsl_u8(luma.lo, vget_low_u8(a.bytes), vdup_n_u8(128)));
-    const int16x8_t hi = vreinterpretq_s16_u16(vmlsl_high_u8(luma.hi, a.bytes, vdupq_n_u8(128)));
+    const int16x8_t lo = vreinterpretq_s16_u16(vmlsl_u8(luma_lo, vget_low_u8(a), vdup_n_u8(128)));
+    const int16x8_t hi = vreinterpretq_s16_u16(vmlsl_high_u8(luma_hi, a, vdupq_n_u8(128)));
     const int8x8_t chroma_lo = vqrshrn_n_s16(vqdmulhq_n_s16(lo, -weight / 2), 6);
-    return centre_at_128(vqrshrn_high_n_s16(chroma_lo, vqdmulhq_n_s16(hi, -weight / 2), 6));
+    return centred(vqrshrn_high_n_s16(chroma_lo, vqdmulhq_n_s16(hi, -weight / 2), 6));
+}
+template <OuterWeights w>
+ZIV_INLINE ChromaPairs<32> fractional_differences_q15(const Pixels<32, 3>& pixels, const LumaQ7<32>& luma) {
+    const uint16x8_t lo = vuzp1q_u16(luma.part[0].lo, luma.part[0].hi), hi = vuzp1q_u16(luma.part[1].lo, luma.part[1].hi);
+    return {fractional_difference_q15<w.c0>(even_columns(pixels, 0), lo, hi),
+            fractional_difference_q15<w.c2>(even_columns(pixels, 2), lo, hi)};
 }
 
-ZIV_INLINE void store_luma(uint8_t* p, Luma<32> luma) {
-    vst1q_u8(p, luma.part[0]);
-    vst1q_u8(p + 16, luma.part[1]);
-}
-ZIV_INLINE void store_pairs(uint8_t* p, Chroma<32> first, Chroma<32> second) {
-    const uint8x16x2_t v = {{first.bytes, second.bytes}};
+template <bool c2_first>
+ZIV_INLINE void store_pairs(uint8_t* p, const ChromaPairs<32>& chroma) {
+    const uint8x16x2_t v = c2_first ? uint8x16x2_t{{chroma.c2, chroma.c0}} : uint8x16x2_t{{chroma.c0, chroma.c2}};
     vst2q_u8(p, v);
 }
-ZIV_INLINE void store_planes(uint8_t* pa, uint8_t* pb, Chroma<32> a, Chroma<32> b) {
-    vst1q_u8(pa, a.bytes);
-    vst1q_u8(pb, b.bytes);
+ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<32>& chroma) {
+    vst1q_u8(p0, chroma.c0);
+    vst1q_u8(p2, chroma.c2);
 }
-template <bool luma_first>
-ZIV_INLINE void store_packed(uint8_t* p, Luma<32> luma, Chroma<32> first, Chroma<32> second) {
+template <bool luma_first, bool c2_first>
+ZIV_INLINE void store_packed(uint8_t* p, const Luma<32>& luma, const ChromaPairs<32>& chroma) {
     const uint8x16_t even = vuzp1q_u8(luma.part[0], luma.part[1]), odd = vuzp2q_u8(luma.part[0], luma.part[1]);
-    const uint8x16x4_t v = luma_first ? uint8x16x4_t{{even, first.bytes, odd, second.bytes}}
-                                      : uint8x16x4_t{{first.bytes, even, second.bytes, odd}};
+    const uint8x16_t first = c2_first ? chroma.c2 : chroma.c0, second = c2_first ? chroma.c0 : chroma.c2;
+    const uint8x16x4_t v = luma_first ? uint8x16x4_t{{even, first, odd, second}} : uint8x16x4_t{{first, even, second, odd}};
     vst4q_u8(p, v);
 }
 
 ZIV_INLINE uint8x8_t chroma_bytes(S16<16> v) { return veor_u8(vreinterpret_u8_s8(vqmovn_s16((int16x8_t)v)), vdup_n_u8(128)); }
-template <>
-ZIV_INLINE U8<16> interleave_chroma<16>(S16<16> a, S16<16> b) {
-    const uint8x8_t a8 = chroma_bytes(a), b8 = chroma_bytes(b);
-    return (U8<16>)vzip1q_u8(vcombine_u8(a8, a8), vcombine_u8(b8, b8));
+template <bool c2_first>
+ZIV_INLINE U8<16> pairs_in_order(const ChromaPairs<16>& chroma) {
+    const uint8x8_t c0 = chroma_bytes(chroma.c0), c2 = chroma_bytes(chroma.c2);
+    return (U8<16>)(c2_first ? vzip1q_u8(vcombine_u8(c2, c2), vcombine_u8(c0, c0))
+                             : vzip1q_u8(vcombine_u8(c0, c0), vcombine_u8(c2, c2)));
 }
-ZIV_INLINE void store_pairs(uint8_t* p, Chroma<16> first, Chroma<16> second) {
-    const uint8x8x2_t v = {{chroma_bytes(first.lanes), chroma_bytes(second.lanes)}};
-    vst2_u8(p, v);
-}
-ZIV_INLINE void store_planes(uint8_t* pa, uint8_t* pb, Chroma<16> a, Chroma<16> b) {
-    vst1_u8(pa, chroma_bytes(a.lanes));
-    vst1_u8(pb, chroma_bytes(b.lanes));
+ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<16>& chroma) {
+    vst1_u8(p0, chroma_bytes(chroma.c0));
+    vst1_u8(p2, chroma_bytes(chroma.c2));
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -26,12 +26,10 @@ ZIV_INLINE Pixel load_pixel(const uint8_t* p) {
     return {p[in.red], p[1], p[in.blue]};
 }
 
-// The luma of C columns, and the chroma of the even ones among them.
-template <int C>
-struct Yuv {
-    Luma<C> y;
-    Chroma<C> u, v;
-};
+// Whether chroma from byte 2 comes before that from byte 0.
+enum class PairOrder { uv, vu };
+template <PixelLayout in, PairOrder order>
+inline constexpr bool c2_first = (in.red == 0) == (order == PairOrder::uv);
 
 // Luma of scale 64, cut: (19 R + 38 G + 7 B) >> 6. Chroma is the difference times a weight, cut by a shift. B - Y runs from
 // -227 to 228 and R - Y from -179 to 180, so that everything fits 16 bits. With blue_of_first_8 the vector form takes the blue
@@ -42,15 +40,19 @@ struct CutSet {
     static int u(Pixel p) { return clamp_byte(((p.b - y(p)) * weight_u >> shift_u) + 128); }
     static int v(Pixel p) { return clamp_byte(((p.r - y(p)) * weight_v >> shift_v) + 128); }
 
-    template <int C, PixelLayout in>
-    ZIV_INLINE static Yuv<C> convert(const uint8_t* p) {
-        const Pixels<C, in.bytes> pixels = load_pixels<C, in.bytes>(p);
+    template <PixelLayout in, int C>
+    ZIV_INLINE static auto weigh(const Pixels<C, in.bytes>& pixels) {
         constexpr int shared = blue_of_first_8 ? in.blue : own_bytes;
-        const Luma<C> luma = luma_q6<weights_in_memory_order<in>(19, 38, 7), shared>(pixels);
-        const OuterBytes<C> even = even_outer_bytes(pixels);
-        const Samples<C> y = even_columns(luma);
-        return {luma, scaled_difference<weight_u, shift_u, 228>(in.blue == 0 ? even.c0 : even.c2, y),
-                scaled_difference<weight_v, shift_v, 180>(in.red == 0 ? even.c0 : even.c2, y)};
+        return luma_q6<weights_in_memory_order<in>(19, 38, 7), shared>(pixels);
+    }
+    template <class Weighed>
+    ZIV_INLINE static const Weighed& luma(const Weighed& luma) {
+        return luma;
+    }
+    template <PixelLayout in, int C, class Luma>
+    ZIV_INLINE static auto chroma(const Pixels<C, in.bytes>& pixels, const Luma& luma) {
+        constexpr Slope u{weight_u, shift_u, 228}, v{weight_v, shift_v, 180};
+        return scaled_differences < in.blue == 0 ? u : v, in.red == 0 ? u : v > (pixels, luma);
     }
 };
 using ShortSet = CutSet<9, 4, 91, 7>;
@@ -63,10 +65,16 @@ struct FineLuma {
     static int sum(Pixel p) { return 9798 * p.r + 19235 * p.g + 3736 * p.b; }
     static int y(Pixel p) { return (sum(p) + 16384) >> 15; }
 
-    template <int C, PixelLayout in>
-    ZIV_INLINE static LumaQ15<C> convert_luma(const Pixels<C, in.bytes>& pixels) {
-        return luma_q15<weights_in_memory_order<in>(9798, 19235, 3736)>(pixels);
+    template <PixelLayout in, int C>
+    ZIV_INLINE static auto weigh(const Pixels<C, in.bytes>& pixels) {
+        return luma_q7<weights_in_memory_order<in>(9798, 19235, 3736)>(pixels);
     }
+    template <class LumaQ7>
+    ZIV_INLINE static auto luma(const LumaQ7& luma) {
+        return rounded(luma);
+    }
+    template <PixelLayout in>
+    static constexpr OuterWeights chroma_weights = in.blue == 0 ? OuterWeights{18492, 23372} : OuterWeights{23372, 18492};
 };
 
 // The finished luma is taken from the colour.
@@ -74,14 +82,9 @@ struct FineRoundedSet : FineLuma {
     static int u(Pixel p) { return clamp_byte((((p.b - y(p)) * 18492 + 16384) >> 15) + 128); }
     static int v(Pixel p) { return clamp_byte((((p.r - y(p)) * 23372 + 16384) >> 15) + 128); }
 
-    template <int C, PixelLayout in>
-    ZIV_INLINE static Yuv<C> convert(const uint8_t* p) {
-        const Pixels<C, in.bytes> pixels = load_pixels<C, in.bytes>(p);
-        const Luma<C> luma = convert_luma<C, in>(pixels).rounded;
-        const OuterBytes<C> even = even_outer_bytes(pixels);
-        const Samples<C> y = even_columns(luma);
-        return {luma, rounded_difference_q15<18492>(in.blue == 0 ? even.c0 : even.c2, y),
-                rounded_difference_q15<23372>(in.red == 0 ? even.c0 : even.c2, y)};
+    template <PixelLayout in, int C, class LumaQ7>
+    ZIV_INLINE static auto chroma(const Pixels<C, in.bytes>& pixels, const LumaQ7& luma) {
+        return rounded_differences_q15<chroma_weights<in>>(pixels, rounded(luma));
     }
 };
 
@@ -91,13 +94,9 @@ struct FineFractionalSet : FineLuma {
     static int u(Pixel p) { return clamp_byte((((difference(p.b, p) * 18492 >> 7) + 16384) >> 15) + 128); }
     static int v(Pixel p) { return clamp_byte((((difference(p.r, p) * 23372 >> 7) + 16384) >> 15) + 128); }
 
-    template <int C, PixelLayout in>
-    ZIV_INLINE static Yuv<C> convert(const uint8_t* p) {
-        const Pixels<C, in.bytes> pixels = load_pixels<C, in.bytes>(p);
-        const LumaQ15<C> luma = convert_luma<C, in>(pixels);
-        const OuterBytes<C> even = even_outer_bytes(pixels);
-        return {luma.rounded, fractional_difference_q15<18492>(in.blue == 0 ? even.c0 : even.c2, luma.even_q7),
-                fractional_difference_q15<23372>(in.red == 0 ? even.c0 : even.c2, luma.even_q7)};
+    template <PixelLayout in, int C, class LumaQ7>
+    ZIV_INLINE static auto chroma(const Pixels<C, in.bytes>& pixels, const LumaQ7& luma) {
+        return fractional_differences_q15<chroma_weights<in>>(pixels, luma);
     }
 };
 

@@ -19,9 +19,11 @@ int32_t rgb_to_packed422(const Image* srcImg, const Image* dstImg, uint32_t sour
         const uint8_t* src = row_at(srcImg->plane[0], i, srcImg->pitch[0]);
         uint8_t* dst = row_at(dstImg->plane[0], i, dstImg->pitch[0]);
         for_column_steps(blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-            const auto yuv = Set::template convert<step.value, in>(src + in.bytes * j);
-            if constexpr (out.u < out.v) store_packed<out.y0 == 0>(dst + 2 * j, yuv.y, yuv.u, yuv.v);
-            else store_packed<out.y0 == 0>(dst + 2 * j, yuv.y, yuv.v, yuv.u);
+            constexpr PairOrder order = out.u < out.v ? PairOrder::uv : PairOrder::vu;
+            const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+            const auto weighed = Set::template weigh<in>(pixels);
+            const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
+            store_packed<out.y0 == 0, c2_first<in, order>>(dst + 2 * j, Set::luma(weighed), chroma_pairs);
         });
         for (ptrdiff_t j = blocked; j < width; j += 2) {
             const Pixel first = load_pixel<in>(src + in.bytes * j), second = load_pixel<in>(src + in.bytes * (j + 1));

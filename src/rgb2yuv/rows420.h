@@ -6,31 +6,34 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
-enum class PairOrder { uv, vu };
-
 // The blocked columns of a row without chroma, of a row with chroma in pairs, and of a row with chroma in two planes. Each
 // reads and writes exactly these columns.
 template <class Set, PixelLayout in>
 ZIV_INLINE void convert_luma_blocks(const uint8_t* src, uint8_t* luma, ptrdiff_t columns) {
     for_column_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        store_luma(luma + j, Set::template convert<step.value, in>(src + in.bytes * j).y);
+        const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+        store_luma(luma + j, Set::luma(Set::template weigh<in>(pixels)));
     });
 }
 template <class Set, PixelLayout in, PairOrder order>
 ZIV_INLINE void convert_pair_blocks(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     for_column_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        const auto yuv = Set::template convert<step.value, in>(src + in.bytes * j);
-        store_luma(luma + j, yuv.y);
-        if constexpr (order == PairOrder::uv) store_pairs(chroma + j, yuv.u, yuv.v);
-        else store_pairs(chroma + j, yuv.v, yuv.u);
+        const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+        const auto weighed = Set::template weigh<in>(pixels);
+        const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
+        store_luma(luma + j, Set::luma(weighed));
+        store_pairs<c2_first<in, order>>(chroma + j, chroma_pairs);
     });
 }
 template <class Set, PixelLayout in>
 ZIV_INLINE void convert_plane_blocks(const uint8_t* src, uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t columns) {
+    uint8_t *const plane0 = in.blue == 0 ? u : v, *const plane2 = in.blue == 0 ? v : u;
     for_column_pair_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        const auto yuv = Set::template convert<step.value, in>(src + in.bytes * j);
-        store_luma(luma + j, yuv.y);
-        store_planes(u + j / 2, v + j / 2, yuv.u, yuv.v);
+        const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+        const auto weighed = Set::template weigh<in>(pixels);
+        const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
+        store_luma(luma + j, Set::luma(weighed));
+        store_planes(plane0 + j / 2, plane2 + j / 2, chroma_pairs);
     });
 }
 

@@ -174,34 +174,28 @@ TERM(store2_pairs, { store2_pairs<N>(out, v.a, v.b); })
 COLUMN_TERM(luma_q6_3, { store_luma(out, luma_q6<Weights{19, 38, 7}, own_bytes>(load_pixels<N, 3>(in))); })
 COLUMN_TERM(luma_q6_4, { store_luma(out, luma_q6<Weights{7, 38, 19}, own_bytes>(load_pixels<N, 4>(in))); })
 COLUMN_TERM(luma_q6_shared, { store_luma(out, luma_q6<Weights{19, 38, 7}, 2>(load_pixels<N, 4>(in))); })
-COLUMN_TERM(luma_q15, { store_luma(out, luma_q15<Weights{3736, 19235, 9798}>(load_pixels<N, 3>(in)).rounded); })
+COLUMN_TERM(luma_q15, { store_luma(out, rounded(luma_q7<Weights{3736, 19235, 9798}>(load_pixels<N, 3>(in)))); })
 // Bytes 0 and 2 of the even columns against luma: scaled, rounded, fractional.
 COLUMN_TERM(scaled_differences, {
-    const Pixels<N, 3> pixels = load_pixels<N, 3>(in);
-    const OuterBytes<N> even = even_outer_bytes(pixels);
-    const Samples<N> y = even_columns(luma_q6<Weights{19, 38, 7}, own_bytes>(pixels));
-    store_pairs(out, scaled_difference<9, 4, 228>(even.c2, y), scaled_difference<91, 7, 180>(even.c0, y));
+    const auto pixels = load_pixels<N, 3>(in);
+    const auto luma = luma_q6<Weights{19, 38, 7}, own_bytes>(pixels);
+    store_pairs<true>(out, scaled_differences<Slope{91, 7, 180}, Slope{9, 4, 228}>(pixels, luma));
 })
 COLUMN_TERM(rounded_differences, {
-    const Pixels<N, 3> pixels = load_pixels<N, 3>(in);
-    const OuterBytes<N> even = even_outer_bytes(pixels);
-    const Samples<N> y = even_columns(luma_q15<Weights{3736, 19235, 9798}>(pixels).rounded);
-    store_planes(out, out + N / 2, rounded_difference_q15<18492>(even.c0, y), rounded_difference_q15<23372>(even.c2, y));
+    const auto pixels = load_pixels<N, 3>(in);
+    const auto luma = luma_q7<Weights{3736, 19235, 9798}>(pixels);
+    store_planes(out, out + N / 2, rounded_differences_q15<OuterWeights{18492, 23372}>(pixels, rounded(luma)));
 })
 COLUMN_TERM(fractional_differences, {
-    const Pixels<N, 3> pixels = load_pixels<N, 3>(in);
-    const OuterBytes<N> even = even_outer_bytes(pixels);
-    const LumaQ15<N> y = luma_q15<Weights{3736, 19235, 9798}>(pixels);
-    store_pairs(out, fractional_difference_q15<23372>(even.c2, y.even_q7),
-                fractional_difference_q15<18492>(even.c0, y.even_q7));
+    const auto pixels = load_pixels<N, 3>(in);
+    const auto luma = luma_q7<Weights{3736, 19235, 9798}>(pixels);
+    store_pairs<true>(out, fractional_differences_q15<OuterWeights{18492, 23372}>(pixels, luma));
 })
 template <bool luma_first, int N>
 void packed_term(const uint8_t* in, uint8_t* out) {
-    const Pixels<N, 4> pixels = load_pixels<N, 4>(in);
-    const OuterBytes<N> even = even_outer_bytes(pixels);
-    const Luma<N> luma = luma_q6<Weights{19, 38, 7}, own_bytes>(pixels);
-    const Samples<N> y = even_columns(luma);
-    store_packed<luma_first>(out, luma, scaled_difference<9, 4, 228>(even.c2, y), scaled_difference<91, 7, 180>(even.c0, y));
+    const auto pixels = load_pixels<N, 4>(in);
+    const auto luma = luma_q6<Weights{19, 38, 7}, own_bytes>(pixels);
+    store_packed<luma_first, true>(out, luma, scaled_differences<Slope{91, 7, 180}, Slope{9, 4, 228}>(pixels, luma));
 }
 COLUMN_TERM(packed_luma_first, { packed_term<true, N>(in, out); })
 COLUMN_TERM(packed_chroma_first, { packed_term<false, N>(in, out); })
