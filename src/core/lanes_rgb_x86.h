@@ -146,7 +146,13 @@ ZIV_INLINE Pixels<64, 3> load_pixels<64, 3>(const uint8_t* p) {
 }
 template <>
 ZIV_INLINE Pixels<64, 4> load_pixels<64, 4>(const uint8_t* p) {
-    return {load<64>(p), load<64>(p + 64), load<64>(p + 128), load<64>(p + 192)};
+    // Luma and chroma are to share these loads, which often cross cache lines.
+    const auto load_once = [=](int at) ZIV_INLINE_BODY {
+        U8<64> v = load<64>(p + at);
+        asm("" : "+v"(v));
+        return v;
+    };
+    return {load_once(0), load_once(64), load_once(128), load_once(192)};
 }
 template <int channel>
 ZIV_INLINE void share_channel(Pixels<64, 4>& v) {
