@@ -109,10 +109,13 @@ ZIV_INLINE bool any_zero<64>(U16<64> v) {
 
 // ---- Interleaving loads and stores of c channels ----
 
+// Each half of the bytes is parted by itself, the second with its channels exchanged: then either channel is a blend or a shift
+// of the two.
 template <>
 ZIV_INLINE Channels<64, 2> load2<64>(const uint8_t* p) {
-    const U8<64> a = load<64>(p), b = load<64>(p + 64);
-    return {{even_lanes<64>(a, b), odd_lanes<64>(a, b)}};
+    const __m512i a = _mm512_permutexvar_epi8(bytes512([](int n) { return n % 32 * 2 + n / 32; }), load512(p));
+    const __m512i b = _mm512_permutexvar_epi8(bytes512([](int n) { return n % 32 * 2 + 1 - n / 32; }), load512(p + 64));
+    return {{(U8<64>)_mm512_mask_mov_epi64(a, 0xF0, b), (U8<64>)_mm512_alignr_epi64(b, a, 4)}};
 }
 
 // Channel `channel` of 3: the bytes 3 n + channel of the 192 bytes in p0, p1, p2.
