@@ -90,8 +90,8 @@ int exact_green(int u, int v) { return -714 * v - 344 * u; }
 TEST(Binary32Identities, RedAndBlueAreLumaPlusTheFloorOfTheExactTerm) {
     for (int c = -128; c < 128; c++) {
         const int red = floor_div(1402 * c, 1000), blue = floor_div(1772 * c, 1000);
-        EXPECT_EQ(red, c + ((c * 26345) >> 16));
-        EXPECT_EQ(blue, 2 * c + ((c * -14942) >> 16));
+        EXPECT_EQ(red, (4 * c * 11485) >> 15);
+        EXPECT_EQ(blue, (4 * c * 14516) >> 15);
         for (int luma = 0; luma < 256; luma++) {
             const Rgb pixel = reference::set_f32_block(luma, c, c);
             EXPECT_EQ(clamped(pixel.red), clamped(luma + red)) << luma << " " << c;
@@ -128,14 +128,22 @@ TEST(Binary32Identities, GreenFallsShortInSeventeenPairsUpToAThreshold) {
 }
 
 TEST(Binary32Identities, GreenComesOutOfLanesOf16) {
-    every_pair([](int u, int v) {
-        const int quarter = v * 36 - u * 43 + (-v >> 2) + 81 * 125;
-        EXPECT_GT(quarter, 0);
+    int unsound_pairs = 0;
+    every_pair([&](int u, int v) {
+        const int quarter = v * 36 - u * 43 + (-v >> 2) + 74 * 125;
+        EXPECT_GT(quarter, -32768);
         EXPECT_LT(quarter, 32768);
-        const int quotient = multiply_round_high(quarter, 16777) >> 6;
-        EXPECT_EQ(quotient - 81 - v, floor_div(exact_green(u, v), 1000)) << u << " " << v;
-        EXPECT_EQ(quotient * 125 == quarter && v % 4 == 0, exact_green(u, v) % 1000 == 0) << u << " " << v;
+        const int quotient = multiply_round_high(quarter, 16777) >> 6, exact = exact_green(u, v), term = floor_div(exact, 1000);
+        EXPECT_EQ(quotient - 74 - v, term) << u << " " << v;
+        const bool unsound = (quarter * 0x78D5 & 0xFFC0) == 0 && v % 4 == 0;
+        unsound_pairs += unsound;
+        EXPECT_TRUE(!unsound || exact % 1000 == 0) << u << " " << v;
+        const float of_v = static_cast<float>(v) * -0.714f, of_u = static_cast<float>(u) * -0.344f;
+        const float sum = of_v + of_u;
+        const bool falls_short = exact % 1000 == 0 && sum < static_cast<float>(term);
+        EXPECT_TRUE(!falls_short || unsound) << u << " " << v;
     });
+    EXPECT_EQ(unsound_pairs, 51);
 }
 
 }  // namespace

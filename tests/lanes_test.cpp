@@ -157,13 +157,16 @@ const std::map<std::string, Meaning>& meanings() {
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int i = 0; i < N / 2; i++) put16(out, i, in[0] - 128);
          }},
-        {"double_arranged", moves(1, [](int, int n) { return n / 2 * 2; })},
-        {"load_arranged", moves(1, [](int, int n) { return n / 2; })},
-        {"multiply_q15", on_s16([](int64_t a, int64_t) { return (a * -11277) >> 15; })},
-        {"any_zero",
+        {"arrange_pairs", moves(2, [](int N, int n) { return n % N; })},
+        {"load_arranged",
+         [](int N, const uint8_t* in, uint8_t* out) { for (int i = 0; i < N; i++) put16(out, i, in[i % (N / 2)]); }},
+        {"weigh_pair_bytes",
          [](int N, const uint8_t* in, uint8_t* out) {
-             for (int i = 0; i < N / 2; i++) out[0] = out[0] || s16(in, i) == 0;
+             for (int i = 0; i < N / 2; i++) put16(out, i, 36 * in[2 * i] - 43 * in[2 * i + 1]);
          }},
+        {"multiply_q15", on_s16([](int64_t a, int64_t) { return (a * -11277) >> 15; })},
+        {"zero_lanes",
+         [](int N, const uint8_t* in, uint8_t* out) { for (int i = 0; i < N / 2; i++) out[i] = s16(in, i) % 4 == 0; }},
         {"load_but_last", per_byte([](const uint8_t* in, int N, int n) { return n < N - 1 ? in[n] : 0; })},
         {"swap_pairs", moves(1, [](int, int n) { return n ^ 1; })},
         {"even_pairs", moves(1, [](int N, int n) { return n % 2 ? N + n - 1 : n; })},

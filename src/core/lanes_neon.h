@@ -121,8 +121,10 @@ ZIV_INLINE S16<16> weigh_pair_q15<16>(S16<16> a, S16<16> b, int weight_a, int we
 }
 
 template <>
-ZIV_INLINE bool any_zero<16>(U16<16> v) {
-    return vminvq_u16((uint16x8_t)v) == 0;
+inline constexpr int zero_lane_bits<16> = 8;
+template <>
+ZIV_INLINE uint64_t zero_lanes<16>(U16<16> v) {
+    return vget_lane_u64(vreinterpret_u64_u8(vmovn_u16(vceqzq_u16((uint16x8_t)v))), 0);
 }
 
 // A term as two signed bytes that sum to it, d >> 1 and (d + 1) >> 1: two additions that saturate like one, as both go the same

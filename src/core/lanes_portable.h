@@ -25,6 +25,9 @@ ZIV_INLINE void expect_writes(uint8_t*) {}
 // The same for the `bytes` bytes that are read there.
 template <int bytes>
 ZIV_INLINE void expect_reads(const uint8_t*) {}
+// Hints that the `bytes` bytes `ahead` of p will soon be written.
+template <int bytes>
+ZIV_INLINE void expect_writes_ahead(uint8_t*, ptrdiff_t) {}
 
 // N / 2 bytes, zero-widened to 16-bit lanes.
 template <int N>
@@ -247,12 +250,21 @@ ZIV_INLINE S16<N> weigh_pair_q15(S16<N> a, S16<N> b, int weight_a, int weight_b)
     return r;
 }
 
-// Whether any lane is zero.
+// a * weight_a + b * weight_b of the bytes a, b of every lane, which must fit 16 bits; the weights fit a signed byte.
 template <int N>
-ZIV_INLINE bool any_zero(U16<N> v) {
-    bool any = false;
-    for (int i = 0; i < N / 2; i++) any |= v[i] == 0;
-    return any;
+ZIV_INLINE S16<N> weigh_pair_bytes(U8<N> pairs, int weight_a, int weight_b) {
+    return (S16<N>)even_bytes<N>(pairs) * static_cast<int16_t>(weight_a) +
+           (S16<N>)odd_bytes<N>(pairs) * static_cast<int16_t>(weight_b);
+}
+
+// Which lanes are zero: so many bits of the result are set for each, the lowest for lane 0.
+template <int N>
+inline constexpr int zero_lane_bits = 1;
+template <int N>
+ZIV_INLINE uint64_t zero_lanes(U16<N> v) {
+    uint64_t lanes = 0;
+    for (int i = 0; i < N / 2; i++) lanes |= static_cast<uint64_t>(v[i] == 0) << i;
+    return lanes;
 }
 
 // ---- Luma plus a term of its chroma pair: clamp(Y + d, 0, 255) for N pixels and N / 2 pairs, |d| <= 254. ----
@@ -268,10 +280,10 @@ template <int N, int c>
 ZIV_INLINE U16<N> load_arranged(const uint8_t* p) {
     return load_widened<N>(p);
 }
-// Back in order: the low byte of each pair's lane in the bytes of both of its pixels. Lanes are at most 255.
+// The pair that a lane then holds.
 template <int N, int c>
-ZIV_INLINE U8<N> double_arranged(U16<N> v) {
-    return double_bytes<N>(v);
+constexpr int pair_in_lane(int lane) {
+    return lane;
 }
 
 // N pixels of packed 4:2:2, luma in the even bytes: luma as the target likes to keep it, and the arranged pairs.

@@ -20,6 +20,12 @@ requires(bytes > 0) ZIV_INLINE void expect_writes(uint8_t* p) {
 }
 
 template <int bytes>
+requires(bytes > 0) ZIV_INLINE void expect_writes_ahead(uint8_t* p, ptrdiff_t ahead) {
+    const uintptr_t first = reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(ahead);
+    for (uintptr_t line = 0; line < bytes; line += 64) __builtin_prefetch(reinterpret_cast<const void*>(first + line), 1);
+}
+
+template <int bytes>
 requires(bytes > 64) ZIV_INLINE void expect_reads(const uint8_t* p) {
     const uintptr_t ahead = reinterpret_cast<uintptr_t>(p) + 1024;
     for (uintptr_t line = 0; line < bytes; line += 64) __builtin_prefetch(reinterpret_cast<const void*>(ahead + line));
@@ -101,8 +107,16 @@ ZIV_INLINE S16<16> weigh_pair_q15<16>(S16<16> a, S16<16> b, int weight_a, int we
 }
 
 template <>
-ZIV_INLINE bool any_zero<16>(U16<16> v) {
-    return _mm_movemask_epi8(_mm_cmpeq_epi16((__m128i)v, _mm_setzero_si128())) != 0;
+ZIV_INLINE S16<16> weigh_pair_bytes<16>(U8<16> pairs, int weight_a, int weight_b) {
+    const S16<16> weights = constant<16>((weight_a & 0xFF) | weight_b * 256);
+    return (S16<16>)_mm_maddubs_epi16((__m128i)pairs, (__m128i)weights);
+}
+
+template <>
+inline constexpr int zero_lane_bits<16> = 2;
+template <>
+ZIV_INLINE uint64_t zero_lanes<16>(U16<16> v) {
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16((__m128i)v, _mm_setzero_si128())));
 }
 
 // ---- Interleaving loads and stores of c channels ----

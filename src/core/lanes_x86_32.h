@@ -107,8 +107,16 @@ ZIV_INLINE S16<32> weigh_pair_q15<32>(S16<32> a, S16<32> b, int weight_a, int we
 }
 
 template <>
-ZIV_INLINE bool any_zero<32>(U16<32> v) {
-    return _mm256_movemask_epi8(_mm256_cmpeq_epi16((__m256i)v, _mm256_setzero_si256())) != 0;
+ZIV_INLINE S16<32> weigh_pair_bytes<32>(U8<32> pairs, int weight_a, int weight_b) {
+    const S16<32> weights = constant<32>((weight_a & 0xFF) | weight_b * 256);
+    return (S16<32>)_mm256_maddubs_epi16((__m256i)pairs, (__m256i)weights);
+}
+
+template <>
+inline constexpr int zero_lane_bits<32> = 2;
+template <>
+ZIV_INLINE uint64_t zero_lanes<32>(U16<32> v) {
+    return static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi16((__m256i)v, _mm256_setzero_si256())));
 }
 
 // ---- Interleaving loads and stores of c channels ----
@@ -246,8 +254,8 @@ ZIV_INLINE U16<32> load_arranged<32, 4>(const uint8_t* p) {
     return (U16<32>)_mm256_shuffle_epi8(load_twice(p), bytes);
 }
 template <>
-ZIV_INLINE U8<32> double_arranged<32, 4>(U16<32> v) {
-    return double_bytes<32>((U16<32>)_mm256_permutevar8x32_epi32((__m256i)v, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
+constexpr int pair_in_lane<32, 4>(int lane) {
+    return lane % 8 / 2 * 4 + lane / 8 * 2 + lane % 2;
 }
 
 template <>

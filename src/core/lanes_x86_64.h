@@ -103,8 +103,14 @@ ZIV_INLINE S16<64> weigh_pair_q15<64>(S16<64> a, S16<64> b, int weight_a, int we
 }
 
 template <>
-ZIV_INLINE bool any_zero<64>(U16<64> v) {
-    return _mm512_testn_epi16_mask((__m512i)v, (__m512i)v) != 0;
+ZIV_INLINE S16<64> weigh_pair_bytes<64>(U8<64> pairs, int weight_a, int weight_b) {
+    const S16<64> weights = constant<64>((weight_a & 0xFF) | weight_b * 256);
+    return (S16<64>)_mm512_maddubs_epi16((__m512i)pairs, (__m512i)weights);
+}
+
+template <>
+ZIV_INLINE uint64_t zero_lanes<64>(U16<64> v) {
+    return _mm512_testn_epi16_mask((__m512i)v, (__m512i)v);
 }
 
 // ---- Interleaving loads and stores of c channels ----
@@ -188,8 +194,14 @@ ZIV_INLINE void store4<64>(uint8_t* p, U8<64> a, U8<64> b, U8<64> c, U8<64> d) {
 
 // The 16-bit lane of a pair.
 constexpr int lane_of_pair(int pair) { return pair % 16 / 4 * 8 + pair / 16 * 4 + pair % 4; }
-// Which pair a lane holds.
-constexpr int pair_in_lane(int lane) { return lane / 8 * 4 + lane % 8 / 4 * 16 + lane % 4; }
+template <>
+constexpr int pair_in_lane<64, 3>(int lane) {
+    return lane / 8 * 4 + lane % 8 / 4 * 16 + lane % 4;
+}
+template <>
+constexpr int pair_in_lane<64, 4>(int lane) {
+    return pair_in_lane<64, 3>(lane);
+}
 
 // A table of byte numbers and a mask, hidden from compilers that would merge permutations into costlier ones.
 template <class Index>
@@ -214,7 +226,7 @@ ZIV_INLINE U8<64> arrange_pairs<64, 4>(U8<64> pairs) {
 }
 template <>
 ZIV_INLINE U16<64> load_arranged<64, 3>(const uint8_t* p) {
-    const __m512i index = kept_bytes512([](int n) { return pair_in_lane(n / 2); });
+    const __m512i index = kept_bytes512([](int n) { return pair_in_lane<64, 3>(n / 2); });
     constexpr __mmask64 low_bytes = mask512([](int n) { return n % 2 == 0; });
     return (U16<64>)_mm512_maskz_permutexvar_epi8(low_bytes, index, _mm512_castsi256_si512(load256(p)));
 }
@@ -231,10 +243,6 @@ template <>
 ZIV_INLINE Packed422<64> load_packed422<64, 3>(const uint8_t* p) {
     const __m512i a = load512(p), b = load512(p + 64);
     return {{a, b}, (U8<64>)_mm512_packus_epi16(_mm512_srli_epi16(a, 8), _mm512_srli_epi16(b, 8))};
-}
-template <>
-ZIV_INLINE U8<64> double_arranged<64, 4>(U16<64> v) {
-    return double_bytes<64>((U16<64>)_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), (__m512i)v));
 }
 
 // The terms of 32 pairs as bytes, 16 pairs a vector: in every 16-byte part channels 0 and 1 of four pairs, side by side, then

@@ -17,90 +17,75 @@ inline constexpr float red_of_v = 1.402f, green_of_v = -0.714f, green_of_u = -0.
 template <int N>
 struct Binary32Terms {
     S16<N> r, g, b;
-    U16<N> sound;  // zero in the lanes of the 17 pairs and of some more
+    U16<N> sound;  // zero in the lanes of the 17 pairs and of 34 more
 };
+// The pairs are V U as they were loaded.
 template <int N>
-ZIV_INLINE Binary32Terms<N> binary32_terms(S16<N> u, S16<N> v) {
-    const S16<N> r = v + multiply_high<N>(v, constant<N>(26345));       // 0.402 in 1/65536
-    const S16<N> b = u + u + multiply_high<N>(u, constant<N>(-14942));  // -0.228
-    // -0.714 v - 0.344 u is -v + (143 v - 172 u) / 500. A quarter of the numerator, floored, plus 81 times 125, is positive;
-    // the rounding multiply by 2^21 / 125 adds less than 1/125 after the shift, enough for what the factor lacks.
-    const S16<N> quarter =
-        v * constant<N>(36) - u * constant<N>(43) + (S16<N>)((U16<N>)(constant<N>(4 * 81 * 125 - 65536) - v) >> 2);
+ZIV_INLINE Binary32Terms<N> binary32_terms(const Chroma<N>& c) {
+    // 4 v and 4 u by 1.402 and 1.772 in 1/32768, halved. No term but 0 comes closer to a whole number than they are off.
+    const S16<N> r = multiply_q15<N>(c.v256 >> 6, 11485), b = multiply_q15<N>(c.u256 >> 6, 14516);
+    // -0.714 v - 0.344 u is -v + (143 v - 172 u) / 500. A quarter of the numerator, floored, plus 74 times 125 is all but
+    // positive; the rounding multiply by 2^21 / 125 adds less than 1/125 after the shift, enough for what the factor lacks.
+    constexpr int whole = 74, weight_v = 36, weight_u = -43, centre = 128 * (weight_v + weight_u);
+    const S16<N> rest = (S16<N>)((U16<N>)(constant<N>(4 * (125 * whole - centre) - 65536) - c.v) >> 2);
+    const S16<N> quarter = weigh_pair_bytes<N>(c.pairs, weight_v, weight_u) + rest;
     const S16<N> quotient = multiply_round_high<N>(quarter, constant<N>(16777)) >> 6;
-    // A whole term: `quarter` is a multiple of 125, so that its product with the inverse of 125 modulo 2^16 is below 256, and
-    // nothing was lost in v / 4. The 17 pairs have u above 0 and v up to 12.
-    const S16<N> outside = (u - constant<N>(1)) | (constant<N>(12) - v);
-    const S16<N> sound = ((S16<N>)((U16<N>)quarter * (U16<N>)constant<N>(0x78D5)) & constant<N>(-256)) | (v & constant<N>(3)) |
-                         (outside & constant<N>(-32768));
-    return {r, quotient - (v + constant<N>(81)), b, (U16<N>)sound};
+    // A whole term: `quarter` is a multiple of 125, so that its product with the inverse of 125 modulo 2^16 is the quotient,
+    // and nothing was lost in v / 4. The 17 pairs have quotients of -74 to -11, and so products below 64.
+    const S16<N> product = (S16<N>)((U16<N>)quarter * (U16<N>)constant<N>(0x78D5));
+    return {r, quotient - (c.v + constant<N>(whole)), b, (U16<N>)((product & constant<N>(-64)) | (c.v & constant<N>(3)))};
 }
 
-// The threshold of each pair in the bytes of both of its pixels, 0 where green does not fall short. d is the floor of the exact
-// green term.
-template <int N>
-ZIV_INLINE U8<N> green_thresholds(S16<N> u, S16<N> v, S16<N> d) {
-    U16<N> thresholds{};
-    for (int odd = 0; odd < 2; odd++) {
-        const auto to_float = [odd](S16<N> x) ZIV_INLINE_BODY {  // the even or the odd 16-bit lanes
-            return __builtin_convertvector((odd ? (S32<N>)x : (S32<N>)((U32<N>)x << 16)) >> 16, F32<N>);
-        };
-        const F32<N> g = to_float(v) * green_of_v + to_float(u) * green_of_u;
-        const F32<N> lack = (to_float(d) - g) * 16777216.0f;
-        const U32<N> lanes = (U32<N>)__builtin_convertvector(lack > 0.0f ? lack : F32<N>{}, S32<N>);
-        thresholds |= (U16<N>)(odd ? lanes << 16 : lanes);
-    }
-    return double_arranged<N, 4>(thresholds);
-}
+// The lanes of each of some steps that are not sound.
+struct UnsoundLanes {
+    static constexpr int most = 64;
+    uint64_t of_step[most];
+};
 
-// Writes N pixels B, G, R, alpha with the thresholds applied.
+// Writes green anew in their pixels, from column j on: seldom done, and kept apart from the usual way so as not to take its
+// registers.
 template <int N>
-ZIV_INLINE void store_with_thresholds(uint8_t* p, U8<N> luma, const Binary32Terms<N>& d, U8<N> thresholds, uint8_t alpha) {
-    const auto plus = [luma](S16<N> term) ZIV_INLINE_BODY {
-        const S16<N> up = term > 0 ? term : S16<N>{};
-        return subtract_saturating(add_saturating(luma, double_arranged<N, 4>((U16<N>)up)),
-                                   double_arranged<N, 4>((U16<N>)(up - term)));
+[[gnu::noinline, gnu::cold]] static void mend_green(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t j,
+                                                    const UnsoundLanes& unsound, int steps) {
+    const auto mend = [](uint8_t* pixel, uint8_t luma, float term) ZIV_INLINE_BODY {
+        pixel[1] = static_cast<uint8_t>(clamp_byte(static_cast<int>(static_cast<float>(luma) + term)));
     };
-    const U8<N> g = plus(d.g);
-    store4<N>(p, plus(d.b), subtract_saturating(g, (U8<N>)(g <= thresholds) & 1), plus(d.r), U8<N>{} + alpha);
+    constexpr uint64_t lane_bits = (uint64_t{1} << zero_lane_bits<N>)-1;
+    for (int step = 0; step < steps; step++, j += N)
+        for (uint64_t lanes = unsound.of_step[step]; lanes != 0;) {
+            const int lane = __builtin_ctzll(lanes) / zero_lane_bits<N>;
+            lanes &= ~(lane_bits << lane * zero_lane_bits<N>);
+            const ptrdiff_t k = j + 2 * pair_in_lane<N, 4>(lane);
+            const float term = static_cast<float>(chroma.v(k)) * green_of_v + static_cast<float>(chroma.u(k)) * green_of_u;
+            mend(rows.dst0 + 4 * k, rows.luma0[k], term), mend(rows.dst0 + 4 * k + 4, rows.luma0[k + 1], term);
+            mend(rows.dst1 + 4 * k, rows.luma1[k], term), mend(rows.dst1 + 4 * k + 4, rows.luma1[k + 1], term);
+        }
 }
 
-// The seldom taken way of one step, kept apart from the usual one so as not to take its registers.
-template <int N>
-[[gnu::noinline, gnu::cold]] static void convert_step_with_thresholds(RowPair rows, PairedChroma<PairOrder::vu> chroma,
-                                                                      ptrdiff_t j, uint8_t alpha) {
-    const Chroma<N> pairs = chroma.load_at<N, 4>(j);
-    const Binary32Terms<N> d = binary32_terms<N>(pairs.u, pairs.v);
-    const U8<N> thresholds = green_thresholds<N>(pairs.u, pairs.v, d.g);
-    store_with_thresholds<N>(rows.dst0 + 4 * j, load<N>(rows.luma0 + j), d, thresholds, alpha);
-    store_with_thresholds<N>(rows.dst1 + 4 * j, load<N>(rows.luma1 + j), d, thresholds, alpha);
-}
-
-// Steps of N columns from column j on, up to the first that has to mind its thresholds. Returns the column reached.
-template <int N>
-ZIV_INLINE ptrdiff_t convert_sound_steps(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t j, ptrdiff_t columns,
-                                         uint8_t alpha) {
-    for (; j + N <= columns; j += N) {
-        const Chroma<N> pairs = chroma.load_at<N, 4>(j);
-        const Binary32Terms<N> d = binary32_terms<N>(pairs.u, pairs.v);
-        if (any_zero<N>(d.sound)) [[unlikely]]
-            break;
-        expect_writes<4 * N>(rows.dst0 + 4 * j);
-        expect_writes<4 * N>(rows.dst1 + 4 * j);
-        const PixelTerms4<N> terms = pixel_terms<N>(d.b, d.g, d.r, alpha);
-        store_pixels<N>(rows.dst0 + 4 * j, rows.luma0 + j, terms);
-        store_pixels<N>(rows.dst1 + 4 * j, rows.luma1 + j, terms);
-    }
-    return j;
-}
+// Steps of N columns from column j on. Returns the column reached. What is seldom done waits until many steps or the row are
+// over, so that it takes neither a branch nor registers in between.
 template <int N>
 ZIV_INLINE ptrdiff_t convert_binary32_steps(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t j, ptrdiff_t columns,
                                             uint8_t alpha) {
-    for (;; j += N) {
-        j = convert_sound_steps<N>(rows, chroma, j, columns, alpha);
-        if (j + N > columns) return j;
-        convert_step_with_thresholds<N>(rows, chroma, j, alpha);
+    const ptrdiff_t ahead = writes_ahead(rows);
+    while (j + N <= columns) {
+        const ptrdiff_t first = j;
+        UnsoundLanes unsound;
+        uint64_t any_unsound = 0;
+        int steps = 0;
+        for (; steps < UnsoundLanes::most && j + N <= columns; j += N) {
+            const Binary32Terms<N> d = binary32_terms<N>(chroma.load_at<N, 4>(j));
+            const PixelTerms4<N> terms = pixel_terms<N>(d.b, d.g, d.r, alpha);
+            expect_writes_ahead<4 * N>(rows.dst0 + 4 * j, ahead);
+            expect_writes_ahead<4 * N>(rows.dst1 + 4 * j, ahead);
+            store_pixels<N>(rows.dst0 + 4 * j, rows.luma0 + j, terms);
+            store_pixels<N>(rows.dst1 + 4 * j, rows.luma1 + j, terms);
+            any_unsound |= unsound.of_step[steps++] = zero_lanes<N>(d.sound);
+        }
+        if (any_unsound != 0) [[unlikely]]
+            mend_green<N>(rows, chroma, first, unsound, steps);
     }
+    return j;
 }
 
 // The blocked columns of two rows. Reads and writes exactly these.

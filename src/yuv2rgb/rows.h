@@ -15,8 +15,8 @@ ZIV_INLINE Chroma<N> centred_pairs(U8<N> pairs) {
     const S16<N> both = (S16<N>)pairs ^ constant<N>(0x8080 - 65536);
     const S16<N> first256 = both << 8, second256 = both & constant<N>(-256);
     const S16<N> first = first256 >> 8, second = both >> 8;
-    return order == PairOrder::uv ? Chroma<N>{first, second, first256, second256}
-                                  : Chroma<N>{second, first, second256, first256};
+    return order == PairOrder::uv ? Chroma<N>{first, second, first256, second256, pairs}
+                                  : Chroma<N>{second, first, second256, first256, pairs};
 }
 
 // Interleaved pairs of bytes.
@@ -42,7 +42,7 @@ struct PlanarChroma {
     ZIV_INLINE Chroma<N> load_at(ptrdiff_t j) const {
         const S16<N> u = (S16<N>)load_arranged<N, c>(u_row + (j >> 1)) - constant<N>(128),
                      v = (S16<N>)load_arranged<N, c>(v_row + (j >> 1)) - constant<N>(128);
-        return {u, v, u << 8, v << 8};
+        return {u, v, u << 8, v << 8, U8<N>{}};
     }
 };
 
@@ -112,15 +112,22 @@ ZIV_INLINE RowPair row_pair_at(const Image* srcImg, const Image* dstImg, ptrdiff
     return {luma, luma + srcImg->pitch[0], dst, dst + dstImg->pitch[0]};
 }
 
+// How far ahead of a step its writes are worth a hint: at the same column of the next two rows where these are near.
+ZIV_INLINE ptrdiff_t writes_ahead(RowPair rows) {
+    const ptrdiff_t next = 2 * (rows.dst1 - rows.dst0);
+    return next > 0 && next <= 16384 ? next : 512;
+}
+
 // The blocked columns of both. Reads and writes exactly these.
 template <class Set, Rgb order, class RowChroma>
 ZIV_INLINE void convert_blocks(RowPair rows, RowChroma chroma, ptrdiff_t columns, uint8_t alpha) {
+    const ptrdiff_t ahead = writes_ahead(rows);
     for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = step.value;
         const auto terms = terms_of<Set, order, N>(chroma.template load_at<N, pixel_bytes<order>>(j), alpha);
         uint8_t *const dst0 = rows.dst0 + pixel_bytes<order> * j, *const dst1 = rows.dst1 + pixel_bytes<order> * j;
-        expect_writes<pixel_bytes<order> * N>(dst0);
-        expect_writes<pixel_bytes<order> * N>(dst1);
+        expect_writes_ahead<pixel_bytes<order> * N>(dst0, ahead);
+        expect_writes_ahead<pixel_bytes<order> * N>(dst1, ahead);
         store_pixels<N>(dst0, rows.luma0 + j, terms);
         store_pixels<N>(dst1, rows.luma1 + j, terms);
     });

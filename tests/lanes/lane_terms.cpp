@@ -119,10 +119,33 @@ TERM(packed422_words_reversed, {
 })
 TERM(constants, { store(out, constants<N>(in[0] - 128, in[1] - 128)); })
 TERM(constant, { store(out, constant<N>(in[0] - 128)); })
-TERM(double_arranged, { store(out, double_arranged<N, 4>(even_bytes<N>(arrange_pairs<N, 4>(v.a)))); })
-TERM(load_arranged, { store(out, double_arranged<N, 4>(load_arranged<N, 4>(in))); })
+// Lanes of arranged pairs, put back in order.
+template <int N, int c>
+void store_in_order(uint8_t* out, U16<N> arranged) {
+    for (int lane = 0; lane < N / 2; lane++) {
+        const uint16_t value = arranged[lane];
+        __builtin_memcpy(out + 2 * pair_in_lane<N, c>(lane), &value, sizeof value);
+    }
+}
+TERM(arrange_pairs, {
+    store_in_order<N, 3>(out, (U16<N>)arrange_pairs<N, 3>(v.a));
+    store_in_order<N, 4>(out + N, (U16<N>)arrange_pairs<N, 4>(v.a));
+})
+TERM(load_arranged, {
+    store_in_order<N, 3>(out, load_arranged<N, 3>(in));
+    store_in_order<N, 4>(out + N, load_arranged<N, 4>(in));
+})
 TERM(multiply_q15, { store(out, multiply_q15<N>((S16<N>)v.a, -11277)); })
-TERM(any_zero, { out[0] = any_zero<N>((U16<N>)v.a); })
+// Of lanes whose byte 0 counts; a lane's bits are all set or none.
+TERM(zero_lanes, {
+    const uint64_t lanes = zero_lanes<N>((U16<N>)v.a & 3);
+    for (int lane = 0; lane < N / 2; lane++) {
+        constexpr uint64_t all = (uint64_t{1} << zero_lane_bits<N>)-1;
+        const uint64_t bits = lanes >> lane * zero_lane_bits<N> & all;
+        out[lane] = bits == all ? 1 : bits == 0 ? 0 : 2;
+    }
+})
+TERM(weigh_pair_bytes, { store(out, weigh_pair_bytes<N>(v.a, 36, -43)); })
 TERM(load_but_last, { store(out, load_but_last<N>(in)); })
 TERM(swap_pairs, { store(out, swap_pairs<N>(v.a)); })
 TERM(even_pairs, { store(out, even_pairs<N>(v.a, v.b)); })
@@ -222,7 +245,7 @@ static constexpr harness::LaneTerm rows[] = {
     ROWS(multiply_round_high) ROWS(multiply_high) ROWS(weigh_pair_q15) ROWS(store_pixels3) ROWS(store_pixels4)
     ROWS(store_pixels3_from_memory) ROWS(store_pixels4_from_memory) ROWS(packed422_pixels3) ROWS(packed422_pairs3)
     ROWS(packed422_words) ROWS(packed422_words_reversed) ROWS(constant) ROWS(constants)
-    ROWS(double_arranged) ROWS(load_arranged) ROWS(multiply_q15) ROWS(any_zero) ROWS(load_but_last) ROWS(swap_pairs)
+    ROWS(arrange_pairs) ROWS(load_arranged) ROWS(weigh_pair_bytes) ROWS(multiply_q15) ROWS(zero_lanes) ROWS(load_but_last) ROWS(swap_pairs)
     ROWS(even_pairs) ROWS(packed_chroma) ROWS(select) ROWS(multiply_high_unsigned) ROWS(widen_joined) ROWS(widen_difference)
     ROWS(reciprocals) ROWS(move_pixels_3_reversed) ROWS(move_pixels_4_to_3) ROWS(move_pixels_3_to_4)
     ROWS(shift_right_insert_3) ROWS(shift_right_insert_5) ROWS(pack_pixels_565) ROWS(pack_pixels_565_reversed)
