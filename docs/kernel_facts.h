@@ -202,7 +202,8 @@
           "zivColorNV41toNV21_2. Blocks run while 36 columns are left.") \
     FACTS(zivColorNV41toNV21_2,     Means, 32, Fits, 4, Src, Src, Dst2x2SrcRows2,  P1,   P01,  Fours,   Fours,   Differ, \
           "Luma as zivColorNV21toNV41. Both images may be the same memory. Needs a work buffer of two of the source's chroma " \
-          "rows, and a destination pitch[1] not above the source's. Tail: U begins at the start of the row again.")
+          "rows, and a destination pitch[1] not above the source's. What no step writes of the top two rows, padding among " \
+          "it, takes any value. Tail: U begins at the start of the row again.")
 
 #define ZIVCOLOR_RGBREPACK_FACTS(FACTS) \
     FACTS(zivColorRGBA8888toBGR888u8, Moves,  8, Fits, 1, Dst, Dst, Dst1x1,          P0, P0, Exact, Exact, Same, "") \
@@ -230,7 +231,8 @@
           "Tight rows; the tail takes single columns, so that an odd W does not drift.", \
           "Sizes at least 2 by 2. Chroma of the even rows is kept.") \
     FACTS(zivColorYUYVtoI420u8, "YUYV, one block of memory", "I420, one block of memory", "16 columns while more than 16 are left",\
-          "Tight rows. An odd W leaves the last column, an odd H the last row unwritten.", \
+          "Tight rows. An odd W leaves the last column, an odd H the last row unwritten. With an odd W every pair of rows " \
+          "starts a column early, so that rows drift back.", \
           "Sizes at least 2 by 2. Chroma of the even rows is kept.") \
     FACTS(zivColorRGB888toBGR888u8, "RGB888, tight rows", "BGR888, tight rows", "8 columns while 8 are left", \
           "Exactly 3 * W * H bytes are read and written.", "Sizes at least 1 by 1. Harmless in place.") \
@@ -260,7 +262,8 @@
           "Nothing is tested. An odd last row or column stays as it is.") \
     FACTS(_SkinWhitenByMask_YUV420_VUVU_neon, "NV21-like, in place", "itself", "16 columns of two rows while 16 are left", \
           "As _SkinWhitenByMask_YUV420_VUVU.", \
-          "Not the same results: blocks work in wrapping 16 bits and lift V by up to 9, the tail leaves V as it is.") \
+          "Not the same results: blocks work in wrapping 16 bits and lift V by up to 9, the tail leaves V as it is under a " \
+          "positive level.") \
     FACTS(CalcMergeWeightMap_neon, "every 20th of a run of 64-bit sums", "bytes", "8 columns while 8 are left", \
           "With an odd lW one entry and one byte more.", \
           "Blocks multiply by the reciprocal in binary32 and clamp; the tail divides and does not clamp below 0.")

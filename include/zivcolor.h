@@ -465,8 +465,9 @@ ZIVCOLOR_API int32_t zivColorNV21toYUVu8(const __tag_KOBR_OFFSCREEN* srcImg, con
  * */
 ZIVCOLOR_API int32_t zivColorNV21toNV41(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorNV21toNV41_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
-/* Up, first generation: ENDS THE PROCESS abnormally for every source width above 0, after its luma and a first row of V
- * have been written. It returns only for a width of 0 or less. Use zivColorNV41toNV21_2. */
+/* Up, first generation: ENDS THE PROCESS abnormally for every source width above 0, after luma, the blocks of the first two
+ * chroma rows and the V of one step behind them have been written. It returns only for a width of 0 or less. Use
+ * zivColorNV41toNV21_2. */
 ZIVCOLOR_API int32_t zivColorNV41toNV21(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 /* Up. With T the sample of NV41 row r and column k, B the one above it (row 0: itself), Tn and Bn their right neighbours
  * (at the right edge: themselves), the NV21 samples of columns 2 k and 2 k + 1 are
@@ -475,9 +476,11 @@ ZIVCOLOR_API int32_t zivColorNV41toNV21(const __tag_KOBR_OFFSCREEN* srcImg, cons
  * Walks from the bottom up, so that both images may be the same memory (equal pitches, H a multiple of 4). Blocks of 32
  * luma columns while they fit, then steps of 4, whose U begins at the start of the row again, as on the way down. The top
  * two rows pass through a work buffer of two of the source's chroma rows, all of which is copied at the end: the
- * destination's pitch[1] must not be above the source's. With an H that is no multiple of 4 the walk runs above the start
- * of the chroma planes.
- *   zivStatus_OutOfMemory   no memory for the work buffer; luma has been written by then */
+ * destination's pitch[1] must not be above the source's. The buffer is not cleared, so that in these two rows what no step
+ * writes, padding and the U of a tail behind blocks, takes any value. With an H that is no multiple of 4 there is no such
+ * pass, and the walk runs above the start of the chroma planes; below an H of 4 it starts there.
+ *   zivStatus_OutOfMemory   no memory for the work buffer, or the source's pitch[1] is negative; luma has been written by
+ *                           then, chroma has not */
 ZIVCOLOR_API int32_t zivColorNV41toNV21_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
 /* ---- RGB to RGB ------------------------------------------------------------------------------------------------------ */
