@@ -50,6 +50,34 @@ TEST_P(Conversions, TightImages) {
     every_small_size([](ImagePair& p, Random& random) { p.alpha = static_cast<uint8_t>(random.next()); });
 }
 
+// The bytes of a row as the width alone makes them: where an odd one is rounded up to whole pairs, the surplus of a row falls
+// on the start of the next.
+int unrounded_pitch(uint32_t format, int plane, int width) {
+    const int rounded = tight_pitch(format, plane, width);
+    switch (format) {
+        case zivPixFmt_YUYV:
+        case zivPixFmt_YVYU:
+        case zivPixFmt_UYVY:
+        case zivPixFmt_VYUY: return 2 * width;
+        case zivPixFmt_I420:
+        case zivPixFmt_YV12:
+        case zivPixFmt_I422H: return plane ? width / 2 : rounded;
+        case zivPixFmt_NV12:
+        case zivPixFmt_NV21:
+        case zivPixFmt_LPI422H: return plane ? width : rounded;
+        default: return rounded;
+    }
+}
+
+TEST_P(Conversions, RowsThatMeetAtOddWidths) {
+    const Conversion& c = GetParam();
+    every_small_size([&](ImagePair& p, Random&) {
+        for (int k = 0; k < plane_count(c.source); k++) p.source_pitch[k] = unrounded_pitch(c.source, k, p.source_width);
+        for (int k = 0; k < plane_count(c.destination); k++)
+            p.destination_pitch[k] = unrounded_pitch(c.destination, k, p.destination_width);
+    });
+}
+
 TEST_P(Conversions, PaddedUnequalPitches) {
     every_small_size([](ImagePair& p, Random& random) {
         for (int k = 0; k < 3; k++) p.source_pitch[k] += random.below(41), p.destination_pitch[k] += random.below(41);

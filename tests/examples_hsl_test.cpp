@@ -110,6 +110,26 @@ TEST(HslExamples, Planar) {
     });
 }
 
+// Two rows and two columns at a time: an odd width takes one pixel more in every row, an odd height one row more.
+TEST(HslExamples, PlanarOddSizes) {
+    on_every_table([](const KernelTable& kernels) {
+        for (const uint32_t width : {9u, 15u, 17u, 41u, 65u})
+            for (const uint32_t height : {3u, 4u}) {
+                const uint32_t line = 3 * width + 9, chroma_line = width, rows = (height + 1) / 2 * 2;
+                std::vector<uint8_t> y(5 * line, 77), cb(3 * chroma_line, 128), cr(3 * chroma_line, 128),
+                    out(5 * line, untouched);
+                EXPECT_EQ(kernels.zivColorI420toHSL888u8(y.data(), cb.data(), cr.data(), width, height, out.data(), line,
+                                                         chroma_line, line),
+                          zivStatus_OK);
+                const Bytes grey = {170, 0, 77};
+                for (uint32_t row = 0; row < 5; ++row)
+                    for (uint32_t k = 0; k < line; ++k)
+                        ASSERT_EQ(out[row * line + k], row < rows && k < 3 * (width + 1) ? grey[k % 3] : int{untouched})
+                            << width << "x" << height << " row " << row << " byte " << k;
+            }
+    });
+}
+
 TEST(HslExamples, Checks) {
     on_every_table([](const KernelTable& kernels) {
         uint8_t in[256] = {}, out[256];

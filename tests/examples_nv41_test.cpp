@@ -36,6 +36,28 @@ TEST(Nv41Examples, DownwardMeans) {
     });
 }
 
+// Wherever chroma is written at all, the mean of equal samples is that sample.
+TEST(Nv41Examples, FlatChroma) {
+    on_every_table([](const KernelTable& kernels) {
+        for (const char* name : {"zivColorNV21toNV41", "zivColorNV21toNV41_2", "zivColorNV41toNV21_2"})
+            for (const int width : {4, 8, 28, 32, 36, 40, 64, 100}) {
+                const Conversion& c = conversion(name);
+                Canvas from(c.source, width, 8), to(c.destination, width, 8);
+                from.set_pitch(1, width);
+                to.set_pitch(1, width);
+                from.filled(1, 128);
+                EXPECT_EQ(run(kernels, name, from, to), zivStatus_OK);
+                const bool down = c.destination == zivPixFmt_NV41;
+                const int blocked = width / 32 * (down ? 16 : 32), end = down ? width / 2 : width;
+                // The top two rows on the way up come from the work buffer.
+                for (const int y : {down ? 0 : 2, down ? 1 : 3})
+                    for (int x = 0; x < end; ++x)
+                        EXPECT_EQ(to.at(1, y, x), blocked > 0 && x >= blocked && x % 2 ? untouched : 128)
+                            << name << " " << width << " at " << y << " " << x;
+            }
+    });
+}
+
 // With one block and two tail steps the last two pairs get their V but no U.
 TEST(Nv41Examples, DownwardTailGoesThroughVAlone) {
     on_every_table([](const KernelTable& kernels) {
@@ -139,6 +161,21 @@ TEST(Nv41Examples, UpwardAtAHeightOfSix) {
         EXPECT_EQ(to.at(1, 1, 0), mean(from.at(1, 0, 0), from.at(1, -1, 0)));
         EXPECT_EQ(to.at(1, 0, 0), from.at(1, -1, 0));
         EXPECT_EQ(to.at(1, -1, 0), mean(from.at(1, -1, 0), from.at(1, -2, 0)));
+    });
+}
+
+// Below a height of 4 the walk starts above the plane, with a row of NV41 that stands there.
+TEST(Nv41Examples, UpwardBelowAHeightOfFour) {
+    on_every_table([](const KernelTable& kernels) {
+        for (const int height : {2, 3}) {
+            Canvas from(zivPixFmt_NV41, 8, height), to(zivPixFmt_NV21, 8, height);
+            from.set_pitch(1, 8);
+            from.numbered();
+            EXPECT_EQ(run(kernels, "zivColorNV41toNV21_2", from, to), zivStatus_OK);
+            EXPECT_EQ(to.touched(1), 2 * 8);
+            EXPECT_EQ(to.at(1, 0, 0), from.at(1, -1, 0));
+            EXPECT_EQ(to.at(1, -1, 0), mean(from.at(1, -1, 0), from.at(1, -2, 0)));
+        }
     });
 }
 

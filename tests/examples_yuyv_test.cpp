@@ -1,4 +1,5 @@
 // Worked examples of packed 4:2:2 in and out.
+#include <algorithm>
 #include <numeric>
 
 #include "harness/canvas.h"
@@ -165,6 +166,22 @@ TEST_F(PlainYuyvExamples, ToI420DriftsBack) {
         constexpr int none = untouched;
         EXPECT_EQ(results(18),
                   (std::vector<int>{0, 2, none, 6, 8, 10, 12, none, 16, 18, none, none, 1, 11, none, 3, 13, none}));
+    });
+}
+
+TEST_F(PlainYuyvExamples, ChromaOfTheOddRowsIsDropped) {
+    on_every_table([this](const KernelTable& kernels) {
+        for (const auto convert : {kernels.zivColorYUYVtoNV21u8, kernels.zivColorYUYVtoNV12u8, kernels.zivColorYUYVtoI420u8}) {
+            reset();
+            EXPECT_EQ(convert(source, result, 6, 4), zivStatus_OK);
+            const std::vector<int> once = results(40);
+            EXPECT_EQ(std::count(once.begin(), once.end(), int{untouched}), 4);
+            for (const int row : {1, 3})
+                for (int x = 1; x < 12; x += 2) source[12 * row + x] ^= 0x7F;
+            reset();
+            EXPECT_EQ(convert(source, result, 6, 4), zivStatus_OK);
+            EXPECT_EQ(results(40), once);
+        }
     });
 }
 

@@ -1,6 +1,9 @@
 // What the NV41 kernels do beside the common conversion tests: the upward kernel with its work buffer, one memory for source
 // and destination, and the first generation's end.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <climits>
@@ -171,6 +174,49 @@ TEST(NV41DeathTest, FirstGenerationEndsTheProcess) {
         EXPECT_EQ(zivColorNV41toNV21(&source, &destination), zivStatus_OK);
         EXPECT_EQ(std::count(out.begin(), out.end(), uint8_t{1}), 256);
     }
+}
+
+// What stands in memory when it ends, seen from outside: luma, the blocks of the first two chroma rows, and the V of one step.
+TEST(NV41DeathTest, FirstGenerationEndsBehindTheFirstStepOfTheTail) {
+    constexpr size_t size = 4096, chroma = 2048;
+    constexpr int pitch = 128;
+    void* const shared = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(shared, MAP_FAILED);
+    auto* const out = static_cast<uint8_t*>(shared);
+    std::vector<uint8_t> in(size);
+    fill(in.data(), size, base_seed);
+    for (const zivcolor::Target& target : zivcolor::built_targets())
+        for (const int width : {4, 32, 36, 64, 68, 100}) {
+            if (!target.runs_here()) continue;
+            std::fill(out, out + size, uint8_t{2});
+            const zivcolor::Image source{zivPixFmt_NV41, width, 8, {in.data(), in.data() + chroma}, {width, pitch}};
+            const zivcolor::Image destination{zivPixFmt_NV21, width, 8, {out, out + chroma}, {pitch, pitch}};
+            const pid_t child = fork();
+            ASSERT_GE(child, 0);
+            if (child == 0) {
+                target.kernels->zivColorNV41toNV21(&source, &destination);
+                _exit(0);
+            }
+            int status = 0;
+            ASSERT_EQ(waitpid(child, &status, 0), child);
+            EXPECT_NE(status, 0) << target.name << " " << width;
+
+            std::vector<uint8_t> expected(size, 2);
+            std::copy_n(in.begin(), 8 * pitch, expected.begin());
+            const int blocked = width < 36 ? 0 : ((width - 36) / 32 + 1) * 32;
+            const auto step = [&](int column, int channel) {
+                const size_t at = chroma + static_cast<size_t>(column + channel);
+                const uint8_t* sample = &in[chroma + static_cast<size_t>(column / 2 + channel)];
+                const int here = sample[0], left = column ? sample[-2] : here;
+                expected[at] = expected[at + pitch] = static_cast<uint8_t>((left + here + 1) >> 1);
+                expected[at + 2] = static_cast<uint8_t>(here);
+                expected[at + pitch + 2] = static_cast<uint8_t>(left);
+            };
+            for (int column = 0; column < blocked; column += 4) step(column, 0), step(column, 1);
+            step(blocked, 0);
+            EXPECT_TRUE(std::equal(expected.begin(), expected.end(), out)) << target.name << " " << width;
+        }
+    munmap(shared, size);
 }
 
 }  // namespace

@@ -7,6 +7,9 @@
 #if defined(__GLIBC__)
 #include <malloc.h>
 #endif
+#if defined(__linux__)
+#include <sched.h>
+#endif
 
 #include "harness/frame.h"
 #include "harness/process.h"
@@ -63,6 +66,25 @@ TEST(Context, ConvertsAllPairsInAllSizesOneAfterTheOther) {
         for (const auto& [width, height] : {std::pair{2, 2}, {16, 1}, {64, 3}, {34, 33}, {258, 101}, {640, 242}})
             expect_equal(context, c, width, height, seed++);
 }
+
+#if defined(__linux__)
+TEST(Context, HasFourBandsOnOneCore) {
+    cpu_set_t all, one;
+    ASSERT_EQ(sched_getaffinity(0, sizeof all, &all), 0);
+    CPU_ZERO(&one);
+    for (int cpu = 0; cpu < CPU_SETSIZE && CPU_COUNT(&one) == 0; cpu++)
+        if (CPU_ISSET(cpu, &all)) CPU_SET(cpu, &one);
+    ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
+    {
+        const Context context;
+        ASSERT_NE(context.handle, nullptr);
+        EXPECT_EQ(static_cast<const zivColorCvtContext_t*>(context.handle)->lTaskCount, 4);
+        for (const int height : {1, 3, 33, 101})
+            expect_equal(context, conversion("zivColorNV21toBGR888u8"), 64, height, base_seed);
+    }
+    ASSERT_EQ(sched_setaffinity(0, sizeof all, &all), 0);
+}
+#endif
 
 TEST(Context, RefusesNullsAndPairsWithoutATask) {
     const Context context;
