@@ -107,6 +107,41 @@ void packed_pixels(int N, const uint8_t* in, uint8_t* out) {
         if (c == 4) out[c * i + 3] = in[4 * N - 1];
     }
 }
+
+// Sums in binary32, each product and each sum rounded by itself, cut towards 0.
+struct Float3 {
+    float c0, c1, c2;
+};
+int cut_f32(Rgb p, Float3 w, bool red_last) {
+    const float green = static_cast<float>(p.c1) * w.c1, c0 = static_cast<float>(p.c0) * w.c0,
+                c2 = static_cast<float>(p.c2) * w.c2;
+    const float green_red = green + (red_last ? c2 : c0);
+    return static_cast<int>((red_last ? c0 : c2) + green_red);
+}
+int luma_f32(Rgb bgr) { return cut_f32(bgr, {0.114f, 0.587f, 0.299f}, true); }
+int u_f32(Rgb rgb) { return cut_f32(rgb, {-0.1678f, -0.3313f, 0.5f}, false); }
+int v_f32(Rgb rgb) { return cut_f32(rgb, {0.5f, -0.4187f, -0.0813f}, false); }
+Rgb reversed(Rgb p) { return {p.c2, p.c1, p.c0}; }
+// Integer sums near them, over 2^21, 2^22 and 2^20; whether the bits next below the point are all 0.
+int near_luma(Rgb bgr) { return -2748 * (-87 * bgr.c0 + 58 * bgr.c1) - 27263 * (-23 * bgr.c2 - 51 * bgr.c1); }
+int near_u(Rgb rgb) { return -16384 * (-128 * rgb.c2 + 70 * rgb.c1) + 24269 * (-29 * rgb.c0 - 10 * rgb.c1); }
+int near_v(Rgb rgb) { return 666 * (-128 * rgb.c2 + 5 * rgb.c1) - 4096 * (-128 * rgb.c0 + 108 * rgb.c1); }
+bool near_whole(int sum, int scale, int bits) { return (sum >> (scale - bits) & ((1 << bits) - 1)) == 0; }
+
+int s32(const uint8_t* p, int lane) {
+    int32_t v;
+    std::memcpy(&v, p + 4 * lane, 4);
+    return v;
+}
+void put32(uint8_t* p, int lane, int32_t v) { std::memcpy(p + 4 * lane, &v, 4); }
+// Three vectors of sums, of BGRA pixels, RGBA pixels and RGBA pixels.
+Meaning sums(int (*first)(Rgb), int (*second)(Rgb), int (*third)(Rgb)) {
+    return [=](int N, const uint8_t* in, uint8_t* out) {
+        int (*const sum[3])(Rgb) = {first, second, third};
+        for (int lane = 0; lane < 3 * N / 4; lane++) put32(out, lane, sum[lane / (N / 4)](pixel(in, 4, lane)));
+    };
+}
+
 const std::map<std::string, Meaning>& meanings() {
     static const std::map<std::string, Meaning> table = {
         {"load_widened", [](int N, const uint8_t* in, uint8_t* out) { for (int i = 0; i < N / 2; i++) put16(out, i, in[i]); }},
@@ -245,6 +280,46 @@ const std::map<std::string, Meaning>& meanings() {
                  out[2 * n] = chroma_short(pixel(in, 4, n & ~1), n & 1);
              }
          }},
+        {"narrow_lanes", moves(1, [](int, int n) { return 4 * n; })},
+        {"narrow_even_lanes", moves(1, [](int, int n) { return n / 2 * 8 + n % 2; })},
+        {"weigh_cut", sums(luma_f32, u_f32, v_f32)},
+        {"luma_f32", per_byte([](const uint8_t* in, int, int n) { return luma_f32(pixel(in, 4, n)); })},
+        {"chroma_pairs_f32", per_byte([](const uint8_t* in, int, int n) {
+             const Rgb p = pixel(in, 4, n & ~1);
+             return (n % 2 ? u_f32(p) : v_f32(p)) + 128;
+         })},
+        {"near_sums", sums(near_luma, near_u, near_v)},
+        {"store_near_luma", per_byte([](const uint8_t* in, int, int n) { return luma_f32(pixel(in, 4, n)); })},
+        {"store_near",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int n = 0; n < N; n++) {
+                 const Rgb even = reversed(pixel(in, 4, n & ~1));
+                 out[n] = static_cast<uint8_t>(luma_f32(pixel(in, 4, n)));
+                 out[N + n] = static_cast<uint8_t>((n % 2 ? u_f32(even) : v_f32(even)) + 128);
+             }
+         }},
+        {"left_by_near",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             bool luma = false, chroma = false;
+             for (int n = 0; n < N; n++) {
+                 const Rgb p = pixel(in, 4, n), even = reversed(pixel(in, 4, n & ~1));
+                 luma |= near_whole(near_luma(p), 21, 10);
+                 chroma |= near_whole(near_v(even), 20, 11) || near_whole(near_u(even), 22, 11);
+             }
+             out[0] = luma ? 2 : chroma ? 1 : 0;
+         }},
+        {"far_from_whole",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             out[0] = 1;
+             for (int i = 0; i < N / 4; i++)
+                 if (near_whole(s32(in, i), 21, 10) || near_whole(s32(in + N, i), 22, 11)) out[0] = 0;
+         }},
+        {"cut_pairs",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int i = 0; i < N / 4; i++) put16(out, 2 * i, s32(in, i) >> 20), put16(out, 2 * i + 1, s32(in + N, i) >> 22);
+         }},
+        {"cut_towards_0", per_byte([](const uint8_t* in, int, int n) { return in[n] + (in[n] > 127) + 128; })},
+        {"cut_luma", per_byte([](const uint8_t* in, int, int n) { return s32(in, n) >> 21 & 255; })},
         {"store_pixels3", store_pixels<3>},
         {"store_pixels4", store_pixels<4>},
         {"store_pixels3_from_memory", store_pixels<3>},

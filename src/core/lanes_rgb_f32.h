@@ -11,6 +11,15 @@ struct FloatWeights {
     float r, g, b;
 };
 
+// A weighted sum in integers that is never below the exact one and less than 2^-whole_bits above it, over 2^scale:
+// low * (blue * blue_weight + green * green_beside_blue) + high * (red * red_weight + green * green_beside_red), where both
+// factors of a product fit 16 bits. Unless the whole_bits below the point are all 0, which they are of every sum that binary32
+// rounds to the other side of a whole number, both are cut to the same integer: the proof over all colours says so.
+struct NearWeights {
+    int low, high, blue_weight, green_beside_blue, red_weight, green_beside_red, scale, whole_bits;
+    constexpr int whole_mask() const { return ((1 << whole_bits) - 1) << (scale - whole_bits); }
+};
+
 // ---- Lanes of 32 bits ----
 
 #if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
@@ -19,6 +28,19 @@ template <int N>
 ZIV_INLINE U8<N> narrow_lanes(S32<N> a, S32<N> b, S32<N> c, S32<N> d) {
     return order_packed(pack((S16<N>)pack(a, b), (S16<N>)pack(c, d)));
 }
+// Whether any bit is set.
+template <int N>
+ZIV_INLINE bool any_lane(S32<N> v);
+template <>
+ZIV_INLINE bool any_lane<16>(S32<16> v) {
+    return !_mm_testz_si128((__m128i)v, (__m128i)v);
+}
+#if defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
+template <>
+ZIV_INLINE bool any_lane<32>(S32<32> v) {
+    return !_mm256_testz_si256((__m256i)v, (__m256i)v);
+}
+#endif
 // The lower halves of two vectors' lanes, which are below 2^16, with pixels taken from even_quads.
 template <int N>
 ZIV_INLINE U8<N> narrow_even_lanes(S32<N> a, S32<N> b) {
@@ -136,5 +158,130 @@ ZIV_INLINE U8<N> chroma_pairs_f32(const FourQuads<N>& v, FloatWeights first, Flo
     }
     return narrow_even_lanes<N>(pairs[0], pairs[1]);
 }
+
+// ---- The same by integers, where they tell ----
+
+// What store_near leaves to binary32.
+enum class Left { nothing, chroma, all };
+
+#if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
+inline constexpr bool has_near = true;
+
+// Four-byte pixels with green in byte 3 too, where near_sums wants it.
+template <class Quads>
+ZIV_INLINE Quads repeat_green(Quads quads) {
+    return shuffle(quads, bytes128([](int n) { return n % 4 == 3 ? n - 2 : n; }));
+}
+template <int N, int red>
+ZIV_INLINE S32<N> near_sums(U8<N> quads, NearWeights w) {
+    const S16<N> halves =
+        red == 2 ? add_products(quads, byte_weights<N>(w.blue_weight, w.green_beside_blue, w.red_weight, w.green_beside_red))
+                 : add_products(quads, byte_weights<N>(w.red_weight, w.green_beside_red, w.blue_weight, w.green_beside_blue));
+    return add_products(halves, red == 2 ? word_weights<N>(w.low, w.high) : word_weights<N>(w.high, w.low));
+}
+
+// Whether all sums that were added to this are far from whole numbers.
+template <int N>
+struct FarFromWhole {
+    S32<N> near{};
+    ZIV_INLINE void add(S32<N> sums, NearWeights w) { near |= (S32<N>)((sums & w.whole_mask()) == 0); }
+    ZIV_INLINE bool all() const { return !any_lane<N>(near); }
+};
+// Pairs of sums cut down to integers.
+template <int N>
+ZIV_INLINE S16<N> cut_pairs(S32<N> a, S32<N> b, NearWeights wa, NearWeights wb) {
+    const S16<N> low = (S16<N>)(S32<N>{} + 0xFFFF);
+    return ((S16<N>)(a >> wa.scale) & low) | ((S16<N>)(b >> (wb.scale - 16)) & ~low);
+}
+// Bytes that were cut down as if cut towards 0, as none of them was whole, and centred at 128.
+template <int N>
+ZIV_INLINE U8<N> cut_towards_0(U8<N> bytes) {
+    return (bytes + (bytes >> 7)) ^ 128;
+}
+template <int N>
+ZIV_INLINE U8<N> cut_luma(S32<N> a, S32<N> b, S32<N> c, S32<N> d, NearWeights w) {
+    return narrow_lanes<N>(a >> w.scale, b >> w.scale, c >> w.scale, d >> w.scale);
+}
+
+#if defined(ZIVCOLOR_TARGET_avx512)
+template <>
+struct FarFromWhole<64> {
+    __mmask16 lanes = 0xFFFF;
+    ZIV_INLINE void add(S32<64> sums, NearWeights w) {
+        lanes = _mm512_mask_test_epi32_mask(lanes, (__m512i)sums, _mm512_set1_epi32(w.whole_mask()));
+    }
+    ZIV_INLINE bool all() const { return lanes == 0xFFFF; }
+};
+// The upper words of a's lanes below those of b's.
+ZIV_INLINE S16<64> join_upper_words(S32<64> a, S32<64> b) {
+    const __m512i index = _mm512_broadcast_i32x4(bytes128([](int n) { return n / 4 * 4 + 2 + n % 2; }));
+    return (S16<64>)_mm512_mask_shuffle_epi8((__m512i)b, 0x3333333333333333, (__m512i)a, index);
+}
+template <>
+ZIV_INLINE S16<64> cut_pairs<64>(S32<64> a, S32<64> b, NearWeights wa, NearWeights wb) {
+    return join_upper_words(a, b) >> word_weights<64>(wa.scale - 16, wb.scale - 16);
+}
+template <>
+ZIV_INLINE U8<64> cut_towards_0<64>(U8<64> bytes) {
+    const __m512i v = (__m512i)bytes;
+    return (U8<64>)_mm512_mask_sub_epi8(v, _mm512_movepi8_mask(v), v, _mm512_set1_epi8(-1)) ^ 128;
+}
+template <>
+ZIV_INLINE U8<64> cut_luma<64>(S32<64> a, S32<64> b, S32<64> c, S32<64> d, NearWeights w) {
+    const S16<64> ab = join_upper_words(a, b) >> (w.scale - 16), cd = join_upper_words(c, d) >> (w.scale - 16);
+    const __m512i in_order = bytes512([](int n) { return n % 16 / 4 * 16 + n / 32 * 8 + n % 4 * 2 + n / 16 % 2; });
+    return (U8<64>)_mm512_permutexvar_epi8(in_order, (__m512i)pack(ab, cd));
+}
+#endif
+
+// Stores the luma of N pixels and, on request, first and second of the even columns, as luma_f32 and chroma_pairs_f32 give
+// them, and returns what it left because a sum is too near to a whole number.
+template <int N, int red, bool has_chroma>
+ZIV_INLINE Left store_near(uint8_t* luma, uint8_t* chroma, const FourQuads<N>& v, NearWeights w, NearWeights first,
+                           NearWeights second) {
+    const U8<N> q0 = repeat_green(v.q[0]), q1 = repeat_green(v.q[1]), q2 = repeat_green(v.q[2]), q3 = repeat_green(v.q[3]);
+    const S32<N> y0 = near_sums<N, red>(q0, w), y1 = near_sums<N, red>(q1, w);
+    const S32<N> y2 = near_sums<N, red>(q2, w), y3 = near_sums<N, red>(q3, w);
+    FarFromWhole<N> luma_far;
+    luma_far.add(y0, w), luma_far.add(y1, w), luma_far.add(y2, w), luma_far.add(y3, w);
+    FarFromWhole<N> far = luma_far;
+    U8<N> pairs;
+    if constexpr (has_chroma) {
+        const U8<N> lo = even_quads(q0, q1), hi = even_quads(q2, q3);
+        const S32<N> first_lo = near_sums<N, red>(lo, first), second_lo = near_sums<N, red>(lo, second);
+        const S32<N> first_hi = near_sums<N, red>(hi, first), second_hi = near_sums<N, red>(hi, second);
+        far.add(first_lo, first), far.add(second_lo, second), far.add(first_hi, first), far.add(second_hi, second);
+        const U8<N> cut =
+            pack_signed(cut_pairs<N>(first_lo, second_lo, first, second), cut_pairs<N>(first_hi, second_hi, first, second));
+        pairs = pairs_in_order<false>(ChromaPairs<N, 4>{cut_towards_0<N>(cut)});
+    }
+    if (__builtin_expect(!far.all(), 0)) {
+        if (!has_chroma || !luma_far.all()) return Left::all;
+        store(luma, cut_luma<N>(y0, y1, y2, y3, w));
+        return Left::chroma;
+    }
+    store(luma, cut_luma<N>(y0, y1, y2, y3, w));
+    if constexpr (has_chroma) store(chroma, pairs);
+    return Left::nothing;
+}
+#else
+inline constexpr bool has_near = false;
+
+template <class Quads>
+ZIV_INLINE Quads repeat_green(Quads quads) {
+    return quads;
+}
+template <int N, int red>
+ZIV_INLINE S32<N> near_sums(U8<N> quads, NearWeights w) {
+    const S32<N> v = (S32<N>)quads;
+    return ((v >> (8 * red)) & 0xFF) * (w.high * w.red_weight) +
+           ((v >> 8) & 0xFF) * (w.low * w.green_beside_blue + w.high * w.green_beside_red) +
+           ((v >> (16 - 8 * red)) & 0xFF) * (w.low * w.blue_weight);
+}
+template <int N, int red, bool has_chroma>
+ZIV_INLINE Left store_near(uint8_t*, uint8_t*, const FourQuads<N>&, NearWeights, NearWeights, NearWeights) {
+    return Left::all;
+}
+#endif
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

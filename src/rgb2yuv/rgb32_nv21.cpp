@@ -8,25 +8,43 @@ namespace zivcolor::ZIVCOLOR_TARGET {
 inline constexpr FloatWeights weights_y{0.299f, 0.587f, 0.114f};
 inline constexpr FloatWeights weights_u{-0.1678f, -0.3313f, 0.5f}, weights_v{0.5f, -0.4187f, -0.0813f};
 
+inline constexpr NearWeights near_y{-2748, -27263, -87, 58, -23, -51, 21, 10};
+inline constexpr NearWeights near_u{-16384, 24269, -128, 70, -29, -10, 22, 11};
+inline constexpr NearWeights near_v{666, -4096, -128, 5, -128, 108, 20, 11};
+
 // N columns of a block.
-template <int N, PixelLayout in, bool has_chroma>
+template <int N, PixelLayout in, bool has_chroma, bool has_luma = true>
 ZIV_INLINE void convert_columns(const uint8_t* src, uint8_t* luma, uint8_t* chroma) {
     const FourQuads<N> pixels = load_four_quads<N>(src);
-    store(luma, luma_f32<N, in.red>(pixels, weights_y));
+    if (has_luma) store(luma, luma_f32<N, in.red>(pixels, weights_y));
     if (has_chroma) store(chroma, chroma_pairs_f32<N, in.red>(pixels, weights_v, weights_u));
 }
 
 // The blocked columns of a row: blocks of 8 columns, 2 or more of them. What the widest steps leave over is done by a last step
-// that repeats columns before it.
+// that repeats columns before it. Integers do runs of steps, up to one that they leave to binary32.
 template <PixelLayout in, bool has_chroma, int N = widest>
 ZIV_INLINE void convert_blocks(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     if constexpr (N > 16)
         if (columns < N) return convert_blocks<in, has_chroma, N / 2>(src, luma, chroma, columns);
-    ptrdiff_t j = 0;
-    for (; j + N <= columns; j += N) convert_columns<N, in, has_chroma>(src + 4 * j, luma + j, chroma + j);
-    if (j == columns) return;
-    j = columns - N;
-    convert_columns<N, in, has_chroma>(src + 4 * j, luma + j, chroma + j);
+    const ptrdiff_t last = columns - N;
+    const auto step_at = [=](ptrdiff_t j) ZIV_INLINE_BODY { return j < last ? j : last; };
+    for (ptrdiff_t j = 0; j < columns; j += N) {
+        if constexpr (has_near) {
+            Left left = Left::nothing;
+            for (; j < columns; j += N) {
+                const ptrdiff_t at = step_at(j);
+                left = store_near<N, in.red, has_chroma>(luma + at, chroma + at, load_four_quads<N>(src + 4 * at), near_y,
+                                                         near_v, near_u);
+                if (left != Left::nothing) break;
+            }
+            if (j >= columns) return;
+            if (has_chroma && left == Left::chroma) {
+                convert_columns<N, in, true, false>(src + 4 * step_at(j), nullptr, chroma + step_at(j));
+                continue;
+            }
+        }
+        convert_columns<N, in, has_chroma>(src + 4 * step_at(j), luma + step_at(j), chroma + step_at(j));
+    }
 }
 
 // A single block.
@@ -39,34 +57,33 @@ ZIV_INLINE void convert_block_of_8(const uint8_t* src, uint8_t* luma, uint8_t* c
     if (has_chroma) __builtin_memcpy(chroma, pairs, 8);
 }
 
-// ---- The tail, four pixels at a time. Luma alone is rounded to binary32 before it is cut. ----
+// ---- The tail, four pixels at a time ----
 
-typedef uint32_t FourPixels __attribute__((vector_size(16)));
-typedef int32_t FourIntegers __attribute__((vector_size(16)));
-typedef float FourFloats __attribute__((vector_size(16)));
 typedef double FourDoubles __attribute__((vector_size(32)));
 
 // The bytes of a pixel stand one place up, the alpha of the pixel before it below them.
-struct FourColours {
-    FourDoubles r, g, b;
-};
 template <PixelLayout in>
-ZIV_INLINE FourColours to_double(FourPixels pixels) {
-    FourColours c;
-    c.r = __builtin_convertvector((FourIntegers)((pixels >> (8 * in.red + 8)) & 0xFF), FourDoubles);
-    c.g = __builtin_convertvector((FourIntegers)((pixels >> 16) & 0xFF), FourDoubles);
-    c.b = __builtin_convertvector((FourIntegers)((pixels >> (8 * in.blue + 8)) & 0xFF), FourDoubles);
-    return c;
+struct FourColours {
+    S32<16> r, g, b;
+    ZIV_INLINE explicit FourColours(U8<16> pixels)
+        : r((S32<16>)((U32<16>)pixels >> (8 * in.red + 8)) & 0xFF),
+          g((S32<16>)((U32<16>)pixels >> 16) & 0xFF),
+          b((S32<16>)((U32<16>)pixels >> (8 * in.blue + 8)) & 0xFF) {}
+};
+// Luma is the binary64 sum rounded to binary32, then cut: it lies on a whole number where the exact sum does, and so is the
+// exact sum cut, to which no near sum adds enough to tell.
+template <PixelLayout in>
+ZIV_INLINE S32<16> tail_luma(U8<16> pixels) {
+    return near_sums<16, in.red>(repeat_green((U8<16>)((U32<16>)pixels >> 8)), near_y) >> near_y.scale;
 }
-ZIV_INLINE FourIntegers tail_luma(const FourColours& c) {
-    const FourDoubles luma = c.b * 0.114 + (c.g * 0.587 + c.r * 0.299);
-    return __builtin_convertvector(__builtin_convertvector(luma, FourFloats), FourIntegers);
-}
-// V below U, in 16 bits.
-ZIV_INLINE FourIntegers tail_chroma(const FourColours& c) {
-    const FourDoubles u = c.b * 0.5 + (c.g * -0.3313 - c.r * 0.1678);
-    const FourDoubles v = (c.r * 0.5 - c.g * 0.4187) - c.b * 0.0813;
-    return (__builtin_convertvector(v, FourIntegers) + 128) | (__builtin_convertvector(u, FourIntegers) + 128) << 8;
+// V below U, in 16 bits: binary64 sums that are cut as they are.
+template <PixelLayout in>
+ZIV_INLINE S32<16> tail_chroma(U8<16> pixels) {
+    const FourColours<in> c(pixels);
+    const FourDoubles r = __builtin_convertvector(c.r, FourDoubles), g = __builtin_convertvector(c.g, FourDoubles),
+                      b = __builtin_convertvector(c.b, FourDoubles);
+    const FourDoubles u = b * 0.5 + (g * -0.3313 - r * 0.1678), v = (r * 0.5 - g * 0.4187) - b * 0.0813;
+    return (__builtin_convertvector(v, S32<16>) + 128) | (__builtin_convertvector(u, S32<16>) + 128) << 8;
 }
 
 // The last 8 bytes of `from` but for those that the blocks have made.
@@ -80,26 +97,19 @@ ZIV_INLINE void copy_last(uint8_t* p, const uint8_t* from, ptrdiff_t bytes) {
 // the last one is not read, that of the one before the first is.
 template <PixelLayout in, bool has_chroma>
 ZIV_INLINE void convert_tail(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t count) {
-    FourPixels pixels[2];
-    __builtin_memcpy(pixels, src - 1, 32);
-    uint8_t y[8];
-    for (int k = 0; k < 2; k++) {
-        const FourIntegers sum = tail_luma(to_double<in>(pixels[k]));
-        for (int i = 0; i < 4; i++) y[4 * k + i] = static_cast<uint8_t>(sum[i]);
-    }
+    const U8<16> first = load<16>(src - 1), last = load<16>(src + 15);
+    uint8_t y[16], pairs[16];
+    const S32<16> y_first = tail_luma<in>(first), y_last = tail_luma<in>(last);
+    store(y, narrow_lanes<16>(y_first, y_last, y_first, y_last));
     if constexpr (has_chroma) {
         // An odd count begins at an odd one of the 8 columns.
-        const FourPixels even = count % 2 ? __builtin_shufflevector(pixels[0], pixels[1], 1, 3, 5, 7)
-                                          : __builtin_shufflevector(pixels[0], pixels[1], 0, 2, 4, 6);
-        const FourIntegers sums = tail_chroma(to_double<in>(even));
-        uint8_t pairs[8];
-        for (int i = 0; i < 4; i++)
-            pairs[2 * i] = static_cast<uint8_t>(sums[i]), pairs[2 * i + 1] = static_cast<uint8_t>(sums[i] >> 8);
-        copy_last(luma, y, count);
-        copy_last(chroma, pairs, (count + 1) / 2 * 2);
-    } else {
-        copy_last(luma, y, count);
+        const U32<16> a = (U32<16>)first, b = (U32<16>)last;
+        const U32<16> even = count % 2 ? __builtin_shufflevector(a, b, 1, 3, 5, 7) : __builtin_shufflevector(a, b, 0, 2, 4, 6);
+        const S32<16> sums = tail_chroma<in>((U8<16>)even);
+        store(pairs, narrow_even_lanes<16>(sums, sums));
     }
+    copy_last(luma, y, count);
+    if constexpr (has_chroma) copy_last(chroma, pairs, (count + 1) / 2 * 2);
 }
 
 // Blocks of 8 columns from column j while j < width - 8: a row never ends on a block, 1 to 8 columns are left to the tail.

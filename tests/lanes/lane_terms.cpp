@@ -2,6 +2,7 @@
 
 #include "core/kernel.h"
 #include "core/lanes_rgb.h"
+#include "core/lanes_rgb_f32.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
@@ -222,6 +223,68 @@ void packed_term(const uint8_t* in, uint8_t* out) {
 }
 COLUMN_TERM(packed_luma_first, { packed_term<true, N>(in, out); })
 COLUMN_TERM(packed_chroma_first, { packed_term<false, N>(in, out); })
+
+// ---- Terms in binary32 and beside it ----
+
+static constexpr FloatWeights float_y{0.299f, 0.587f, 0.114f}, float_u{-0.1678f, -0.3313f, 0.5f},
+    float_v{0.5f, -0.4187f, -0.0813f};
+static constexpr NearWeights near_y{-2748, -27263, -87, 58, -23, -51, 21, 10},
+    near_u{-16384, 24269, -128, 70, -29, -10, 22, 11}, near_v{666, -4096, -128, 5, -128, 108, 20, 11};
+
+TERM(narrow_lanes, {
+    const S32<N> low = S32<N>{} + 0xFF;
+    store(out, narrow_lanes<N>((S32<N>)v.a & low, (S32<N>)v.b & low, (S32<N>)v.c & low, (S32<N>)v.d & low));
+})
+TERM(narrow_even_lanes, {
+    const S32<N> low = S32<N>{} + 0xFFFF;
+    store(out, narrow_even_lanes<N>((S32<N>)even_quads(v.a, v.b) & low, (S32<N>)even_quads(v.c, v.d) & low));
+})
+// Each sum as a 32-bit lane.
+TERM(weigh_cut, {
+    store(out, weigh_cut<2>(to_float<N>(v.a), float_y));
+    store(out + N, weigh_cut<0>(to_float<N>(v.b), float_u));
+    store(out + 2 * N, weigh_cut<0>(to_float<N>(v.c), float_v));
+})
+COLUMN_TERM(luma_f32, { store(out, luma_f32<N, 2>(load_four_quads<N>(in), float_y)); })
+COLUMN_TERM(chroma_pairs_f32, { store(out, chroma_pairs_f32<N, 0>(load_four_quads<N>(in), float_v, float_u)); })
+TERM(near_sums, {
+    store(out, near_sums<N, 2>(repeat_green(v.a), near_y));
+    store(out + N, near_sums<N, 0>(repeat_green(v.b), near_u));
+    store(out + 2 * N, near_sums<N, 0>(repeat_green(v.c), near_v));
+})
+// What store_near leaves is done in binary32.
+COLUMN_TERM(store_near, {
+    const FourQuads<N> pixels = load_four_quads<N>(in);
+    const Left left = store_near<N, 2, true>(out, out + N, pixels, near_y, near_v, near_u);
+    if (left == Left::all) store(out, luma_f32<N, 2>(pixels, float_y));
+    if (left != Left::nothing) store(out + N, chroma_pairs_f32<N, 2>(pixels, float_v, float_u));
+})
+COLUMN_TERM(store_near_luma, {
+    const FourQuads<N> pixels = load_four_quads<N>(in);
+    const Left left = store_near<N, 2, false>(out, nullptr, pixels, near_y, near_v, near_u);
+    if (left != Left::nothing) store(out, luma_f32<N, 2>(pixels, float_y));
+})
+#if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
+COLUMN_TERM(left_by_near, {
+    uint8_t stored[2 * N];
+    const FourQuads<N> pixels = load_four_quads<N>(in);
+    out[0] = static_cast<uint8_t>(store_near<N, 2, true>(stored, stored + N, pixels, near_y, near_v, near_u));
+})
+TERM(far_from_whole, {
+    FarFromWhole<N> far;
+    far.add((S32<N>)v.a, near_y);
+    far.add((S32<N>)v.b, near_u);
+    out[0] = far.all();
+})
+TERM(cut_pairs, { store(out, cut_pairs<N>((S32<N>)v.a, (S32<N>)v.b, near_v, near_u)); })
+TERM(cut_towards_0, { store(out, cut_towards_0<N>(v.a)); })
+// Sums of 8 bits before the point.
+TERM(cut_luma, {
+    const S32<N> sum = S32<N>{} + ((256 << 21) - 1);
+    store(out, cut_luma<N>((S32<N>)v.a & sum, (S32<N>)v.b & sum, (S32<N>)v.c & sum, (S32<N>)v.d & sum, near_y));
+})
+#endif
+
 #define ROW(name, N) {#name, N, term_##name<N>},
 #if defined(ZIVCOLOR_TARGET_avx512)
 #define ROWS(name) ROW(name, 64) ROW(name, 32) ROW(name, 16)
@@ -254,6 +317,11 @@ static constexpr harness::LaneTerm rows[] = {
     COLUMN_ROWS(luma_q6_3) COLUMN_ROWS(luma_q6_4) COLUMN_ROWS(luma_q6_shared) COLUMN_ROWS(luma_q15)
     COLUMN_ROWS(scaled_differences) COLUMN_ROWS(rounded_differences) COLUMN_ROWS(fractional_differences)
     COLUMN_ROWS(packed_luma_first) COLUMN_ROWS(packed_chroma_first)
+    ROWS(narrow_lanes) ROWS(narrow_even_lanes) ROWS(weigh_cut) ROWS(luma_f32) ROWS(chroma_pairs_f32) ROWS(near_sums)
+    ROWS(store_near) ROWS(store_near_luma)
+#if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
+    ROWS(left_by_near) ROWS(far_from_whole) ROWS(cut_pairs) ROWS(cut_towards_0) ROWS(cut_luma)
+#endif
     // clang-format on
 };
 
