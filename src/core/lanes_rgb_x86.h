@@ -157,7 +157,7 @@ ZIV_INLINE Pixels<64, 4> load_pixels<64, 4>(const uint8_t* p) {
 template <int channel>
 ZIV_INLINE void share_channel(Pixels<64, 4>& v) {
     const __m512i from_lower = bytes512([](int n) { return n & 31; });
-    constexpr __mmask64 upper = mask512([](int n) { return n >= 32 && n % 4 == channel; });
+    const __mmask64 upper = kept_mask(mask512([](int n) { return n >= 32 && n % 4 == channel; }));
     const auto shared = [=](U8<64> q) ZIV_INLINE_BODY {
         return (U8<64>)_mm512_mask_permutexvar_epi8((__m512i)q, upper, from_lower, (__m512i)q);
     };

@@ -20,31 +20,42 @@ ZIV_INLINE void convert_columns(const uint8_t* src, uint8_t* luma, uint8_t* chro
     if (has_chroma) store(chroma, chroma_pairs_f32<N, in.red>(pixels, weights_v, weights_u));
 }
 
+// Integers do runs of steps, up to one that they leave to binary32.
+template <PixelLayout in, bool has_chroma, int N>
+ZIV_INLINE void convert_steps_near(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
+    const ptrdiff_t last = columns - N;
+    const auto step_at = [=](ptrdiff_t j) ZIV_INLINE_BODY { return j < last ? j : last; };
+    for (ptrdiff_t j = 0; j < columns; j += N) {
+        Left left = Left::nothing;
+        for (; j < columns; j += N) {
+            const ptrdiff_t at = step_at(j);
+            left = store_near<N, in.red, has_chroma>(luma + at, chroma + at, load_four_quads<N>(src + 4 * at), near_y, near_v,
+                                                     near_u);
+            if (left != Left::nothing) break;
+        }
+        if (j >= columns) return;
+        const ptrdiff_t at = step_at(j);
+        if (has_chroma && left == Left::chroma) convert_columns<N, in, true, false>(src + 4 * at, luma, chroma + at);
+        else convert_columns<N, in, has_chroma>(src + 4 * at, luma + at, chroma + at);
+    }
+}
+template <PixelLayout in, bool has_chroma, int N>
+ZIV_INLINE void convert_steps(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
+    ptrdiff_t j = 0;
+    for (; j + N <= columns; j += N) convert_columns<N, in, has_chroma>(src + 4 * j, luma + j, chroma + j);
+    if (j == columns) return;
+    j = columns - N;
+    convert_columns<N, in, has_chroma>(src + 4 * j, luma + j, chroma + j);
+}
+
 // The blocked columns of a row: blocks of 8 columns, 2 or more of them. What the widest steps leave over is done by a last step
-// that repeats columns before it. Integers do runs of steps, up to one that they leave to binary32.
+// that repeats columns before it.
 template <PixelLayout in, bool has_chroma, int N = widest>
 ZIV_INLINE void convert_blocks(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     if constexpr (N > 16)
         if (columns < N) return convert_blocks<in, has_chroma, N / 2>(src, luma, chroma, columns);
-    const ptrdiff_t last = columns - N;
-    const auto step_at = [=](ptrdiff_t j) ZIV_INLINE_BODY { return j < last ? j : last; };
-    for (ptrdiff_t j = 0; j < columns; j += N) {
-        if constexpr (has_near) {
-            Left left = Left::nothing;
-            for (; j < columns; j += N) {
-                const ptrdiff_t at = step_at(j);
-                left = store_near<N, in.red, has_chroma>(luma + at, chroma + at, load_four_quads<N>(src + 4 * at), near_y,
-                                                         near_v, near_u);
-                if (left != Left::nothing) break;
-            }
-            if (j >= columns) return;
-            if (has_chroma && left == Left::chroma) {
-                convert_columns<N, in, true, false>(src + 4 * step_at(j), nullptr, chroma + step_at(j));
-                continue;
-            }
-        }
-        convert_columns<N, in, has_chroma>(src + 4 * step_at(j), luma + step_at(j), chroma + step_at(j));
-    }
+    if constexpr (has_near) convert_steps_near<in, has_chroma, N>(src, luma, chroma, columns);
+    else convert_steps<in, has_chroma, N>(src, luma, chroma, columns);
 }
 
 // A single block.
