@@ -373,7 +373,7 @@ template <int k>
 ZIV_INLINE void store_packed_part(uint8_t* p, __m512i luma, const PackedChroma<64>& chroma) {
     const __m512i pixel = bytes512([](int n) { return (64 * k + n) / 3; });
     constexpr __mmask64 channel0 = mask512([](int n) { return (64 * k + n) % 3 == 0; });
-    store512(p + 64 * k, _mm512_mask_permutexvar_epi8(chroma.part[k], channel0, pixel, luma));
+    store512(p + 64 * k, _mm512_mask_permutexvar_epi8(chroma.part[k], kept_mask(channel0), pixel, luma));
 }
 template <>
 ZIV_INLINE void store_packed<64>(uint8_t* p, U8<64> luma, const PackedChroma<64>& chroma) {
@@ -489,7 +489,7 @@ template <int q>
 ZIV_INLINE void store_yuyv_part(uint8_t* p, __m512i luma, __m512i chroma) {
     const __m512i index = bytes512([](int n) { return n % 2 ? 16 * q + n / 4 + n % 4 / 2 * 32 : 32 * q + n / 2; });
     constexpr __mmask64 from_chroma = mask512([](int n) { return n % 2 == 1; });
-    store512(p, _mm512_mask_permutexvar_epi8(_mm512_permutexvar_epi8(index, luma), from_chroma, index, chroma));
+    store512(p, _mm512_mask_permutexvar_epi8(_mm512_permutexvar_epi8(index, luma), kept_mask(from_chroma), index, chroma));
 }
 template <>
 ZIV_INLINE Channels<64, 4> load_for_yuyv<64>(const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
