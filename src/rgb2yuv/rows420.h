@@ -6,12 +6,19 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
+// Only the widest vectors outrun the writing of luma.
+template <int columns>
+ZIV_INLINE void expect_luma(uint8_t* luma) {
+    if constexpr (widest == 64) expect_writes<columns>(luma);
+}
+
 // The blocked columns of a row without chroma, of a row with chroma in pairs, and of a row with chroma in two planes. Each
 // reads and writes exactly these columns.
 template <class Set, PixelLayout in>
 ZIV_INLINE void convert_luma_blocks(const uint8_t* src, uint8_t* luma, ptrdiff_t columns) {
     for_column_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+        expect_luma<step.value>(luma + j);
         store_luma(luma + j, Set::luma(Set::template weigh<in>(pixels)));
     });
 }
@@ -19,6 +26,7 @@ template <class Set, PixelLayout in, PairOrder order>
 ZIV_INLINE void convert_pair_blocks(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     for_column_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+        expect_luma<step.value>(luma + j);
         const auto weighed = Set::template weigh<in>(pixels);
         const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
         store_luma(luma + j, Set::luma(weighed));
@@ -30,6 +38,7 @@ ZIV_INLINE void convert_plane_blocks(const uint8_t* src, uint8_t* luma, uint8_t*
     uint8_t *const plane0 = in.blue == 0 ? u : v, *const plane2 = in.blue == 0 ? v : u;
     for_column_pair_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+        expect_luma<step.value>(luma + j);
         const auto weighed = Set::template weigh<in>(pixels);
         const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
         store_luma(luma + j, Set::luma(weighed));
