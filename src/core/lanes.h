@@ -1,6 +1,7 @@
 // The lane vocabulary: vectors of 16, 32 or 64 bytes and the operations that kernels are written in, each with one exact scalar
-// meaning. lanes_portable.h defines every term in plain lane arithmetic; a target's file overloads those that its instructions
-// do better. Widening, shifting, wrapping arithmetic, comparison and selection are the vector operators of the compiler.
+// meaning. lanes_portable.h and lanes_portable_moves.h define every term in plain lane arithmetic; a target's file overloads
+// those that its instructions do better. Widening, shifting, wrapping arithmetic, comparison and selection are the vector
+// operators of the compiler.
 //
 // A kernel names vectors by their size in bytes: U8<N> holds N lanes of 8 bits, S16<N> holds N / 2 lanes of 16 bits.
 #pragma once
@@ -47,6 +48,7 @@ struct Channels {
 }  // namespace zivcolor::ZIVCOLOR_TARGET
 
 #include "core/lanes_portable.h"
+#include "core/lanes_portable_moves.h"
 
 #if defined(ZIVCOLOR_TARGET_neon)
 #include "core/lanes_neon.h"

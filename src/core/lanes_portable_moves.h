@@ -1,0 +1,189 @@
+// The terms that move samples and change none, in plain code: what every target has where its own file knows nothing better.
+#pragma once
+
+#include "core/lanes.h"
+
+namespace zivcolor::ZIVCOLOR_TARGET {
+
+// ---- Repacking of chroma ----
+
+// N lanes of which the last is 0: reads N - 1 bytes.
+template <int N>
+ZIV_INLINE U8<N> load_but_last(const uint8_t* p) {
+    U8<N> v{};
+    __builtin_memcpy(&v, p, N - 1);
+    return v;
+}
+
+// The two bytes of every pair exchanged.
+template <int N>
+ZIV_INLINE U8<N> swap_pairs(U8<N> v) {
+    const U16<N> pairs = (U16<N>)v;
+    return (U8<N>)((pairs << 8) | (pairs >> 8));
+}
+
+// a0 b0 a2 b2 a4 b4 ...
+template <int N>
+ZIV_INLINE U8<N> even_pairs(U8<N> a, U8<N> b) {
+    return merge_bytes<N>(even_bytes<N>(a), (U16<N>)b);
+}
+
+// N / 2 pairs V U laid out as the chroma of N packed Y U V pixels, made once for one or two rows.
+template <int N>
+struct PackedChroma {
+    U8<N> u, v;
+};
+template <int N>
+ZIV_INLINE PackedChroma<N> packed_chroma(U8<N> pairs) {
+    return {double_bytes<N>(odd_bytes<N>(pairs)), double_bytes<N>(even_bytes<N>(pairs))};
+}
+template <int N>
+ZIV_INLINE void store_packed(uint8_t* p, U8<N> luma, const PackedChroma<N>& chroma) {
+    store3<N>(p, luma, chroma.u, chroma.v);
+}
+
+// ---- Whole pixels moved from one byte layout to another. All N pixels are read before the first is written. ----
+
+// Byte k of a written pixel is byte from[k] of the pixel read, which has `in` bytes; `ones` stands for a byte of 255.
+inline constexpr int ones = -1;
+template <int N, int in, int... from>
+struct PixelMove {
+    ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
+        constexpr int out = sizeof...(from), place[out] = {from...};
+        uint8_t bytes[N * out];
+        for (int i = 0; i < N; i++)
+            for (int k = 0; k < out; k++) bytes[out * i + k] = place[k] == ones ? 255 : src[in * i + place[k]];
+        __builtin_memcpy(dst, bytes, N * out);
+    }
+};
+template <int N, int in, int... from>
+ZIV_INLINE void move_pixels(uint8_t* dst, const uint8_t* src) {
+    PixelMove<N, in, from...>::move(dst, src);
+}
+
+// (kept & ~(255 >> n)) | (inserted >> n)
+template <int n, class V>
+ZIV_INLINE V shift_right_insert(V kept, V inserted) {
+    return (kept & static_cast<uint8_t>(~(255 >> n))) | (inserted >> n);
+}
+
+// Pixels of 3 bytes into little-endian words: the top 5 bits of byte `high`, the top 6 of byte 1, the top 5 of byte `low`.
+template <int N, int high, int low>
+struct PixelPack565 {
+    ZIV_INLINE static void pack(uint8_t* dst, const uint8_t* src) {
+        const Channels<N, 3> v = load3<N>(src);
+        store2<N>(dst, shift_right_insert<3>(v.c[1] << 3, v.c[low]), shift_right_insert<5>(v.c[high], v.c[1]));
+    }
+};
+template <int N, int high, int low>
+ZIV_INLINE void pack_pixels_565(uint8_t* dst, const uint8_t* src) {
+    PixelPack565<N, high, low>::pack(dst, src);
+}
+
+// ---- Runs of bytes ----
+
+// Four vectors that stand side by side in memory.
+template <int N>
+struct FourVectors {
+    U8<N> v[4];
+};
+template <int N>
+ZIV_INLINE FourVectors<N> load_four(const uint8_t* p) {
+    return {{load<N>(p), load<N>(p + N), load<N>(p + 2 * N), load<N>(p + 3 * N)}};
+}
+template <int N>
+ZIV_INLINE void store_four(uint8_t* p, const FourVectors<N>& four) {
+    for (int k = 0; k < 4; k++) {
+        store(p + k * N, four.v[k]);
+        asm volatile("" ::: "memory");  // in address order, whatever the compiler's scheduler thinks of it
+    }
+}
+
+template <int N>
+ZIV_INLINE void copy_four(uint8_t* dst, const uint8_t* src) {
+    store_four<N>(dst, load_four<N>(src));
+}
+
+// Y0 U Y1 V: 2 N luma samples with N samples of each chroma plane, which wait in an order of the target's own.
+template <int N>
+ZIV_INLINE Channels<N, 4> load_for_yuyv(const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
+    return {{load<N>(luma), load<N>(luma + N), merge_bytes<N>(load_widened<N>(u), load_widened<N>(v)),
+             merge_bytes<N>(load_widened<N>(u + N / 2), load_widened<N>(v + N / 2))}};
+}
+template <int N>
+ZIV_INLINE void store_yuyv(uint8_t* p, const Channels<N, 4>& parts) {
+    store2<N>(p, parts.c[0], parts.c[2]);
+    store2<N>(p + 2 * N, parts.c[1], parts.c[3]);
+}
+
+// ---- Turning and mirroring. A vector of 32 or 64 bytes is parts of 16 bytes side by side, and the terms on parts treat each
+//      by itself. ----
+
+// 16 bytes from p, from p + distance and so on.
+template <int N>
+ZIV_INLINE U8<N> load_parts(const uint8_t* p, ptrdiff_t distance) {
+    U8<N> v;
+    for (int k = 0; k < N / 16; k++) __builtin_memcpy(reinterpret_cast<uint8_t*>(&v) + 16 * k, p + k * distance, 16);
+    return v;
+}
+
+// a0 b0 a1 b1 ... from the lower or upper halves of the parts, by bytes or by pairs of bytes.
+template <int N>
+U8<N> zip_parts_low(U8<N> a, U8<N> b);
+template <int N>
+U8<N> zip_parts_high(U8<N> a, U8<N> b);
+template <int N>
+U8<N> zip_pair_parts_low(U8<N> a, U8<N> b);
+template <int N>
+U8<N> zip_pair_parts_high(U8<N> a, U8<N> b);
+template <>
+ZIV_INLINE U8<16> zip_parts_low<16>(U8<16> a, U8<16> b) {
+    return __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+}
+template <>
+ZIV_INLINE U8<16> zip_parts_high<16>(U8<16> a, U8<16> b) {
+    return __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
+}
+template <>
+ZIV_INLINE U8<16> zip_pair_parts_low<16>(U8<16> a, U8<16> b) {
+    return (U8<16>)__builtin_shufflevector((U16<16>)a, (U16<16>)b, 0, 8, 1, 9, 2, 10, 3, 11);
+}
+template <>
+ZIV_INLINE U8<16> zip_pair_parts_high<16>(U8<16> a, U8<16> b) {
+    return (U8<16>)__builtin_shufflevector((U16<16>)a, (U16<16>)b, 4, 12, 5, 13, 6, 14, 7, 15);
+}
+
+// The bytes, or the pairs of bytes, from the last to the first.
+template <int N>
+ZIV_INLINE U8<N> reverse_bytes(U8<N> v) {
+    static_assert(N == 16);
+    return __builtin_shufflevector(v, v, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+}
+template <int N>
+ZIV_INLINE U8<N> reverse_pairs(U8<N> v) {
+    static_assert(N == 16);
+    return (U8<N>)__builtin_shufflevector((U16<N>)v, (U16<N>)v, 7, 6, 5, 4, 3, 2, 1, 0);
+}
+
+// ---- Pairs of chroma samples made fewer or more ----
+
+// Two rows of N pairs to one of N / 2: (a + b + c + d + 2) >> 2 over each 2 by 2 samples of a channel.
+template <int N>
+ZIV_INLINE void store_square_means(uint8_t* p, const uint8_t* upper, const uint8_t* lower) {
+    uint8_t means[N];
+    for (int i = 0; i < N; i++) {
+        const int at = i / 2 * 4 + i % 2;
+        means[i] = static_cast<uint8_t>((upper[at] + upper[at + 2] + lower[at] + lower[at + 2] + 2) >> 2);
+    }
+    __builtin_memcpy(p, means, N);
+}
+
+// Interleaving store of pairs: a0 b0 a1 b1 ...
+template <int N>
+ZIV_INLINE void store2_pairs(uint8_t* p, U8<N> a, U8<N> b) {
+    static_assert(N == 16);
+    store(p, zip_pair_parts_low<16>(a, b));
+    store(p + 16, zip_pair_parts_high<16>(a, b));
+}
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET
