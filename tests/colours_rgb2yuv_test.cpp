@@ -167,6 +167,7 @@ TEST(FineSet, FractionalAndRoundedDifference) {
         for (int blue = 0; blue < 256; blue++)
             for (int green = 0; green < 256; green++) {
                 const Samples a = fractional.samples(green, blue), b = rounded.samples(green, blue);
+                ASSERT_TRUE(std::abs(a.u - b.u) <= 1 && std::abs(a.v - b.v) <= 1) << red << " " << green << " " << blue;
                 differing_y += a.y != b.y;
                 differing_u += a.u != b.u;
                 differing_v += a.v != b.v;

@@ -98,6 +98,35 @@ TEST(Dispatch, EveryPairOfCodesReachesItsKernelOrNone) {
         }
 }
 
+// Of the alpha parameter the low byte counts, whatever stands above it.
+TEST(Dispatch, AlphaIsCutToAByte) {
+    for (const auto& [parameter, alpha] : {std::pair{0x1FF, 0xFF}, {0x1234, 0x34}, {-1, 0xFF}, {0x100, 0}}) {
+        uint8_t luma[4] = {10, 20, 30, 40}, chroma[2] = {128, 128}, pixels[16] = {};
+        const __tag_KOBR_OFFSCREEN source{zivPixFmt_NV21, 2, 2, {luma, chroma}, {2, 2}};
+        const __tag_KOBR_OFFSCREEN destination{zivPixFmt_RGBA8888, 2, 2, {pixels}, {8}};
+        EXPECT_EQ(zivColorCvt(&source, &destination, {parameter}), zivStatus_OK);
+        for (int n = 0; n < 4; n++) EXPECT_EQ(pixels[4 * n + 3], alpha) << parameter;
+    }
+}
+
+// A code that no layout has, beside one that has many conversions.
+TEST(Dispatch, UnknownCodesAreRefused) {
+    for (const uint32_t known : codes)
+        for (const uint32_t unknown : {0u, 0x100u, 0x606u, 0x804u, 0x10802u, 0x80000802u, 0xFFFFFFFFu}) {
+            const __tag_KOBR_OFFSCREEN a{known, 8, 8, {}, {}}, b{unknown, 8, 8, {}, {}};
+            EXPECT_EQ(zivColorCvt(&a, &b, {0}), zivStatus_BadArgument) << known << " to " << unknown;
+            EXPECT_EQ(zivColorCvt(&b, &a, {0}), zivStatus_BadArgument) << unknown << " to " << known;
+        }
+}
+
+// The right family is not enough, and the source's height counts where the destination's sizes drive the walk.
+TEST(Dispatch, AKernelsOwnChecks) {
+    const __tag_KOBR_OFFSCREEN uyvy{zivPixFmt_UYVY, 2, 2, {}, {}}, rgb{zivPixFmt_RGB888, 2, 2, {}, {}};
+    EXPECT_EQ(zivColorYUYVtoRGB888u8(&uyvy, &rgb), zivStatus_BadArgument);
+    const __tag_KOBR_OFFSCREEN low{zivPixFmt_I422H, 2, 1, {}, {}}, planar{zivPixFmt_I420, 2, 2, {}, {}};
+    EXPECT_EQ(zivColorI422HtoI420u8(&low, &planar), zivStatus_BadArgument);
+}
+
 TEST(Dispatch, AKernelsRefusalComesBack) {
     for (const Conversion& c : conversions()) {
         if (!c.dispatched) continue;

@@ -69,6 +69,8 @@ const std::vector<Set>& sets() {
          {"zivColorRGB888toNV12u8"},
          {{255, 0, 0, {75, 85, 255}, {75, 85, 255}},
           {0, 255, 0, {151, 43, 20}, {151, 43, 0}},
+          {0, 0, 255, {27, 255, 108}, {27, 255, 0}},
+          {255, 255, 0, {227, 0, 147}, {227, 0, 255}},
           {3, 1, 1, {1, 128, 129}, {1, 128, 139}},
           same(0, 0, 0, {0, 128, 128}),
           same(255, 255, 255, {255, 128, 128}),
@@ -79,7 +81,8 @@ const std::vector<Set>& sets() {
          {{255, 0, 0, {75, 85, 255}, {75, untouched, 85}},
           {0, 255, 0, {151, 43, 20}, {151, untouched, 43}},
           {0, 0, 255, {27, 255, 108}, {27, untouched, 255}},
-          {255, 255, 0, {227, 0, 147}, {227, untouched, 0}}}},
+          {255, 255, 0, {227, 0, 147}, {227, untouched, 0}},
+          {3, 1, 1, {1, 128, 129}, {1, untouched, 128}}}},
         {"FineFractional",
          {"zivColorBGR888toNV21u8", "zivColorBGR888toNV12u8"},
          {same(255, 0, 0, {76, 85, 255}), same(0, 255, 0, {150, 44, 21}), same(0, 0, 255, {29, 255, 107}),
@@ -205,6 +208,16 @@ TEST(RgbToYuv, SizesBelowTheLeastAreRefusedInEitherPicture) {
             EXPECT_EQ(c->convert(kernels, &bad, nullptr, 0), zivStatus_NullPointer);
         });
     }
+}
+
+TEST(RgbToYuv, ASinglePixelToYv24) {
+    const Conversion& c = conversion("zivColorRGB888toYV24u8");
+    on_every_table([&](const zivcolor::KernelTable& kernels) {
+        Picture source(c.source, 1, 1), destination(c.destination, 1, 1);
+        flood(source, 255, 0, 0);
+        ASSERT_EQ(convert(kernels, c, source, destination), zivStatus_OK);
+        EXPECT_EQ(first_samples(destination), (Samples{75, 85, 255}));
+    });
 }
 
 // No sample of red has the value of the pattern.

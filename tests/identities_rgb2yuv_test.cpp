@@ -36,6 +36,24 @@ TEST(RgbIdentities, ShortSetStaysInLanesOf16) {
     EXPECT_EQ(((255 - ShortSet::block_luma({0, 0, 255})) * 9 + 2048) >> 4, 256);
 }
 
+// With eight times the gain, differences of 23 and more saturate, and no lesser ones do.
+TEST(RgbIdentities, SteepVSaturatesFrom23On) {
+    const auto steep = [](int difference) { return ((difference * 91) >> 4) + 128; };
+    EXPECT_GT(steep(23), 255);
+    EXPECT_LT(steep(22), 255);
+    EXPECT_LT(steep(-23), 0);
+    EXPECT_GT(steep(-22), 0);
+}
+
+// Nothing saturates in the rounding narrow: what is too wide is cut.
+TEST(RgbIdentities, RoundingNarrowCuts) {
+    EXPECT_EQ(rounding_narrow_15(65535 * 32768), -1);
+    EXPECT_EQ(rounding_narrow_15(16384), 1);
+    EXPECT_EQ(rounding_narrow_15(16383), 0);
+    EXPECT_EQ(rounding_narrow_15(-16384), 0);
+    EXPECT_EQ(rounding_narrow_15(-16385), -1);
+}
+
 TEST(RgbIdentities, LinePackedSetsStayInLanesOf16) {
     Range sums, eighths_u, eighths_v, thirty_seconds_u, thirty_seconds_v;
     every_colour([&](Pixel p) {
