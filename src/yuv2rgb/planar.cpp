@@ -58,12 +58,14 @@ ZIV_INLINE PlanarChroma yv12_chroma_at(const Image* srcImg, ptrdiff_t row) {
     return {row_at(srcImg->plane[2], row, srcImg->pitch[2]), row_at(srcImg->plane[1], row, srcImg->pitch[1])};
 }
 
-// Two rows a pass where there are two. The tail never reads V: red is luma, and green lacks the share of V.
+// Two rows a pass where there are two, and where the destination's do not overlap: of those that do the lower one stays. The
+// tail never reads V: red is luma, and green lacks the share of V.
 int32_t zivColorYV12toBGR888u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_YV12, zivPixFmt_BGR888, both_2x2)) return status;
     const ptrdiff_t width = dstImg->width, height = dstImg->height;
     const ptrdiff_t blocked = blocked_columns<16>(width);
-    for (ptrdiff_t i = 0; i < height; i += 2) {
+    const bool apart = dstImg->pitch[0] >= 3 * width || dstImg->pitch[0] <= -3 * width;
+    for (ptrdiff_t i = 0, rows_done; i < height; i += rows_done) {
         const PlanarChroma chroma = yv12_chroma_at(srcImg, i >> 1);
         const auto convert_tail_of_row = [&](const uint8_t* luma, uint8_t* dst) ZIV_INLINE_BODY {
             for (ptrdiff_t j = blocked; j < width; j++)
@@ -71,7 +73,8 @@ int32_t zivColorYV12toBGR888u8(const Image* srcImg, const Image* dstImg) {
         };
         const RowPair rows{row_at(srcImg->plane[0], i, srcImg->pitch[0]), row_at(srcImg->plane[0], i + 1, srcImg->pitch[0]),
                            row_at(dstImg->plane[0], i, dstImg->pitch[0]), row_at(dstImg->plane[0], i + 1, dstImg->pitch[0])};
-        if (i + 1 < height) {
+        rows_done = apart && i + 1 < height ? 2 : 1;
+        if (rows_done == 2) {
             convert_blocks<SetT5, Rgb::bgr>(rows, chroma, blocked, 0);
             convert_tail_of_row(rows.luma0, rows.dst0);
             convert_tail_of_row(rows.luma1, rows.dst1);
