@@ -346,6 +346,23 @@ TEST(YuvToRgb, Yv12ToBgrHasRedEqualToLumaInItsTail) {
     });
 }
 
+// Of destination rows that overlap, a later one covers the one before it.
+TEST(YuvToRgb, Yv12ToBgrLaysOverlappingRowsOverEachOther) {
+    const Conversion& c = conversion("zivColorYV12toBGR888u8");
+    on_every_table([&](const zivcolor::KernelTable& kernels) {
+        Picture source(c.source, 80, 2), destination(c.destination, 80, 2);
+        flood(source, 0, 128, 128);
+        set_luma(source, 0, std::vector<uint8_t>(80, 10));
+        set_luma(source, 1, std::vector<uint8_t>(80, 60));
+        const zivcolor::Image s = source.image();
+        zivcolor::Image d = destination.image();
+        d.pitch[0] = 3 * 8;
+        ASSERT_EQ(c.convert(kernels, &s, &d, 0), zivStatus_OK);
+        EXPECT_EQ(destination.run(0, 0, 0, 3 * 8), Bytes(3 * 8, 10));
+        EXPECT_EQ(destination.run(0, 0, 3 * 8, 3 * 80), Bytes(3 * 80, 60));
+    });
+}
+
 TEST(YuvToRgb, LinePackedTightPicturesAgree) {
     on_every_table([&](const zivcolor::KernelTable& kernels) {
         for (const int padding : {0, 8}) {
