@@ -37,14 +37,15 @@ void* allocate_or_throw(size_t size) {
 
 }  // namespace
 
-void* operator new(size_t size) { return allocate_or_throw(size); }
-void* operator new[](size_t size) { return allocate_or_throw(size); }
-void* operator new(size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void* operator new[](size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, size_t) noexcept { std::free(p); }
-void operator delete[](void* p, size_t) noexcept { std::free(p); }
+// Kept out of line: GCC would see malloc and free through one operator of a pair and take the pair for mismatched.
+[[gnu::noinline]] void* operator new(size_t size) { return allocate_or_throw(size); }
+[[gnu::noinline]] void* operator new[](size_t size) { return allocate_or_throw(size); }
+[[gnu::noinline]] void* operator new(size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+[[gnu::noinline]] void* operator new[](size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+[[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete[](void* p) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p, size_t) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete[](void* p, size_t) noexcept { std::free(p); }
 
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*), void* argument) {
     if (!take_one(threads_left)) return EAGAIN;
