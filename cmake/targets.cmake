@@ -17,6 +17,12 @@ set(zivcolor_flags_avx2 -mavx2)
 set(zivcolor_flags_sse4 -msse4.2)
 set(zivcolor_flags_neon)
 set(zivcolor_flags_portable)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    # Kernels name their vectors. Left to itself the compiler also gathers the addresses of a row into one, and waits for them.
+    foreach(target avx512 avx2 sse4)
+        list(APPEND zivcolor_flags_${target} -fno-tree-slp-vectorize)
+    endforeach()
+endif()
 
 foreach(target IN LISTS ZIVCOLOR_TARGETS)
     if(NOT DEFINED zivcolor_flags_${target} AND NOT target MATCHES "^(neon|portable)$")

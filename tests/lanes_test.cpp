@@ -29,6 +29,7 @@ int s16(const uint8_t* p, int lane) {
     std::memcpy(&v, p + 2 * lane, 2);
     return v;
 }
+int s8(const uint8_t* p, int byte) { return static_cast<int8_t>(p[byte]); }
 void put16(uint8_t* p, int lane, int64_t value) {
     const auto v = static_cast<uint16_t>(value & 0xFFFF);
     std::memcpy(p + 2 * lane, &v, 2);
@@ -198,6 +199,27 @@ const std::map<std::string, Meaning>& meanings() {
         {"weigh_pair_bytes",
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int i = 0; i < N / 2; i++) put16(out, i, 36 * in[2 * i] - 43 * in[2 * i + 1]);
+         }},
+        {"weigh_signed_bytes",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int i = 0; i < N / 2; i++) put16(out, i, 89 * s8(in, 2 * i) + 43 * s8(in, 2 * i + 1));
+         }},
+        {"outer_lanes4",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             for (int i = 0; i < N; i++) {
+                 const int luma = in[3 * N + i], pair = i / 2;
+                 out[4 * i] = clamp8(luma + ((4 * s8(in, 2 * pair + 1) * 14516) >> 15));
+                 out[4 * i + 1] = clamp8(luma + term_in_range(in + 2 * N, pair));
+                 out[4 * i + 2] = clamp8(luma + ((4 * s8(in, 2 * pair) * 11485) >> 15));
+                 out[4 * i + 3] = in[4 * N - 1];
+             }
+         }},
+        {"unlisted_lanes",
+         [](int N, const uint8_t* in, uint8_t* out) {
+             int table[32];
+             for (int i = 0; i < 32; i++) table[i] = i << 10;
+             for (int i = 0; i < N / 2; i += 2) table[in[2 * i + 1] / 4 % 32] = s16(in, i) & 0xFFFF;
+             for (int i = 0; i < N / 2; i++) out[i] = i != 1 && table[in[2 * i + 1] / 4 % 32] != (s16(in, i) & 0xFFFF);
          }},
         {"multiply_q15", on_s16([](int64_t a, int64_t) { return (a * -11277) >> 15; })},
         {"zero_lanes",

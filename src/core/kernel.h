@@ -57,6 +57,12 @@ struct Step {
     static constexpr int value = bytes;
 };
 
+// A column hidden from compilers that would carry an address of its own through the loop for every row and register.
+ZIV_INLINE ptrdiff_t kept_index(ptrdiff_t j) {
+    asm("" : "+r"(j));
+    return j;
+}
+
 // Covers columns 0 to columns - 1 with steps of the target's widest vector first and narrower ones for what is left, and
 // returns the first column left over: fewer than 16 are. The body is called as body(Step<bytes>{}, column).
 template <class Body>

@@ -66,6 +66,9 @@ struct Channels {
 #if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
 #include "core/lanes_packed_x86.h"
 #endif
+#if defined(ZIVCOLOR_TARGET_avx512)
+#include "core/lanes_byte_pairs_x86_64.h"
+#endif
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 

@@ -362,6 +362,52 @@ ZIV_INLINE void store_pixels(uint8_t* p, const uint8_t* luma, const PixelTerms4<
     store_pixels<N>(p, load<N>(luma), terms);
 }
 
+// ---- Terms of four-byte pixels straight from pairs of bytes, where bytes move anywhere in one step ----
+
+// Whether the target does well by the terms of this group.
+#if defined(ZIVCOLOR_TARGET_avx512)
+inline constexpr bool terms_by_bytes = true;
+#else
+inline constexpr bool terms_by_bytes = false;
+#endif
+
+// a * weight_a + b * weight_b of the signed bytes a, b of every lane; the weights are 0 or more, and 255 at most together.
+template <int N>
+ZIV_INLINE S16<N> weigh_signed_bytes(U8<N> pairs, int weight_a, int weight_b) {
+    const S16<N> both = (S16<N>)pairs;
+    return ((both << 8) >> 8) * static_cast<int16_t>(weight_a) + (both >> 8) * static_cast<int16_t>(weight_b);
+}
+
+// The signed bytes a, b of N / 2 pairs as 16-bit lanes, in an order that is the target's own, and products of these.
+template <int N>
+struct OuterLanes {
+    S16<N> part[2];
+};
+template <int N>
+ZIV_INLINE OuterLanes<N> outer_lanes_times_4(U8<N> pairs) {
+    return {{weigh_signed_bytes<N>(pairs, 4, 0), weigh_signed_bytes<N>(pairs, 0, 4)}};
+}
+template <int N>
+ZIV_INLINE OuterLanes<N> multiply_q15(const OuterLanes<N>& lanes, int weight_a, int weight_b) {
+    return {{multiply_q15<N>(lanes.part[0], weight_a), multiply_q15<N>(lanes.part[1], weight_b)}};
+}
+
+// The terms of channels 0 and 2 from the products of b and of a, those of channel 1 a pair a lane in the order of the pairs.
+template <int N>
+ZIV_INLINE PixelTerms4<N> pixel_terms(const OuterLanes<N>& outer, S16<N> middle, uint8_t alpha) {
+    const auto arranged = [](S16<N> v) ZIV_INLINE_BODY { return (S16<N>)arrange_pairs<N, 4>((U8<N>)v); };
+    return pixel_terms<N>(arranged(outer.part[1]), arranged(middle), arranged(outer.part[0]), alpha);
+}
+
+// Of the lanes with a bit in `lanes`, the lowest for lane 0, those that are not the word of the table that their bits 10 to 14
+// number.
+template <int N>
+ZIV_INLINE uint32_t unlisted_lanes(uint32_t lanes, U16<N> words, const uint16_t (&table)[32]) {
+    for (int i = 0; i < N / 2; i++)
+        if (table[words[i] >> 10 & 31] == words[i]) lanes &= ~(uint32_t{1} << i);
+    return lanes;
+}
+
 // ---- Packed 4:2:2 to four-byte pixels in lanes of 16 bits, where no two rows share chroma ----
 
 // Whether the target does well by the terms of this group.

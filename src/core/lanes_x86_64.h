@@ -102,17 +102,6 @@ ZIV_INLINE S16<64> weigh_pair_q15<64>(S16<64> a, S16<64> b, int weight_a, int we
                                        _mm512_srai_epi32(_mm512_add_epi32(hi, half), 15));
 }
 
-template <>
-ZIV_INLINE S16<64> weigh_pair_bytes<64>(U8<64> pairs, int weight_a, int weight_b) {
-    const S16<64> weights = constant<64>((weight_a & 0xFF) | weight_b * 256);
-    return (S16<64>)_mm512_maddubs_epi16((__m512i)pairs, (__m512i)weights);
-}
-
-template <>
-ZIV_INLINE uint64_t zero_lanes<64>(U16<64> v) {
-    return _mm512_testn_epi16_mask((__m512i)v, (__m512i)v);
-}
-
 // ---- Interleaving loads and stores of c channels ----
 
 // Each half of the bytes is parted by itself, the second with its channels exchanged: then either channel is a blend or a shift
@@ -337,6 +326,15 @@ ZIV_INLINE void store_pixels<64>(uint8_t* p, U8<64> luma, const PixelTerms4<64>&
     store_pixels_part<4, 1>(p, luma, t);
     store_pixels_part<4, 2>(p, luma, t);
     store_pixels_part<4, 3>(p, luma, t);
+}
+// From memory every 16-byte part takes the same sixteen bytes, so that one table serves for all four registers.
+template <>
+ZIV_INLINE void store_pixels<64>(uint8_t* p, const uint8_t* luma, const PixelTerms4<64>& t) {
+    const __m512i index = kept_bytes512([](int n) { return n % 4 == 3 ? 0x80 : n / 4; });
+    for (int q = 0; q < 4; q++) {
+        const __m512i spread = _mm512_shuffle_epi8(_mm512_broadcast_i32x4(load128(luma + 16 * q)), index);
+        store512(p + 64 * q, _mm512_subs_epu8(_mm512_adds_epu8(spread, t.up[q]), t.down[q]));
+    }
 }
 template <>
 ZIV_INLINE void store_pixels<64>(uint8_t* p, PackedLuma<64> luma, const PixelTerms3<64>& t) {

@@ -14,6 +14,18 @@ namespace zivcolor::ZIVCOLOR_TARGET {
 // The binary32 values nearest to the decimals.
 inline constexpr float red_of_v = 1.402f, green_of_v = -0.714f, green_of_u = -0.344f, blue_of_u = 1.772f;
 
+// Writes green anew in the four pixels of the pair at column k: seldom done.
+ZIV_INLINE void mend_green_of_pair(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t k) {
+    const float term = static_cast<float>(chroma.v(k)) * green_of_v + static_cast<float>(chroma.u(k)) * green_of_u;
+    const auto mend = [term](uint8_t* pixel, uint8_t luma) ZIV_INLINE_BODY {
+        pixel[1] = static_cast<uint8_t>(clamp_byte(static_cast<int>(static_cast<float>(luma) + term)));
+    };
+    mend(rows.dst0 + 4 * k, rows.luma0[k]), mend(rows.dst0 + 4 * k + 4, rows.luma0[k + 1]);
+    mend(rows.dst1 + 4 * k, rows.luma1[k]), mend(rows.dst1 + 4 * k + 4, rows.luma1[k + 1]);
+}
+
+// ---- By words: the 17 pairs, and 34 more, known from their quotients ----
+
 template <int N>
 struct Binary32Terms {
     S16<N> r, g, b;
@@ -42,23 +54,16 @@ struct UnsoundLanes {
     uint64_t of_step[most];
 };
 
-// Writes green anew in their pixels, from column j on: seldom done, and kept apart from the usual way so as not to take its
-// registers.
+// Mends their pixels, from column j on: kept apart so as not to take registers from the usual way.
 template <int N>
 [[gnu::noinline, gnu::cold]] static void mend_green(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t j,
                                                     const UnsoundLanes& unsound, int steps) {
-    const auto mend = [](uint8_t* pixel, uint8_t luma, float term) ZIV_INLINE_BODY {
-        pixel[1] = static_cast<uint8_t>(clamp_byte(static_cast<int>(static_cast<float>(luma) + term)));
-    };
     constexpr uint64_t lane_bits = (uint64_t{1} << zero_lane_bits<N>)-1;
     for (int step = 0; step < steps; step++, j += N)
         for (uint64_t lanes = unsound.of_step[step]; lanes != 0;) {
             const int lane = __builtin_ctzll(lanes) / zero_lane_bits<N>;
             lanes &= ~(lane_bits << lane * zero_lane_bits<N>);
-            const ptrdiff_t k = j + 2 * pair_in_lane<N, 4>(lane);
-            const float term = static_cast<float>(chroma.v(k)) * green_of_v + static_cast<float>(chroma.u(k)) * green_of_u;
-            mend(rows.dst0 + 4 * k, rows.luma0[k], term), mend(rows.dst0 + 4 * k + 4, rows.luma0[k + 1], term);
-            mend(rows.dst1 + 4 * k, rows.luma1[k], term), mend(rows.dst1 + 4 * k + 4, rows.luma1[k + 1], term);
+            mend_green_of_pair(rows, chroma, j + 2 * pair_in_lane<N, 4>(lane));
         }
 }
 
@@ -88,11 +93,87 @@ ZIV_INLINE ptrdiff_t convert_binary32_steps(RowPair rows, PairedChroma<PairOrder
     return j;
 }
 
-// The blocked columns of two rows. Reads and writes exactly these.
-ZIV_INLINE void convert_binary32_blocks(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t columns, uint8_t alpha) {
-    ptrdiff_t j = convert_binary32_steps<widest>(rows, chroma, 0, columns, alpha);
+// ---- By bytes: the 17 pairs known from a table ----
+
+// Each as the word V U, in the place that bits 10 to 14 of the word number. 0 stands in no place of its own.
+inline constexpr uint16_t word_of_pair(int v, int u) { return static_cast<uint16_t>((v + 128) | (u + 128) << 8); }
+struct UnsoundPairs {
+    uint16_t word[32] = {};
+    constexpr UnsoundPairs() {
+        constexpr int pairs[17][2] = {{-92, 2},  {-72, 7},   {-124, 19}, {-12, 22},  {-84, 29}, {-24, 44},
+                                      {-4, 49},  {-36, 66},  {-16, 71},  {-68, 83},  {-48, 88}, {-8, 98},
+                                      {12, 103}, {-80, 105}, {-40, 115}, {-20, 120}, {-92, 127}};
+        for (const auto& pair : pairs) {
+            const uint16_t w = word_of_pair(pair[0], pair[1]);
+            word[w >> 10 & 31] = w;
+        }
+    }
+};
+inline constexpr UnsoundPairs unsound_pairs;
+
+template <int N>
+ZIV_INLINE PixelTerms4<N> binary32_pixel_terms(U8<N> pairs, uint8_t alpha) {
+    const U8<N> centred = pairs ^ 128;
+    const OuterLanes<N> outer = multiply_q15<N>(outer_lanes_times_4<N>(centred), 11485, 14516);
+    // Less green is (357 v + 172 u) / 500, rounded up: 89 v + 43 u and a quarter of v, itself rounded up, plus 124, over 125.
+    // 121 times 125 makes that all but positive, for the same quotient as above. V is v + 128, and a quarter of it 32 too much.
+    constexpr int whole = 121;
+    const U16<N> quarter_of_v =
+        (((U16<N>)pairs & (U16<N>)constant<N>(255)) + (U16<N>)constant<N>(3 + 4 * (124 + 125 * whole - 32) - 65536)) >> 2;
+    const S16<N> numerator = weigh_signed_bytes<N>(centred, 89, 43) + (S16<N>)quarter_of_v;
+    const S16<N> green = constant<N>(whole) - (multiply_round_high<N>(numerator, constant<N>(16777)) >> 6);
+    return pixel_terms<N>(outer, green, alpha);
+}
+
+template <int N>
+[[gnu::noinline, gnu::cold]] static void mend_listed(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t columns) {
+    constexpr uint32_t all = UINT32_MAX >> (32 - N / 2);
+    for (ptrdiff_t j = 0; j + N <= columns; j += N)
+        for (uint32_t lanes = all & ~unlisted_lanes<N>(all, (U16<N>)load<N>(chroma.pairs + j), unsound_pairs.word); lanes != 0;
+             lanes &= lanes - 1)
+            mend_green_of_pair(rows, chroma, j + 2 * __builtin_ctz(lanes));
+}
+
+// Returns the column reached.
+template <int N>
+ZIV_INLINE ptrdiff_t convert_binary32_by_bytes(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t columns,
+                                               uint8_t alpha) {
+    const ptrdiff_t ahead = writes_ahead(rows);
+    constexpr uint32_t all = UINT32_MAX >> (32 - N / 2);
+    uint32_t sound = all;
+    ptrdiff_t j = 0;
+    for (; j + N <= columns; j += N) {
+        const U8<N> pairs = load<N>(chroma.pairs + j);
+        j = kept_index(j);
+        const PixelTerms4<N> terms = binary32_pixel_terms<N>(pairs, alpha);
+        sound = unlisted_lanes<N>(sound, (U16<N>)pairs, unsound_pairs.word);
+        expect_writes_ahead<4 * N>(rows.dst0 + 4 * j, ahead);
+        expect_writes_ahead<4 * N>(rows.dst1 + 4 * j, ahead);
+        store_pixels<N>(rows.dst0 + 4 * j, rows.luma0 + j, terms);
+        store_pixels<N>(rows.dst1 + 4 * j, rows.luma1 + j, terms);
+    }
+    if (sound != all) [[unlikely]]
+        mend_listed<N>(rows, chroma, columns);
+    return j;
+}
+
+// ---- Two rows ----
+
+// What the widest steps leave of the blocked columns, from column j on: kept apart so that their constants stay in registers
+// from row to row.
+[[gnu::noinline, gnu::cold]] static void convert_binary32_rest(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t j,
+                                                               ptrdiff_t columns, uint8_t alpha) {
     if constexpr (widest > 32) j = convert_binary32_steps<32>(rows, chroma, j, columns, alpha);
     if constexpr (widest > 16) convert_binary32_steps<16>(rows, chroma, j, columns, alpha);
+}
+
+// The blocked columns. Reads and writes exactly these.
+ZIV_INLINE void convert_binary32_blocks(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t columns, uint8_t alpha) {
+    ptrdiff_t j;
+    if constexpr (terms_by_bytes) j = convert_binary32_by_bytes<widest>(rows, chroma, columns, alpha);
+    else j = convert_binary32_steps<widest>(rows, chroma, 0, columns, alpha);
+    if (j < columns) [[unlikely]]
+        convert_binary32_rest(rows, chroma, j, columns, alpha);
 }
 
 // The tail sums green in another order: trunc((Y + -0.714 v) + -0.344 u).

@@ -11,7 +11,7 @@ int32_t zivColorNV21toBGRA8888u8(const Image* srcImg, const Image* dstImg, uint8
         const RowPair rows = row_pair_at(srcImg, dstImg, i);
         const PairedChroma<PairOrder::vu> chroma{row_at_wrapped(srcImg->plane[1], i >> 1, srcImg->pitch[1])};
         convert_binary32_blocks(rows, chroma, blocked, alpha);
-        convert_binary32_tail(rows, chroma, blocked, width, alpha);
+        if (blocked < width) convert_binary32_tail(rows, chroma, blocked, width, alpha);
     }
     return zivStatus_OK;
 }

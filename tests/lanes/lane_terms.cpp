@@ -147,6 +147,21 @@ TERM(zero_lanes, {
     }
 })
 TERM(weigh_pair_bytes, { store(out, weigh_pair_bytes<N>(v.a, 36, -43)); })
+TERM(weigh_signed_bytes, { store(out, weigh_signed_bytes<N>(v.a, 89, 43)); })
+// The outer channels from the bytes of a pair, the middle one from a term of its own.
+TERM(outer_lanes4, {
+    const OuterLanes<N> outer = multiply_q15<N>(outer_lanes_times_4<N>(v.a), 11485, 14516);
+    store_pixels<N>(out, v.d, pixel_terms<N>(outer, term_in_range<N>(v.c), in[4 * N - 1]));
+})
+// Lanes beside the words of a table made of lanes: some stand in it, in the place that their bits number, others do not.
+TERM(unlisted_lanes, {
+    uint16_t table[32];
+    for (int i = 0; i < 32; i++) table[i] = static_cast<uint16_t>(i << 10);
+    for (int i = 0; i < N / 2; i += 2) table[in[2 * i + 1] >> 2 & 31] = ((U16<N>)v.a)[i];
+    constexpr uint32_t all = UINT32_MAX >> (32 - N / 2);
+    const uint32_t lanes = unlisted_lanes<N>(all & ~uint32_t{2}, (U16<N>)v.a, table);
+    for (int i = 0; i < N / 2; i++) out[i] = lanes >> i & 1;
+})
 TERM(load_but_last, { store(out, load_but_last<N>(in)); })
 TERM(swap_pairs, { store(out, swap_pairs<N>(v.a)); })
 TERM(even_pairs, { store(out, even_pairs<N>(v.a, v.b)); })
@@ -308,7 +323,8 @@ static constexpr harness::LaneTerm rows[] = {
     ROWS(multiply_round_high) ROWS(multiply_high) ROWS(weigh_pair_q15) ROWS(store_pixels3) ROWS(store_pixels4)
     ROWS(store_pixels3_from_memory) ROWS(store_pixels4_from_memory) ROWS(packed422_pixels3) ROWS(packed422_pairs3)
     ROWS(packed422_words) ROWS(packed422_words_reversed) ROWS(constant) ROWS(constants)
-    ROWS(arrange_pairs) ROWS(load_arranged) ROWS(weigh_pair_bytes) ROWS(multiply_q15) ROWS(zero_lanes) ROWS(load_but_last) ROWS(swap_pairs)
+    ROWS(arrange_pairs) ROWS(load_arranged) ROWS(weigh_pair_bytes) ROWS(weigh_signed_bytes) ROWS(outer_lanes4)
+    ROWS(unlisted_lanes) ROWS(multiply_q15) ROWS(zero_lanes) ROWS(load_but_last) ROWS(swap_pairs)
     ROWS(even_pairs) ROWS(packed_chroma) ROWS(select) ROWS(multiply_high_unsigned) ROWS(widen_joined) ROWS(widen_difference)
     ROWS(reciprocals) ROWS(move_pixels_3_reversed) ROWS(move_pixels_4_to_3) ROWS(move_pixels_3_to_4)
     ROWS(shift_right_insert_3) ROWS(shift_right_insert_5) ROWS(pack_pixels_565) ROWS(pack_pixels_565_reversed)
