@@ -26,7 +26,7 @@ requires(bytes > 0) ZIV_INLINE void expect_writes_ahead(uint8_t* p, ptrdiff_t ah
 }
 
 template <int bytes>
-requires(bytes > 64) ZIV_INLINE void expect_reads(const uint8_t* p) {
+requires(bytes >= 48) ZIV_INLINE void expect_reads(const uint8_t* p) {
     const uintptr_t ahead = reinterpret_cast<uintptr_t>(p) + 1024;
     for (uintptr_t line = 0; line < bytes; line += 64) __builtin_prefetch(reinterpret_cast<const void*>(ahead + line));
 }

@@ -23,6 +23,7 @@ template <int in, int out, class Body>
 ZIV_INLINE void for_pixel_steps(const uint8_t* src, uint8_t* dst, ptrdiff_t blocked, Body body) {
     const auto convert = [=](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         expect_reads<in * step.value>(src + in * j);
+        if constexpr (widest == 16 && in == 3) expect_writes<out * step.value>(dst + out * j);
         body(step, j);
     };
     const ptrdiff_t lead = lead_of<out>(dst).samples;
