@@ -115,7 +115,7 @@ TEST_P(GeometryRoutine, PlanesThatMeet) {
 
 TEST_P(GeometryRoutine, StaysInsideItsReach) {
     for (const int width : {7, 8, 9, 15, 16, 17, 24, 31, 32, 40, 63, 64, 65, 72, 127, 128, 129, 136})
-        for (const int height : {1, 2, 7, 8, 9, 16, 24, 32, 33, 40, 64, 72, 130}) {
+        for (const int height : {1, 2, 7, 8, 9, 16, 24, 32, 33, 40, 64, 72, 130, 256}) {
             const Geometry g = tight(width, height);
             expect_in_bounds(call_of(GetParam(), g), rooms_of(g), random.next(), [&] { return describe(g); });
             if (HasFailure()) return;

@@ -92,12 +92,12 @@ ZIV_INLINE void prefetch_around_tile(const Transposition& tile, ptrdiff_t x) {
 
 // Bands of source rows, each worked off in strips of 16 bytes down the band: a strip fills long runs of few destination rows,
 // and the band's lines stay in the second-level cache until their strips are done. Rows that are a power of two apart share
-// few places in it. The last tiles in either direction lie over the ones before.
+// few places in it, and fewer in the first level: where all destination rows can be, they are written in whole lines, as no
+// line would stay there to be filled in two steps. The last tiles in either direction, and the first ones before whole lines,
+// lie over others.
 template <int sample, int N>
 [[gnu::noinline]] inline void transpose_by_tiles(Transposition t, ptrdiff_t columns, ptrdiff_t rows) {
-    const ptrdiff_t band = t.src_pitch % 1024 == 0 ? 256 : 512;
-    for (ptrdiff_t y0 = 0; y0 < rows; y0 += band) {
-        const ptrdiff_t y_end = y0 + band < rows ? y0 + band : rows;
+    const auto transpose_strips = [&](ptrdiff_t y0, ptrdiff_t y_end) ZIV_INLINE_BODY {
         for (ptrdiff_t x0 = 0; x0 < columns; x0 += 16) {
             const ptrdiff_t x = x0 + 16 <= columns ? x0 : columns - 16;
             Transposition tile = part_at<sample>(t, x, y0);
@@ -110,7 +110,13 @@ template <int sample, int N>
             }
             if (y < y_end) transpose_tile<N, sample>(part_at<sample>(t, x, y_end - N));
         }
-    }
+    };
+    const ptrdiff_t band = t.src_pitch % 1024 == 0 ? 256 : 512;
+    const auto before_line = static_cast<ptrdiff_t>((0 - reinterpret_cast<uintptr_t>(t.dst)) % N);
+    const bool in_lines = t.dst_pitch % 256 == 0 && before_line % sample == 0 && before_line + N <= rows;
+    ptrdiff_t y0 = in_lines ? before_line : 0;
+    if (y0 != 0) transpose_strips(0, N);
+    for (; y0 < rows; y0 += band) transpose_strips(y0, y0 + band < rows ? y0 + band : rows);
 }
 
 // columns and rows are multiples of 8, and no two destination rows share a byte.
