@@ -257,6 +257,13 @@ ZIV_INLINE S16<N> weigh_pair_bytes(U8<N> pairs, int weight_a, int weight_b) {
            (S16<N>)odd_bytes<N>(pairs) * static_cast<int16_t>(weight_b);
 }
 
+// a * weight_a + b * weight_b of the signed bytes a, b of every lane; the weights are 0 or more, and 255 at most together.
+template <int N>
+ZIV_INLINE S16<N> weigh_signed_bytes(U8<N> pairs, int weight_a, int weight_b) {
+    const S16<N> both = (S16<N>)pairs;
+    return ((both << 8) >> 8) * static_cast<int16_t>(weight_a) + (both >> 8) * static_cast<int16_t>(weight_b);
+}
+
 // Which lanes are zero: so many bits of the result are set for each, the lowest for lane 0.
 template <int N>
 inline constexpr int zero_lane_bits = 1;
@@ -370,13 +377,6 @@ inline constexpr bool terms_by_bytes = true;
 #else
 inline constexpr bool terms_by_bytes = false;
 #endif
-
-// a * weight_a + b * weight_b of the signed bytes a, b of every lane; the weights are 0 or more, and 255 at most together.
-template <int N>
-ZIV_INLINE S16<N> weigh_signed_bytes(U8<N> pairs, int weight_a, int weight_b) {
-    const S16<N> both = (S16<N>)pairs;
-    return ((both << 8) >> 8) * static_cast<int16_t>(weight_a) + (both >> 8) * static_cast<int16_t>(weight_b);
-}
 
 // The signed bytes a, b of N / 2 pairs as 16-bit lanes, in an order that is the target's own, and products of these.
 template <int N>

@@ -111,6 +111,10 @@ ZIV_INLINE S16<16> weigh_pair_bytes<16>(U8<16> pairs, int weight_a, int weight_b
     const S16<16> weights = constant<16>((weight_a & 0xFF) | weight_b * 256);
     return (S16<16>)_mm_maddubs_epi16((__m128i)pairs, (__m128i)weights);
 }
+template <>
+ZIV_INLINE S16<16> weigh_signed_bytes<16>(U8<16> pairs, int weight_a, int weight_b) {
+    return (S16<16>)_mm_maddubs_epi16((__m128i)constant<16>(weight_a + 256 * weight_b), (__m128i)pairs);
+}
 
 template <>
 inline constexpr int zero_lane_bits<16> = 2;

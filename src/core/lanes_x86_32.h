@@ -111,6 +111,10 @@ ZIV_INLINE S16<32> weigh_pair_bytes<32>(U8<32> pairs, int weight_a, int weight_b
     const S16<32> weights = constant<32>((weight_a & 0xFF) | weight_b * 256);
     return (S16<32>)_mm256_maddubs_epi16((__m256i)pairs, (__m256i)weights);
 }
+template <>
+ZIV_INLINE S16<32> weigh_signed_bytes<32>(U8<32> pairs, int weight_a, int weight_b) {
+    return (S16<32>)_mm256_maddubs_epi16((__m256i)constant<32>(weight_a + 256 * weight_b), (__m256i)pairs);
+}
 
 template <>
 inline constexpr int zero_lane_bits<32> = 2;
