@@ -38,20 +38,48 @@ ZIV_INLINE Channels<16, 4> load4<16>(const uint8_t* p) {
     const uint8x16x4_t v = vld4q_u8(p);
     return {{(U8<16>)v.val[0], (U8<16>)v.val[1], (U8<16>)v.val[2], (U8<16>)v.val[3]}};
 }
+// Interleaving stores of computed vectors. GCC 12 often collects the registers of such a store in memory first; told their
+// places, it computes into them. Vectors that are only moved stay where they were loaded, and their stores count up addresses.
+#if defined(__GNUC__) && !defined(__clang__)
+ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b) {
+    register uint8x16_t v0 asm("v28") = a;
+    register uint8x16_t v1 asm("v29") = b;
+    asm("st2 {%1.16b, %2.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[32]>(p)) : "w"(v0), "w"(v1));
+}
+ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c) {
+    register uint8x16_t v0 asm("v28") = a;
+    register uint8x16_t v1 asm("v29") = b;
+    register uint8x16_t v2 asm("v30") = c;
+    asm("st3 {%1.16b, %2.16b, %3.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[48]>(p)) : "w"(v0), "w"(v1), "w"(v2));
+}
+ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c, uint8x16_t d) {
+    register uint8x16_t v0 asm("v28") = a;
+    register uint8x16_t v1 asm("v29") = b;
+    register uint8x16_t v2 asm("v30") = c;
+    register uint8x16_t v3 asm("v31") = d;
+    asm("st4 {%1.16b, %2.16b, %3.16b, %4.16b}, %0"
+        : "=Q"(*reinterpret_cast<uint8_t(*)[64]>(p))
+        : "w"(v0), "w"(v1), "w"(v2), "w"(v3));
+}
+#else
+ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b) { vst2q_u8(p, {{a, b}}); }
+ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c) { vst3q_u8(p, {{a, b, c}}); }
+ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c, uint8x16_t d) {
+    vst4q_u8(p, {{a, b, c, d}});
+}
+#endif
+
 template <>
 ZIV_INLINE void store2<16>(uint8_t* p, U8<16> a, U8<16> b) {
-    const uint8x16x2_t v = {{(uint8x16_t)a, (uint8x16_t)b}};
-    vst2q_u8(p, v);
+    vst2q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b}});
 }
 template <>
 ZIV_INLINE void store3<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c) {
-    const uint8x16x3_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}};
-    vst3q_u8(p, v);
+    store_in_turns(p, (uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c);
 }
 template <>
 ZIV_INLINE void store4<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c, U8<16> d) {
-    const uint8x16x4_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}};
-    vst4q_u8(p, v);
+    store_in_turns(p, (uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d);
 }
 
 ZIV_INLINE U8<16> add_saturating(U8<16> a, U8<16> b) { return (U8<16>)vqaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
@@ -229,8 +257,8 @@ struct PixelMove<16, in, from...> {
         Channels<16, in> v;
         if constexpr (in == 3) v = load3<16>(src);
         else v = load4<16>(src);
-        if constexpr (sizeof...(from) == 3) store3<16>(dst, channel<from>(v)...);
-        else store4<16>(dst, channel<from>(v)...);
+        if constexpr (sizeof...(from) == 3) vst3q_u8(dst, {{(uint8x16_t)channel<from>(v)...}});
+        else vst4q_u8(dst, {{(uint8x16_t)channel<from>(v)...}});
     }
 };
 
@@ -262,7 +290,7 @@ ZIV_INLINE Channels<16, 4> load_for_yuyv<16>(const uint8_t* luma, const uint8_t*
 }
 template <>
 ZIV_INLINE void store_yuyv<16>(uint8_t* p, const Channels<16, 4>& parts) {
-    store4<16>(p, parts.c[0], parts.c[1], parts.c[2], parts.c[3]);
+    vst4q_u8(p, {{(uint8x16_t)parts.c[0], (uint8x16_t)parts.c[1], (uint8x16_t)parts.c[2], (uint8x16_t)parts.c[3]}});
 }
 
 // One table for four vectors, where rev64 and ext are two instructions each.

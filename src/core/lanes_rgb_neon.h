@@ -144,8 +144,8 @@ ZIV_INLINE ChromaPairs<32> fractional_differences_q15(const Pixels<32, 3>& pixel
 
 template <bool c2_first>
 ZIV_INLINE void store_pairs(uint8_t* p, const ChromaPairs<32>& chroma) {
-    const uint8x16x2_t v = c2_first ? uint8x16x2_t{{chroma.c2, chroma.c0}} : uint8x16x2_t{{chroma.c0, chroma.c2}};
-    vst2q_u8(p, v);
+    const uint8x16_t first = c2_first ? chroma.c2 : chroma.c0, second = c2_first ? chroma.c0 : chroma.c2;
+    store_in_turns(p, first, second);
 }
 ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<32>& chroma) {
     vst1q_u8(p0, chroma.c0);
@@ -155,8 +155,8 @@ template <bool luma_first, bool c2_first>
 ZIV_INLINE void store_packed(uint8_t* p, const Luma<32>& luma, const ChromaPairs<32>& chroma) {
     const uint8x16_t even = vuzp1q_u8(luma.part[0], luma.part[1]), odd = vuzp2q_u8(luma.part[0], luma.part[1]);
     const uint8x16_t first = c2_first ? chroma.c2 : chroma.c0, second = c2_first ? chroma.c0 : chroma.c2;
-    const uint8x16x4_t v = luma_first ? uint8x16x4_t{{even, first, odd, second}} : uint8x16x4_t{{first, even, second, odd}};
-    vst4q_u8(p, v);
+    if constexpr (luma_first) store_in_turns(p, even, first, odd, second);
+    else store_in_turns(p, first, even, second, odd);
 }
 
 ZIV_INLINE uint8x8_t chroma_bytes(S16<16> v) { return veor_u8(vreinterpret_u8_s8(vqmovn_s16((int16x8_t)v)), vdup_n_u8(128)); }
