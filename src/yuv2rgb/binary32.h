@@ -15,15 +15,14 @@ namespace zivcolor::ZIVCOLOR_TARGET {
 inline constexpr float red_of_v = 1.402f, green_of_v = -0.714f, green_of_u = -0.344f, blue_of_u = 1.772f;
 
 // Either way of taking the terms has:
-//   Pairs, load                what it loads for N columns
-//   all_sound, terms           the terms of a step; if one of the 17 pairs is in it, `sound` is all_sound no longer
-//   unsound, bits, pair        the lanes of such pairs, so many bits for each, and the pair of a lane
+//   load                  the pairs of N columns
+//   terms, all_sound      their terms; the last argument, all_sound at first, changes if one of the 17 pairs is among them
+//   unsound, bits, pair   the lanes of such pairs, so many bits for each, and the pair of a lane
 
 // ---- By words: the 17 pairs, and 34 more, are known from their quotients ----
 
 template <int N>
 struct Binary32ByWords {
-    using Pairs = U8<N>;  // V U, arranged
     static constexpr uint64_t all_sound = 0;
     static constexpr int bits = zero_lane_bits<N>;
     static constexpr int pair(int lane) { return pair_in_lane<N, 4>(lane); }
@@ -63,7 +62,7 @@ private:
 
 // ---- By bytes: the 17 pairs are known from a table ----
 
-// Each as the word V U, in the place that bits 10 to 14 of the word number. 0 stands in no place of its own.
+// Each as the word V U, in the place that bits 10 to 14 of the word number. The other places hold 0, whose own is taken.
 struct UnsoundPairs {
     uint16_t word[32] = {};
     constexpr UnsoundPairs() {
@@ -80,7 +79,6 @@ inline constexpr UnsoundPairs unsound_pairs;
 
 template <int N>
 struct Binary32ByBytes {
-    using Pairs = U8<N>;  // V U
     static constexpr uint32_t all_sound = UINT32_MAX >> (32 - N / 2);
     static constexpr int bits = 1;
     static constexpr int pair(int lane) { return lane; }

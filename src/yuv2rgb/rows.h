@@ -15,8 +15,8 @@ ZIV_INLINE Chroma<N> centred_pairs(U8<N> pairs) {
     const S16<N> both = (S16<N>)pairs ^ constant<N>(0x8080 - 65536);
     const S16<N> first256 = both << 8, second256 = both & constant<N>(-256);
     const S16<N> first = first256 >> 8, second = both >> 8;
-    return order == PairOrder::uv ? Chroma<N>{first, second, first256, second256, pairs}
-                                  : Chroma<N>{second, first, second256, first256, pairs};
+    return order == PairOrder::uv ? Chroma<N>{first, second, first256, second256}
+                                  : Chroma<N>{second, first, second256, first256};
 }
 
 // Interleaved pairs of bytes.
@@ -42,7 +42,7 @@ struct PlanarChroma {
     ZIV_INLINE Chroma<N> load_at(ptrdiff_t j) const {
         const S16<N> u = (S16<N>)load_arranged<N, c>(u_row + (j >> 1)) - constant<N>(128),
                      v = (S16<N>)load_arranged<N, c>(v_row + (j >> 1)) - constant<N>(128);
-        return {u, v, u << 8, v << 8, U8<N>{}};
+        return {u, v, u << 8, v << 8};
     }
 };
 

@@ -6,12 +6,10 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
-// The chroma of N pixels in the order that pixel_terms takes, as it is and times 256: a set uses what suits its scale. Where it
-// came in pairs of bytes, these too.
+// The chroma of N pixels in the order that pixel_terms takes, as it is and times 256: a set uses what suits its scale.
 template <int N>
 struct Chroma {
     S16<N> u, v, u256, v256;
-    U8<N> pairs;
 };
 
 template <int N>
