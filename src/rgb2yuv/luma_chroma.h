@@ -26,6 +26,14 @@ ZIV_INLINE Pixel load_pixel(const uint8_t* p) {
     return {p[in.red], p[1], p[in.blue]};
 }
 
+// The pixels of C columns. What stands a few steps ahead, in this row or most likely in the next one, is asked for.
+template <PixelLayout in, int C>
+ZIV_INLINE auto load_columns(const uint8_t* src) {
+    const auto pixels = load_pixels<C, in.bytes>(src);
+    expect_reads<in.bytes * C>(src);
+    return pixels;
+}
+
 // Whether chroma from byte 2 comes before that from byte 0.
 enum class PairOrder { uv, vu };
 template <PixelLayout in, PairOrder order>

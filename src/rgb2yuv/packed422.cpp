@@ -20,7 +20,7 @@ int32_t rgb_to_packed422(const Image* srcImg, const Image* dstImg, uint32_t sour
         uint8_t* dst = row_at(dstImg->plane[0], i, dstImg->pitch[0]);
         for_column_steps(blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr PairOrder order = out.u < out.v ? PairOrder::uv : PairOrder::vu;
-            const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+            const auto pixels = load_columns<in, step.value>(src + in.bytes * j);
             const auto weighed = Set::template weigh<in>(pixels);
             const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
             store_packed<out.y0 == 0, c2_first<in, order>>(dst + 2 * j, Set::luma(weighed), chroma_pairs);

@@ -43,7 +43,7 @@ int32_t rgb_to_planar422(const Image* srcImg, const Image* dstImg, uint32_t sour
         uint8_t* dst_u = row_at(dstImg->plane[1], i, dstImg->pitch[1]);
         uint8_t* dst_v = row_at(dstImg->plane[2], i, dstImg->pitch[2]);
         for_column_pair_steps(blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-            const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+            const auto pixels = load_columns<in, step.value>(src + in.bytes * j);
             const auto weighed = ShortSet::weigh<in>(pixels);
             const auto chroma_pairs = ShortSet::chroma<in>(pixels, weighed);
             store_luma(dst_y + j, ShortSet::luma(weighed));
@@ -75,7 +75,7 @@ template <class Set, PixelLayout in>
 ZIV_INLINE void convert_line_packed_row(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t width) {
     const ptrdiff_t blocked = blocked_columns<16>(width);
     for_column_steps(blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+        const auto pixels = load_columns<in, step.value>(src + in.bytes * j);
         const auto weighed = Set::template weigh<in>(pixels);
         const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
         store_luma(luma + j, Set::luma(weighed));

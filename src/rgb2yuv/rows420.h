@@ -17,7 +17,7 @@ ZIV_INLINE void expect_luma(uint8_t* luma) {
 template <class Set, PixelLayout in>
 ZIV_INLINE void convert_luma_blocks(const uint8_t* src, uint8_t* luma, ptrdiff_t columns) {
     for_column_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+        const auto pixels = load_columns<in, step.value>(src + in.bytes * j);
         expect_luma<step.value>(luma + j);
         store_luma(luma + j, Set::luma(Set::template weigh<in>(pixels)));
     });
@@ -25,7 +25,7 @@ ZIV_INLINE void convert_luma_blocks(const uint8_t* src, uint8_t* luma, ptrdiff_t
 template <class Set, PixelLayout in, PairOrder order>
 ZIV_INLINE void convert_pair_blocks(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     for_column_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+        const auto pixels = load_columns<in, step.value>(src + in.bytes * j);
         expect_luma<step.value>(luma + j);
         const auto weighed = Set::template weigh<in>(pixels);
         const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
@@ -37,7 +37,7 @@ template <class Set, PixelLayout in>
 ZIV_INLINE void convert_plane_blocks(const uint8_t* src, uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t columns) {
     uint8_t *const plane0 = in.blue == 0 ? u : v, *const plane2 = in.blue == 0 ? v : u;
     for_column_pair_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        const auto pixels = load_pixels<step.value, in.bytes>(src + in.bytes * j);
+        const auto pixels = load_columns<in, step.value>(src + in.bytes * j);
         expect_luma<step.value>(luma + j);
         const auto weighed = Set::template weigh<in>(pixels);
         const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
