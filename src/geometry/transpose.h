@@ -79,15 +79,19 @@ ZIV_INLINE Transposition part_at(const Transposition& t, ptrdiff_t x, ptrdiff_t 
     return {t.src + y / sample * t.src_pitch + x, t.src_pitch, t.dst + x / sample * t.dst_pitch + y, t.dst_pitch};
 }
 
-// Asks for what the tiles to come will need: the next vector of each destination row, and, a few rows at a time while 256 bytes
-// of every source row are worked off, the next 256 bytes of them.
+// Asks for what the tiles to come will need: the next vector of each destination row, and, a few rows at a time while 128 bytes
+// of every source row are worked off, the next 128 bytes of them. Destination rows that all share their places in the first
+// level of the cache come no nearer than the second, as they would drive each other out.
 template <int N, int sample>
 ZIV_INLINE void prefetch_around_tile(const Transposition& tile, ptrdiff_t x) {
-    constexpr ptrdiff_t group = 256, rows = 16 * N / sample / group;
+    constexpr ptrdiff_t group = 128, rows = 16 * N / sample / group;
     const uint8_t* src = tile.src - x % group + group + x % group / 16 * rows * tile.src_pitch;
     for (ptrdiff_t r = 0; r < rows; r++)
         for (ptrdiff_t line = 0; line < group; line += 64) __builtin_prefetch(src + r * tile.src_pitch + line, 0, 2);
-    for (ptrdiff_t r = 0; r < 16 / sample; r++) __builtin_prefetch(tile.dst + r * tile.dst_pitch + N, 1);
+    const bool same_places = tile.dst_pitch % 4096 == 0;
+    for (ptrdiff_t r = 0; r < 16 / sample; r++)
+        if (same_places) __builtin_prefetch(tile.dst + r * tile.dst_pitch + N, 1, 2);
+        else __builtin_prefetch(tile.dst + r * tile.dst_pitch + N, 1);
 }
 
 // Bands of source rows, each worked off in strips of 16 bytes down the band: a strip fills long runs of few destination rows,
