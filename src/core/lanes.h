@@ -22,6 +22,7 @@ struct Lanes {
     typedef int16_t s16 __attribute__((vector_size(bytes)));
     typedef uint32_t u32 __attribute__((vector_size(bytes)));
     typedef int32_t s32 __attribute__((vector_size(bytes)));
+    typedef uint64_t u64 __attribute__((vector_size(bytes)));
     typedef float f32 __attribute__((vector_size(bytes)));
 };
 template <int bytes>
@@ -36,6 +37,8 @@ template <int bytes>
 using U32 = typename Lanes<bytes>::u32;
 template <int bytes>
 using S32 = typename Lanes<bytes>::s32;
+template <int bytes>
+using U64 = typename Lanes<bytes>::u64;
 template <int bytes>
 using F32 = typename Lanes<bytes>::f32;
 

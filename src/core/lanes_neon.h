@@ -293,6 +293,10 @@ ZIV_INLINE void store_yuyv<16>(uint8_t* p, const Channels<16, 4>& parts) {
     vst4q_u8(p, {{(uint8x16_t)parts.c[0], (uint8x16_t)parts.c[1], (uint8x16_t)parts.c[2], (uint8x16_t)parts.c[3]}});
 }
 
+template <>
+ZIV_INLINE U8<16> reverse_bytes<16>(U8<16> v) {
+    return __builtin_shufflevector(v, v, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+}
 // One table for four vectors, where rev64 and ext are two instructions each.
 template <>
 ZIV_INLINE U8<16> reverse_pairs<16>(U8<16> v) {

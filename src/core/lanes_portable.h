@@ -1,4 +1,6 @@
 // Every term of the lane vocabulary in plain lane arithmetic: its definition, and the code of targets that have nothing better.
+// Written for what every vector unit has: shifts, masks, minima, halves zipped, and bytes narrowed from 16-bit lanes. A term
+// that only wider vectors would need in another form is for 16 bytes.
 #pragma once
 
 #include "core/lanes.h"
@@ -29,64 +31,114 @@ ZIV_INLINE void expect_reads(const uint8_t*) {}
 template <int bytes>
 ZIV_INLINE void expect_writes_ahead(uint8_t*, ptrdiff_t) {}
 
+// ---- Rearrangements that the memory terms are made of ----
+
+// a0 b0 a1 b1 ... from the lower halves, or from the upper halves.
+template <int N>
+ZIV_INLINE U8<N> interleave_low(U8<N> a, U8<N> b) {
+    static_assert(N == 16);
+    return __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+}
+template <int N>
+ZIV_INLINE U8<N> interleave_high(U8<N> a, U8<N> b) {
+    static_assert(N == 16);
+    return __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
+}
+
+// From the concatenation of a and b the bytes 0, 2, 4, ... or 1, 3, 5, ...
+template <int N>
+ZIV_INLINE U8<N> even_lanes(U8<N> a, U8<N> b) {
+    static_assert(N == 16);
+    return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+}
+template <int N>
+ZIV_INLINE U8<N> odd_lanes(U8<N> a, U8<N> b) {
+    static_assert(N == 16);
+    return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31);
+}
+
+// The upper half in both halves.
+template <int N>
+ZIV_INLINE U8<N> double_upper_half(U8<N> v) {
+    static_assert(N == 16);
+    return (U8<N>)__builtin_shufflevector((U64<N>)v, (U64<N>)v, 1, 1);
+}
+
+// ---- Memory, rearranged ----
+
 // N / 2 bytes, zero-widened to 16-bit lanes.
 template <int N>
 ZIV_INLINE U16<N> load_widened(const uint8_t* p) {
-    uint8_t bytes[N / 2];
-    __builtin_memcpy(bytes, p, N / 2);
-    U16<N> v;
-    for (int i = 0; i < N / 2; i++) v[i] = bytes[i];
-    return v;
+    static_assert(N == 16);
+    uint64_t bytes;
+    __builtin_memcpy(&bytes, p, 8);
+    return (U16<N>)interleave_low<N>((U8<N>)U64<N>{bytes, 0}, U8<N>{});
 }
 
 // The low byte of every 16-bit lane: N / 2 bytes.
 template <int N>
 ZIV_INLINE void store_low_bytes(uint8_t* p, U16<N> v) {
-    uint8_t bytes[N / 2];
-    for (int i = 0; i < N / 2; i++) bytes[i] = static_cast<uint8_t>(v[i]);
-    __builtin_memcpy(p, bytes, N / 2);
+    static_assert(N == 16);
+    const uint64_t bytes = ((U64<N>)even_lanes<N>((U8<N>)v, (U8<N>)v))[0];
+    __builtin_memcpy(p, &bytes, 8);
 }
 
-// De-interleaving load: channel k, lane i takes the byte at offset c times i plus k.
-template <int N, int c>
-ZIV_INLINE Channels<N, c> load_channels_portable(const uint8_t* p) {
-    Channels<N, c> v;
-    for (int k = 0; k < c; k++)
-        for (int i = 0; i < N; i++) v.c[k][i] = p[c * i + k];
-    return v;
-}
+// De-interleaving load: channel k, lane i takes the byte at offset c times i plus k. Of c vectors side by side, zipping the
+// first half with the second moves byte i to 2 i, modulo the last byte's number; four times over it brings byte c i + k to 16 k
+// + i.
 template <int N>
 ZIV_INLINE Channels<N, 2> load2(const uint8_t* p) {
-    return load_channels_portable<N, 2>(p);
+    const U8<N> a = load<N>(p), b = load<N>(p + N);
+    return {{even_lanes<N>(a, b), odd_lanes<N>(a, b)}};
 }
 template <int N>
 ZIV_INLINE Channels<N, 3> load3(const uint8_t* p) {
-    return load_channels_portable<N, 3>(p);
+    static_assert(N == 16);
+    U8<N> a = load<N>(p), b = load<N>(p + 16), c = load<N>(p + 32);
+    for (int round = 0; round < 4; round++) {
+        const U8<N> first = interleave_low<N>(a, double_upper_half<N>(b)),
+                    second = interleave_low<N>(double_upper_half<N>(a), c);
+        c = interleave_low<N>(b, double_upper_half<N>(c));
+        a = first, b = second;
+    }
+    return {{a, b, c}};
 }
 template <int N>
 ZIV_INLINE Channels<N, 4> load4(const uint8_t* p) {
-    return load_channels_portable<N, 4>(p);
+    static_assert(N == 16);
+    U8<N> v[4] = {load<N>(p), load<N>(p + 16), load<N>(p + 32), load<N>(p + 48)};
+    for (int round = 0; round < 4; round++) {
+        const U8<N> a = v[0], b = v[1], c = v[2], d = v[3];
+        v[0] = interleave_low<N>(a, c), v[1] = interleave_high<N>(a, c);
+        v[2] = interleave_low<N>(b, d), v[3] = interleave_high<N>(b, d);
+    }
+    return {{v[0], v[1], v[2], v[3]}};
 }
 
-// Interleaving store: the inverse.
-template <int N, int c>
-ZIV_INLINE void store_channels_portable(uint8_t* p, const Channels<N, c>& v) {
-    uint8_t bytes[N * c];
-    for (int k = 0; k < c; k++)
-        for (int i = 0; i < N; i++) bytes[c * i + k] = v.c[k][i];
-    __builtin_memcpy(p, bytes, N * c);
-}
+// Interleaving store: the inverse. Three channels go the way of load3 back.
 template <int N>
 ZIV_INLINE void store2(uint8_t* p, U8<N> a, U8<N> b) {
-    store_channels_portable<N, 2>(p, {{a, b}});
+    store(p, interleave_low<N>(a, b));
+    store(p + N, interleave_high<N>(a, b));
 }
 template <int N>
 ZIV_INLINE void store3(uint8_t* p, U8<N> a, U8<N> b, U8<N> c) {
-    store_channels_portable<N, 3>(p, {{a, b, c}});
+    static_assert(N == 16);
+    for (int round = 0; round < 4; round++) {
+        const U8<N> first = even_lanes<N>(a, b), second = even_lanes<N>(c, (U8<N>)((U16<N>)a >> 8));
+        c = odd_lanes<N>(b, c);
+        a = first, b = second;
+    }
+    store(p, a);
+    store(p + 16, b);
+    store(p + 32, c);
 }
 template <int N>
 ZIV_INLINE void store4(uint8_t* p, U8<N> a, U8<N> b, U8<N> c, U8<N> d) {
-    store_channels_portable<N, 4>(p, {{a, b, c, d}});
+    const U8<N> ac_lo = interleave_low<N>(a, c), ac_hi = interleave_high<N>(a, c);
+    const U8<N> bd_lo = interleave_low<N>(b, d), bd_hi = interleave_high<N>(b, d);
+    store2<N>(p, ac_lo, bd_lo);
+    store2<N>(p + 2 * N, ac_hi, bd_hi);
 }
 
 // ---- Bytes ----
@@ -94,12 +146,12 @@ ZIV_INLINE void store4(uint8_t* p, U8<N> a, U8<N> b, U8<N> c, U8<N> d) {
 // min(a + b, 255), max(a - b, 0), (a + b + 1) >> 1
 template <class V>
 ZIV_INLINE V add_saturating(V a, V b) {
-    const V sum = a + b;
-    return sum | (V)(sum < a);
+    const V room = ~b;
+    return (a < room ? a : room) + b;
 }
 template <class V>
 ZIV_INLINE V subtract_saturating(V a, V b) {
-    return (a - b) & (V)(a > b);
+    return (a > b ? a : b) - b;
 }
 template <class V>
 ZIV_INLINE V average_up(V a, V b) {
@@ -154,51 +206,42 @@ ZIV_INLINE U8<N> double_bytes(U16<N> v) {
     return merge_bytes<N>(v, v);
 }
 
-// From the concatenation of a and b the bytes 0, 2, 4, ... or 1, 3, 5, ...
-template <int N>
-ZIV_INLINE U8<N> even_lanes(U8<N> a, U8<N> b) {
-    U8<N> r;
-    for (int i = 0; i < N / 2; i++) r[i] = a[2 * i], r[i + N / 2] = b[2 * i];
-    return r;
-}
-template <int N>
-ZIV_INLINE U8<N> odd_lanes(U8<N> a, U8<N> b) {
-    U8<N> r;
-    for (int i = 0; i < N / 2; i++) r[i] = a[2 * i + 1], r[i + N / 2] = b[2 * i + 1];
-    return r;
-}
-
-// a0 b0 a1 b1 ... from the lower halves, or from the upper halves.
-template <int N>
-ZIV_INLINE U8<N> interleave_low(U8<N> a, U8<N> b) {
-    U8<N> r;
-    for (int i = 0; i < N / 2; i++) r[2 * i] = a[i], r[2 * i + 1] = b[i];
-    return r;
-}
-template <int N>
-ZIV_INLINE U8<N> interleave_high(U8<N> a, U8<N> b) {
-    U8<N> r;
-    for (int i = 0; i < N / 2; i++) r[2 * i] = a[i + N / 2], r[2 * i + 1] = b[i + N / 2];
-    return r;
-}
-
 // ---- 16-bit lanes ----
 
-// The value in every lane, as a factor or summand of a block step.
+// op(x, y) of every lane of a and of b. GCC finds the instruction for it in loops, clang in what it made of them.
+template <class Lane, class V, class Op>
+ZIV_INLINE V lane_by_lane(V a, V b, Op op) {
+    constexpr int lanes = sizeof(V) / sizeof(Lane);
+    Lane x[lanes], y[lanes], r[lanes];
+    __builtin_memcpy(x, &a, sizeof a);
+    __builtin_memcpy(y, &b, sizeof b);
+#if !defined(__clang__)
+#pragma GCC unroll 1
+#endif
+    for (int i = 0; i < lanes; i++) r[i] = static_cast<Lane>(op(x[i], y[i]));
+    __builtin_memcpy(&a, r, sizeof a);
+    return a;
+}
+
+// The value in every lane, as a factor or summand of a block step. Hidden from the compiler, which would make chains of shifts
+// and additions of products.
 template <int N>
 ZIV_INLINE S16<N> constant(int value) {
+    asm("" : "+r"(value));
     return S16<N>{} + static_cast<int16_t>(value);
 }
 
-// clamp(x, 0, 255) of lo, then of hi.
+// clamp(x, 0, 255)
+template <int N>
+ZIV_INLINE S16<N> clamp_lanes(S16<N> v) {
+    const S16<N> least{}, most = S16<N>{} + int16_t{255};
+    v = v < least ? least : v;
+    return v > most ? most : v;
+}
+// The same of lo, then of hi, as bytes.
 template <int N>
 ZIV_INLINE U8<N> narrow_saturating(S16<N> lo, S16<N> hi) {
-    U8<N> r;
-    for (int i = 0; i < N / 2; i++) {
-        r[i] = static_cast<uint8_t>(lo[i] < 0 ? 0 : lo[i] > 255 ? 255 : lo[i]);
-        r[i + N / 2] = static_cast<uint8_t>(hi[i] < 0 ? 0 : hi[i] > 255 ? 255 : hi[i]);
-    }
-    return r;
+    return even_lanes<N>((U8<N>)clamp_lanes<N>(lo), (U8<N>)clamp_lanes<N>(hi));
 }
 
 // N bytes as 16-bit lanes in two vectors, in an order that is the target's own: arithmetic lane by lane does not see it, and
@@ -209,45 +252,37 @@ struct Wide {
 };
 template <int N>
 ZIV_INLINE Wide<N> widen(U8<N> v) {
-    Wide<N> r;
-    for (int i = 0; i < N / 2; i++) r.lo[i] = v[i], r.hi[i] = v[i + N / 2];
-    return r;
+    return {(U16<N>)interleave_low<N>(v, U8<N>{}), (U16<N>)interleave_high<N>(v, U8<N>{})};
 }
 template <int N>
 ZIV_INLINE U8<N> narrow(Wide<N> v) {
     return narrow_saturating<N>((S16<N>)v.lo, (S16<N>)v.hi);
 }
 
-// (a * b + 2^14) >> 15, the rounding high multiply; not both -32768.
+// (a * b) >> 16; not both -32768.
+template <int N>
+ZIV_INLINE S16<N> multiply_high(S16<N> a, S16<N> b) {
+    return lane_by_lane<int16_t>(a, b, [](int x, int y) { return (x * y) >> 16; });
+}
+
+// (a * b + 2^14) >> 15, the rounding high multiply; not both -32768. Twice the upper half of the product, and the upper two
+// bits of the lower half rounded to one.
 template <int N>
 ZIV_INLINE S16<N> multiply_round_high(S16<N> a, S16<N> b) {
-    S16<N> r;
-    for (int i = 0; i < N / 2; i++) r[i] = static_cast<int16_t>((a[i] * b[i] + 0x4000) >> 15);
-    return r;
+    const U16<N> upper = (U16<N>)multiply_high<N>(a, b), lower = (U16<N>)a * (U16<N>)b;
+    return (S16<N>)(upper + upper + (((lower >> 14) + 1) >> 1));
 }
 
 // (a * weight) >> 15; |weight| < 2^14.
 template <int N>
 ZIV_INLINE S16<N> multiply_q15(S16<N> a, int weight) {
-    S16<N> r;
-    for (int i = 0; i < N / 2; i++) r[i] = static_cast<int16_t>((a[i] * weight) >> 15);
-    return r;
-}
-
-// (a * b) >> 16; not both -32768.
-template <int N>
-ZIV_INLINE S16<N> multiply_high(S16<N> a, S16<N> b) {
-    S16<N> r;
-    for (int i = 0; i < N / 2; i++) r[i] = static_cast<int16_t>((a[i] * b[i]) >> 16);
-    return r;
+    return multiply_high<N>(a, constant<N>(2 * weight));
 }
 
 // (a * weight_a + b * weight_b + 2^14) >> 15, which must fit 16 bits; the sum must fit 32.
 template <int N>
 ZIV_INLINE S16<N> weigh_pair_q15(S16<N> a, S16<N> b, int weight_a, int weight_b) {
-    S16<N> r;
-    for (int i = 0; i < N / 2; i++) r[i] = static_cast<int16_t>((a[i] * weight_a + b[i] * weight_b + 0x4000) >> 15);
-    return r;
+    return lane_by_lane<int16_t>(a, b, [=](int x, int y) { return (x * weight_a + y * weight_b + 0x4000) >> 15; });
 }
 
 // a * weight_a + b * weight_b of the bytes a, b of every lane, which must fit 16 bits; the weights fit a signed byte.
@@ -266,9 +301,13 @@ ZIV_INLINE S16<N> weigh_signed_bytes(U8<N> pairs, int weight_a, int weight_b) {
 
 // Which lanes are zero: so many bits of the result are set for each, the lowest for lane 0.
 template <int N>
-inline constexpr int zero_lane_bits = 1;
+inline constexpr int zero_lane_bits = N == 16 ? 8 : 1;
 template <int N>
 ZIV_INLINE uint64_t zero_lanes(U16<N> v) {
+    if constexpr (N == 16) {
+        const U8<N> zero = (U8<N>)(v == 0);
+        return ((U64<N>)even_lanes<N>(zero, zero))[0];
+    }
     uint64_t lanes = 0;
     for (int i = 0; i < N / 2; i++) lanes |= static_cast<uint64_t>(v[i] == 0) << i;
     return lanes;
@@ -309,24 +348,28 @@ ZIV_INLINE Packed422<N> load_packed422(const uint8_t* p) {
     return {{v.c[0]}, arrange_pairs<N, c>(v.c[1])};
 }
 
-// The terms of three channels, made once for the pixels of one or two rows.
+// The terms of three channels, made once for the pixels of one or two rows: clamp(Y + d, 0, 255) is clamp(Y, least, most) + d
+// with least = max(-d, 0) and most = min(255 - d, 255), in bytes that wrap.
 template <int N>
 struct PixelTerms3 {
-    U8<N> up[3], down[3];
+    U8<N> least[3], most[3], d[3];
 };
 template <int N>
 ZIV_INLINE PixelTerms3<N> pixel_terms(S16<N> d0, S16<N> d1, S16<N> d2) {
-    const S16<N> d[3] = {d0, d1, d2};
+    const S16<N> d[3] = {d0, d1, d2}, zero{};
     PixelTerms3<N> terms;
     for (int k = 0; k < 3; k++) {
-        terms.up[k] = double_bytes<N>((U16<N>)(d[k] > 0 ? d[k] : 0));
-        terms.down[k] = double_bytes<N>((U16<N>)(d[k] < 0 ? -d[k] : 0));
+        const S16<N> down = -d[k];
+        const S16<N> least = down > zero ? down : zero, up = least + d[k];
+        terms.least[k] = double_bytes<N>((U16<N>)least);
+        terms.most[k] = ~double_bytes<N>((U16<N>)up);
+        terms.d[k] = double_bytes<N>((U16<N>)d[k] & 0xFF);
     }
     return terms;
 }
 template <int N>
 ZIV_INLINE U8<N> apply_term(U8<N> luma, const PixelTerms3<N>& terms, int k) {
-    return subtract_saturating(add_saturating(luma, terms.up[k]), terms.down[k]);
+    return lane_max(lane_min(luma, terms.most[k]), terms.least[k]) + terms.d[k];
 }
 
 // Writes N pixels of three interleaved channels.
@@ -478,9 +521,7 @@ ZIV_INLINE V select(V mask, V a, V b) {
 // (a * b) >> 16
 template <int N>
 ZIV_INLINE U16<N> multiply_high_unsigned(U16<N> a, U16<N> b) {
-    U16<N> r;
-    for (int i = 0; i < N / 2; i++) r[i] = static_cast<uint16_t>((uint32_t{a[i]} * b[i]) >> 16);
-    return r;
+    return lane_by_lane<uint16_t>(a, b, [](uint32_t x, uint32_t y) { return (x * y) >> 16; });
 }
 
 // low + 256 * high, and weight * (a - b) for weights up to 127, both lane by lane in the order of widen().
@@ -499,14 +540,12 @@ ZIV_INLINE Wide<N> widen_difference(U8<N> a, U8<N> b, uint8_t weight) {
 // which is more than binary32 rounds by, in whatever direction: its quotient truncates to the exact one.
 template <int N>
 ZIV_INLINE Wide<N> reciprocals(U8<N> divisors) {
-    Wide<N> r = widen<N>(divisors);
-    for (int i = 0; i < N / 2; i++) {
-        const int lo = static_cast<int>(65536.0f / static_cast<float>(r.lo[i] | (r.lo[i] == 0)));
-        const int hi = static_cast<int>(65536.0f / static_cast<float>(r.hi[i] | (r.hi[i] == 0)));
-        r.lo[i] = static_cast<uint16_t>(lo > 65535 ? 65535 : lo);
-        r.hi[i] = static_cast<uint16_t>(hi > 65535 ? 65535 : hi);
-    }
-    return r;
+    const auto reciprocal = [](uint16_t i, uint16_t) {
+        const int quotient = static_cast<int>(65536.0f / static_cast<float>(i | (i == 0)));
+        return quotient > 65535 ? 65535 : quotient;
+    };
+    const Wide<N> v = widen<N>(divisors);
+    return {lane_by_lane<uint16_t>(v.lo, v.lo, reciprocal), lane_by_lane<uint16_t>(v.hi, v.hi, reciprocal)};
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -10,9 +10,11 @@ namespace zivcolor::ZIVCOLOR_TARGET {
 // N lanes of which the last is 0: reads N - 1 bytes.
 template <int N>
 ZIV_INLINE U8<N> load_but_last(const uint8_t* p) {
-    U8<N> v{};
-    __builtin_memcpy(&v, p, N - 1);
-    return v;
+    static_assert(N == 16);
+    uint64_t first, last;
+    __builtin_memcpy(&first, p, 8);
+    __builtin_memcpy(&last, p + 7, 8);
+    return (U8<N>)U64<N>{first, last >> 8};
 }
 
 // The two bytes of every pair exchanged.
@@ -50,10 +52,12 @@ template <int N, int in, int... from>
 struct PixelMove {
     ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
         constexpr int out = sizeof...(from), place[out] = {from...};
-        uint8_t bytes[N * out];
-        for (int i = 0; i < N; i++)
-            for (int k = 0; k < out; k++) bytes[out * i + k] = place[k] == ones ? 255 : src[in * i + place[k]];
-        __builtin_memcpy(dst, bytes, N * out);
+        Channels<N, in> v;
+        if constexpr (in == 3) v = load3<N>(src);
+        else v = load4<N>(src);
+        const auto channel = [&](int place) ZIV_INLINE_BODY { return place == ones ? U8<N>{} + uint8_t{255} : v.c[place]; };
+        if constexpr (out == 3) store3<N>(dst, channel(place[0]), channel(place[1]), channel(place[2]));
+        else store4<N>(dst, channel(place[0]), channel(place[1]), channel(place[2]), channel(place[3]));
     }
 };
 template <int N, int in, int... from>
@@ -107,8 +111,8 @@ ZIV_INLINE void copy_four(uint8_t* dst, const uint8_t* src) {
 // Y0 U Y1 V: 2 N luma samples with N samples of each chroma plane, which wait in an order of the target's own.
 template <int N>
 ZIV_INLINE Channels<N, 4> load_for_yuyv(const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
-    return {{load<N>(luma), load<N>(luma + N), merge_bytes<N>(load_widened<N>(u), load_widened<N>(v)),
-             merge_bytes<N>(load_widened<N>(u + N / 2), load_widened<N>(v + N / 2))}};
+    const U8<N> u_bytes = load<N>(u), v_bytes = load<N>(v);
+    return {{load<N>(luma), load<N>(luma + N), interleave_low<N>(u_bytes, v_bytes), interleave_high<N>(u_bytes, v_bytes)}};
 }
 template <int N>
 ZIV_INLINE void store_yuyv(uint8_t* p, const Channels<N, 4>& parts) {
@@ -153,16 +157,16 @@ ZIV_INLINE U8<16> zip_pair_parts_high<16>(U8<16> a, U8<16> b) {
     return (U8<16>)__builtin_shufflevector((U16<16>)a, (U16<16>)b, 4, 12, 5, 13, 6, 14, 7, 15);
 }
 
-// The bytes, or the pairs of bytes, from the last to the first.
-template <int N>
-ZIV_INLINE U8<N> reverse_bytes(U8<N> v) {
-    static_assert(N == 16);
-    return __builtin_shufflevector(v, v, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
-}
+// The pairs of bytes, or the bytes, from the last to the first.
 template <int N>
 ZIV_INLINE U8<N> reverse_pairs(U8<N> v) {
     static_assert(N == 16);
-    return (U8<N>)__builtin_shufflevector((U16<N>)v, (U16<N>)v, 7, 6, 5, 4, 3, 2, 1, 0);
+    const U64<N> halves = __builtin_shufflevector((U64<N>)v, (U64<N>)v, 1, 0);
+    return (U8<N>)__builtin_shufflevector((U16<N>)halves, (U16<N>)halves, 3, 2, 1, 0, 7, 6, 5, 4);
+}
+template <int N>
+ZIV_INLINE U8<N> reverse_bytes(U8<N> v) {
+    return swap_pairs<N>(reverse_pairs<N>(v));
 }
 
 // ---- Pairs of chroma samples made fewer or more ----

@@ -59,22 +59,14 @@ ZIV_INLINE U8<16> narrow_even_lanes(S32<16> a, S32<16> b) {
 ZIV_INLINE U8<16> even_quads(U8<16> a, U8<16> b) { return (U8<16>)vuzp1q_u32((uint32x4_t)a, (uint32x4_t)b); }
 #else
 template <int N>
-ZIV_INLINE U8<N> narrow_lanes(S32<N> a, S32<N> b, S32<N> c, S32<N> d) {
-    const S32<N> v[4] = {a, b, c, d};
-    U8<N> r;
-    for (int i = 0; i < N; i++) r[i] = static_cast<uint8_t>(v[i / (N / 4)][i % (N / 4)]);
-    return r;
+ZIV_INLINE U8<16> narrow_lanes(S32<16> a, S32<16> b, S32<16> c, S32<16> d) {
+    return even_lanes<16>(even_lanes<16>((U8<16>)a, (U8<16>)b), even_lanes<16>((U8<16>)c, (U8<16>)d));
 }
 template <int N>
-ZIV_INLINE U8<N> narrow_even_lanes(S32<N> a, S32<N> b) {
-    U16<N> r;
-    for (int i = 0; i < N / 4; i++) r[i] = static_cast<uint16_t>(a[i]), r[i + N / 4] = static_cast<uint16_t>(b[i]);
-    return (U8<N>)r;
+ZIV_INLINE U8<16> narrow_even_lanes(S32<16> a, S32<16> b) {
+    return (U8<16>)__builtin_shufflevector((U16<16>)a, (U16<16>)b, 0, 2, 4, 6, 8, 10, 12, 14);
 }
-ZIV_INLINE U8<16> even_quads(U8<16> a, U8<16> b) {
-    const U32<16> a4 = (U32<16>)a, b4 = (U32<16>)b, r = {a4[0], a4[2], b4[0], b4[2]};
-    return (U8<16>)r;
-}
+ZIV_INLINE U8<16> even_quads(U8<16> a, U8<16> b) { return (U8<16>)__builtin_shufflevector((U32<16>)a, (U32<16>)b, 0, 2, 4, 6); }
 #endif
 
 // ---- Weighted sums ----

@@ -455,6 +455,17 @@ struct PixelPack565<16, high, low> {
     }
 };
 
+// ---- Turning and mirroring ----
+
+template <>
+ZIV_INLINE U8<16> reverse_bytes<16>(U8<16> v) {
+    return __builtin_shufflevector(v, v, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+}
+template <>
+ZIV_INLINE U8<16> reverse_pairs<16>(U8<16> v) {
+    return (U8<16>)__builtin_shufflevector((U16<16>)v, (U16<16>)v, 7, 6, 5, 4, 3, 2, 1, 0);
+}
+
 // ---- Pairs of chroma samples made fewer or more ----
 
 // The sums of neighbouring samples of a channel, as 16-bit lanes: first, second, first, second ...
