@@ -172,9 +172,17 @@ ZIV_INLINE PixelTerms3<16> pixel_terms<16>(S16<16> d0, S16<16> d1, S16<16> d2) {
     }
     return r;
 }
-template <>
-ZIV_INLINE U8<16> apply_term<16>(U8<16> luma, const PixelTerms3<16>& terms, int k) {
+ZIV_INLINE U8<16> apply_term(U8<16> luma, const PixelTerms3<16>& terms, int k) {
     return (U8<16>)vsqaddq_u8(vsqaddq_u8((uint8x16_t)luma, terms.floor_half[k]), terms.ceil_half[k]);
+}
+template <>
+ZIV_INLINE void store_pixels<16>(uint8_t* p, U8<16> luma, const PixelTerms3<16>& terms) {
+    store3<16>(p, apply_term(luma, terms, 0), apply_term(luma, terms, 1), apply_term(luma, terms, 2));
+}
+template <>
+ZIV_INLINE void store_pixels<16>(uint8_t* p, U8<16> luma, const PixelTerms4<16>& terms) {
+    const PixelTerms3<16>& colour = terms.colour;
+    store4<16>(p, apply_term(luma, colour, 0), apply_term(luma, colour, 1), apply_term(luma, colour, 2), terms.alpha);
 }
 
 // ---- Repacking of chroma ----
@@ -192,9 +200,17 @@ ZIV_INLINE U8<16> even_pairs<16>(U8<16> a, U8<16> b) {
     return (U8<16>)vtrn1q_u8((uint8x16_t)a, (uint8x16_t)b);
 }
 template <>
+struct PackedChroma<16> {
+    U8<16> u, v;
+};
+template <>
 ZIV_INLINE PackedChroma<16> packed_chroma<16>(U8<16> pairs) {
     const uint8x16_t p = (uint8x16_t)pairs;
     return {(U8<16>)vtrn2q_u8(p, p), (U8<16>)vtrn1q_u8(p, p)};
+}
+template <>
+ZIV_INLINE void store_packed<16>(uint8_t* p, U8<16> luma, const PackedChroma<16>& chroma) {
+    store3<16>(p, luma, chroma.u, chroma.v);
 }
 
 // ---- Selection and quotients ----

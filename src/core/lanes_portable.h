@@ -115,7 +115,59 @@ ZIV_INLINE Channels<N, 4> load4(const uint8_t* p) {
     return {{v[0], v[1], v[2], v[3]}};
 }
 
-// Interleaving store: the inverse. Three channels go the way of load3 back.
+// The lower six bytes of 64-bit lanes side by side; the others are zero. What is stored of those is overwritten by the next lane.
+template <int N>
+ZIV_INLINE void store_six_bytes(uint8_t* p, U64<N> a, U64<N> b, U64<N> c, U64<N> d) {
+    static_assert(N == 16);
+    const uint64_t lanes[8] = {a[0], a[1], b[0], b[1], c[0], c[1], d[0], d[1]};
+    for (int i = 0; i < 7; i++) __builtin_memcpy(p + 6 * i, &lanes[i], 8);
+    const uint64_t last = lanes[6] >> 32 | lanes[7] << 16;
+    __builtin_memcpy(p + 40, &last, 8);
+}
+
+// Pixels of every other column: bytes 0 and 1 of each in a lane of `first`, bytes 2 and 3 in a lane of `last`.
+template <int N>
+struct PixelLanes {
+    U16<N> first, last;
+};
+// These pixels as 32-bit lanes: half of the columns in each of two vectors.
+template <int N>
+struct Quads {
+    U32<N> lo, hi;
+};
+template <int N>
+ZIV_INLINE Quads<N> join_lanes(const PixelLanes<N>& v) {
+    static_assert(N == 16);
+    return {(U32<N>)__builtin_shufflevector(v.first, v.last, 0, 8, 1, 9, 2, 10, 3, 11),
+            (U32<N>)__builtin_shufflevector(v.first, v.last, 4, 12, 5, 13, 6, 14, 7, 15)};
+}
+// a0 b0 a1 b1 ... of 32-bit lanes.
+template <int N>
+ZIV_INLINE Quads<N> interleave_quads(U32<N> a, U32<N> b) {
+    static_assert(N == 16);
+    return {__builtin_shufflevector(a, b, 0, 4, 1, 5), __builtin_shufflevector(a, b, 2, 6, 3, 7)};
+}
+
+// Writes the pixels of N columns, of four bytes.
+template <int N>
+ZIV_INLINE void store_columns4(uint8_t* p, const PixelLanes<N>& even, const PixelLanes<N>& odd) {
+    const Quads<N> e = join_lanes<N>(even), o = join_lanes<N>(odd);
+    const Quads<N> first = interleave_quads<N>(e.lo, o.lo), last = interleave_quads<N>(e.hi, o.hi);
+    store(p, first.lo);
+    store(p + N, first.hi);
+    store(p + 2 * N, last.lo);
+    store(p + 3 * N, last.hi);
+}
+// The same of three bytes, where byte 3 is zero: a pair of pixels fills six bytes of a 64-bit lane.
+template <int N>
+ZIV_INLINE void store_columns3(uint8_t* p, const PixelLanes<N>& even, const PixelLanes<N>& odd) {
+    const Quads<N> e = join_lanes<N>(even), o = join_lanes<N>(odd);
+    const Quads<N> first = interleave_quads<N>(e.lo | o.lo << 24, o.lo >> 8);
+    const Quads<N> last = interleave_quads<N>(e.hi | o.hi << 24, o.hi >> 8);
+    store_six_bytes<N>(p, (U64<N>)first.lo, (U64<N>)first.hi, (U64<N>)last.lo, (U64<N>)last.hi);
+}
+
+// Interleaving store: the inverse.
 template <int N>
 ZIV_INLINE void store2(uint8_t* p, U8<N> a, U8<N> b) {
     store(p, interleave_low<N>(a, b));
@@ -123,15 +175,8 @@ ZIV_INLINE void store2(uint8_t* p, U8<N> a, U8<N> b) {
 }
 template <int N>
 ZIV_INLINE void store3(uint8_t* p, U8<N> a, U8<N> b, U8<N> c) {
-    static_assert(N == 16);
-    for (int round = 0; round < 4; round++) {
-        const U8<N> first = even_lanes<N>(a, b), second = even_lanes<N>(c, (U8<N>)((U16<N>)a >> 8));
-        c = odd_lanes<N>(b, c);
-        a = first, b = second;
-    }
-    store(p, a);
-    store(p + 16, b);
-    store(p + 32, c);
+    const U16<N> a2 = (U16<N>)a, b2 = (U16<N>)b, c2 = (U16<N>)c;
+    store_columns3<N>(p, {(a2 & 0xFF) | b2 << 8, c2 & 0xFF}, {a2 >> 8 | (b2 & 0xFF00), c2 >> 8});
 }
 template <int N>
 ZIV_INLINE void store4(uint8_t* p, U8<N> a, U8<N> b, U8<N> c, U8<N> d) {
@@ -348,34 +393,26 @@ ZIV_INLINE Packed422<N> load_packed422(const uint8_t* p) {
     return {{v.c[0]}, arrange_pairs<N, c>(v.c[1])};
 }
 
-// The terms of three channels, made once for the pixels of one or two rows: clamp(Y + d, 0, 255) is clamp(Y, least, most) + d
-// with least = max(-d, 0) and most = min(255 - d, 255), in bytes that wrap.
+// The terms of three channels, made once for the pixels of one or two rows.
 template <int N>
 struct PixelTerms3 {
-    U8<N> least[3], most[3], d[3];
+    S16<N> d[3];
 };
 template <int N>
 ZIV_INLINE PixelTerms3<N> pixel_terms(S16<N> d0, S16<N> d1, S16<N> d2) {
-    const S16<N> d[3] = {d0, d1, d2}, zero{};
-    PixelTerms3<N> terms;
-    for (int k = 0; k < 3; k++) {
-        const S16<N> down = -d[k];
-        const S16<N> least = down > zero ? down : zero, up = least + d[k];
-        terms.least[k] = double_bytes<N>((U16<N>)least);
-        terms.most[k] = ~double_bytes<N>((U16<N>)up);
-        terms.d[k] = double_bytes<N>((U16<N>)d[k] & 0xFF);
-    }
-    return terms;
+    return {{d0, d1, d2}};
 }
+// The pixels of every other column from their luma; byte 3 is zero.
 template <int N>
-ZIV_INLINE U8<N> apply_term(U8<N> luma, const PixelTerms3<N>& terms, int k) {
-    return lane_max(lane_min(luma, terms.most[k]), terms.least[k]) + terms.d[k];
+ZIV_INLINE PixelLanes<N> apply_terms(U16<N> luma, const PixelTerms3<N>& terms) {
+    const auto channel = [&](int k) ZIV_INLINE_BODY { return (U16<N>)clamp_lanes<N>((S16<N>)luma + terms.d[k]); };
+    return {channel(0) | channel(1) << 8, channel(2)};
 }
 
 // Writes N pixels of three interleaved channels.
 template <int N>
 ZIV_INLINE void store_pixels(uint8_t* p, U8<N> luma, const PixelTerms3<N>& terms) {
-    store3<N>(p, apply_term<N>(luma, terms, 0), apply_term<N>(luma, terms, 1), apply_term<N>(luma, terms, 2));
+    store_columns3<N>(p, apply_terms<N>(even_bytes<N>(luma), terms), apply_terms<N>(odd_bytes<N>(luma), terms));
 }
 
 // The same with a constant fourth channel.
@@ -390,8 +427,11 @@ ZIV_INLINE PixelTerms4<N> pixel_terms(S16<N> d0, S16<N> d1, S16<N> d2, uint8_t a
 }
 template <int N>
 ZIV_INLINE void store_pixels(uint8_t* p, U8<N> luma, const PixelTerms4<N>& terms) {
-    store4<N>(p, apply_term<N>(luma, terms.colour, 0), apply_term<N>(luma, terms.colour, 1),
-              apply_term<N>(luma, terms.colour, 2), terms.alpha);
+    PixelLanes<N> even = apply_terms<N>(even_bytes<N>(luma), terms.colour);
+    PixelLanes<N> odd = apply_terms<N>(odd_bytes<N>(luma), terms.colour);
+    const U16<N> alpha = (U16<N>)terms.alpha & 0xFF00;
+    even.last |= alpha, odd.last |= alpha;
+    store_columns4<N>(p, even, odd);
 }
 
 // The same from packed luma, and from luma in memory, all of which is read first.

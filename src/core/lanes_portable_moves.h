@@ -33,18 +33,73 @@ ZIV_INLINE U8<N> even_pairs(U8<N> a, U8<N> b) {
 // N / 2 pairs V U laid out as the chroma of N packed Y U V pixels, made once for one or two rows.
 template <int N>
 struct PackedChroma {
-    U8<N> u, v;
+    U16<N> u256, v;
 };
 template <int N>
 ZIV_INLINE PackedChroma<N> packed_chroma(U8<N> pairs) {
-    return {double_bytes<N>(odd_bytes<N>(pairs)), double_bytes<N>(even_bytes<N>(pairs))};
+    return {(U16<N>)pairs & 0xFF00, even_bytes<N>(pairs)};
 }
 template <int N>
 ZIV_INLINE void store_packed(uint8_t* p, U8<N> luma, const PackedChroma<N>& chroma) {
-    store3<N>(p, luma, chroma.u, chroma.v);
+    store_columns3<N>(p, {even_bytes<N>(luma) | chroma.u256, chroma.v}, {odd_bytes<N>(luma) | chroma.u256, chroma.v});
 }
 
 // ---- Whole pixels moved from one byte layout to another. All N pixels are read before the first is written. ----
+
+// Byte 0 and byte 2 of three exchanged: every byte stays or comes from two places on or back.
+template <int N, int k>
+ZIV_INLINE U8<N> every_third_byte() {
+    return load<N>(byte_table<N>([](int n) { return n % 3 == k ? 255 : 0; }));
+}
+template <int N>
+ZIV_INLINE void reverse_pixels3(uint8_t* dst, const uint8_t* src) {
+    static_assert(N == 16);
+    const U8<N> third[3] = {every_third_byte<N, 0>(), every_third_byte<N, 1>(), every_third_byte<N, 2>()}, zero{};
+    const U8<N> first = load<N>(src), middle = load<N>(src + 16), last = load<N>(src + 32);
+    const U8<N> before_first = __builtin_shufflevector(zero, first, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29);
+    const U8<N> behind_last = __builtin_shufflevector(last, zero, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17);
+    const U8<N> behind_first = load<N>(src + 2), before_middle = load<N>(src + 14), behind_middle = load<N>(src + 18);
+    const U8<N> before_last = load<N>(src + 30);
+    store(dst, (first & third[1]) | (behind_first & third[0]) | (before_first & third[2]));
+    store(dst + 16, (middle & third[0]) | (behind_middle & third[2]) | (before_middle & third[1]));
+    store(dst + 32, (last & third[2]) | (behind_last & third[1]) | (before_last & third[0]));
+}
+
+// The bytes 0 and 2, or 1 and 3, of 32-bit lanes exchanged, and of the others those in `kept`.
+template <int N>
+ZIV_INLINE U32<N> exchange_bytes(U32<N> v, uint32_t exchanged, uint32_t kept) {
+    const U32<N> words = v & exchanged;
+    return (words << 16) | (words >> 16) | (v & kept);
+}
+
+// The bytes 2, 1 and 0 of four.
+template <int N>
+ZIV_INLINE void reverse_pixels4_to_3(uint8_t* dst, const uint8_t* src) {
+    U64<N> pairs[4];
+    for (int i = 0; i < 4; i++) {
+        const U64<N> v = (U64<N>)exchange_bytes<N>((U32<N>)load<N>(src + N * i), 0x00FF00FF, 0x0000FF00);
+        pairs[i] = (v & 0xFFFFFF) | ((v >> 8) & 0xFFFFFF000000);
+    }
+    store_six_bytes<N>(dst, pairs[0], pairs[1], pairs[2], pairs[3]);
+}
+
+// A byte of 255, and the bytes of three in their order or in the other one.
+template <int N, bool reversed>
+ZIV_INLINE void prefix_pixels3(uint8_t* dst, const uint8_t* src) {
+    static_assert(N == 16);
+    uint64_t lanes[8];
+    for (int i = 0; i < 7; i++) __builtin_memcpy(&lanes[i], src + 6 * i, 8);
+    __builtin_memcpy(&lanes[7], src + 40, 8);
+    lanes[7] >>= 16;
+    U32<N> quads[4];
+    for (int i = 0; i < 4; i++) {
+        const U64<N> v = {lanes[2 * i], lanes[2 * i + 1]};
+        quads[i] = (U32<N>)(((v << 8) & 0xFFFFFF00) | ((v << 16) & 0xFFFFFF0000000000));
+        if (reversed) quads[i] = exchange_bytes<N>(quads[i], 0xFF00FF00, 0x00FF0000);
+        quads[i] |= 0xFF;
+    }
+    for (int i = 0; i < 4; i++) store(dst + N * i, (U8<N>)quads[i]);
+}
 
 // Byte k of a written pixel is byte from[k] of the pixel read, which has `in` bytes; `ones` stands for a byte of 255.
 inline constexpr int ones = -1;
@@ -52,12 +107,14 @@ template <int N, int in, int... from>
 struct PixelMove {
     ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
         constexpr int out = sizeof...(from), place[out] = {from...};
-        Channels<N, in> v;
-        if constexpr (in == 3) v = load3<N>(src);
-        else v = load4<N>(src);
-        const auto channel = [&](int place) ZIV_INLINE_BODY { return place == ones ? U8<N>{} + uint8_t{255} : v.c[place]; };
-        if constexpr (out == 3) store3<N>(dst, channel(place[0]), channel(place[1]), channel(place[2]));
-        else store4<N>(dst, channel(place[0]), channel(place[1]), channel(place[2]), channel(place[3]));
+        if constexpr (out == 3) {
+            static_assert(place[0] == 2 && place[1] == 1 && place[2] == 0);
+            if constexpr (in == 3) reverse_pixels3<N>(dst, src);
+            else reverse_pixels4_to_3<N>(dst, src);
+        } else {
+            static_assert(in == 3 && place[0] == ones && place[1] + place[3] == 2 && place[2] == 1);
+            prefix_pixels3<N, place[1] == 2>(dst, src);
+        }
     }
 };
 template <int N, int in, int... from>
