@@ -84,8 +84,29 @@ ZIV_INLINE void store_low_bytes(uint8_t* p, U16<N> v) {
 }
 
 // De-interleaving load: channel k, lane i takes the byte at offset c times i plus k. Of c vectors side by side, zipping the
-// first half with the second moves byte i to 2 i, modulo the last byte's number; four times over it brings byte c i + k to 16 k
-// + i.
+// first half with the second moves byte i to 2 i, modulo the last byte's number. Three such rounds bring the even pixels' byte
+// k to 8 k + i, and the odd ones' behind them; the fourth, byte c i + k to 16 k + i.
+template <int N, int rounds>
+ZIV_INLINE Channels<N, 3> load_zipped3(const uint8_t* p) {
+    U8<N> a = load<N>(p), b = load<N>(p + N), c = load<N>(p + 2 * N);
+    for (int round = 0; round < rounds; round++) {
+        const U8<N> first = interleave_low<N>(a, double_upper_half<N>(b));
+        const U8<N> second = interleave_low<N>(double_upper_half<N>(a), c);
+        c = interleave_low<N>(b, double_upper_half<N>(c));
+        a = first, b = second;
+    }
+    return {{a, b, c}};
+}
+template <int N, int rounds>
+ZIV_INLINE Channels<N, 4> load_zipped4(const uint8_t* p) {
+    Channels<N, 4> v{{load<N>(p), load<N>(p + N), load<N>(p + 2 * N), load<N>(p + 3 * N)}};
+    for (int round = 0; round < rounds; round++) {
+        const U8<N> a = v.c[0], b = v.c[1], c = v.c[2], d = v.c[3];
+        v.c[0] = interleave_low<N>(a, c), v.c[1] = interleave_high<N>(a, c);
+        v.c[2] = interleave_low<N>(b, d), v.c[3] = interleave_high<N>(b, d);
+    }
+    return v;
+}
 template <int N>
 ZIV_INLINE Channels<N, 2> load2(const uint8_t* p) {
     const U8<N> a = load<N>(p), b = load<N>(p + N);
@@ -94,28 +115,16 @@ ZIV_INLINE Channels<N, 2> load2(const uint8_t* p) {
 template <int N>
 ZIV_INLINE Channels<N, 3> load3(const uint8_t* p) {
     static_assert(N == 16);
-    U8<N> a = load<N>(p), b = load<N>(p + 16), c = load<N>(p + 32);
-    for (int round = 0; round < 4; round++) {
-        const U8<N> first = interleave_low<N>(a, double_upper_half<N>(b)),
-                    second = interleave_low<N>(double_upper_half<N>(a), c);
-        c = interleave_low<N>(b, double_upper_half<N>(c));
-        a = first, b = second;
-    }
-    return {{a, b, c}};
+    return load_zipped3<N, 4>(p);
 }
 template <int N>
 ZIV_INLINE Channels<N, 4> load4(const uint8_t* p) {
     static_assert(N == 16);
-    U8<N> v[4] = {load<N>(p), load<N>(p + 16), load<N>(p + 32), load<N>(p + 48)};
-    for (int round = 0; round < 4; round++) {
-        const U8<N> a = v[0], b = v[1], c = v[2], d = v[3];
-        v[0] = interleave_low<N>(a, c), v[1] = interleave_high<N>(a, c);
-        v[2] = interleave_low<N>(b, d), v[3] = interleave_high<N>(b, d);
-    }
-    return {{v[0], v[1], v[2], v[3]}};
+    return load_zipped4<N, 4>(p);
 }
 
-// The lower six bytes of 64-bit lanes side by side; the others are zero. What is stored of those is overwritten by the next lane.
+// The lower six bytes of 64-bit lanes side by side; the others are zero. What is stored of those is overwritten by the next
+// lane.
 template <int N>
 ZIV_INLINE void store_six_bytes(uint8_t* p, U64<N> a, U64<N> b, U64<N> c, U64<N> d) {
     static_assert(N == 16);

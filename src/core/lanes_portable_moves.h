@@ -56,7 +56,8 @@ ZIV_INLINE void reverse_pixels3(uint8_t* dst, const uint8_t* src) {
     static_assert(N == 16);
     const U8<N> third[3] = {every_third_byte<N, 0>(), every_third_byte<N, 1>(), every_third_byte<N, 2>()}, zero{};
     const U8<N> first = load<N>(src), middle = load<N>(src + 16), last = load<N>(src + 32);
-    const U8<N> before_first = __builtin_shufflevector(zero, first, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29);
+    const U8<N> before_first =
+        __builtin_shufflevector(zero, first, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29);
     const U8<N> behind_last = __builtin_shufflevector(last, zero, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17);
     const U8<N> behind_first = load<N>(src + 2), before_middle = load<N>(src + 14), behind_middle = load<N>(src + 18);
     const U8<N> before_last = load<N>(src + 30);

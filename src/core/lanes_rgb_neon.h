@@ -1,9 +1,13 @@
 // The terms over 32 columns of RGB on Advanced SIMD: two de-interleaved loads, so that the 16 even columns fill one vector of
-// bytes.
+// bytes. Over 16 columns, one.
 #pragma once
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
+template <int c>
+struct Pixels<16, c> {
+    Channels<16, c> channels;
+};
 template <int c>
 struct Pixels<32, c> {
     Channels<16, c> part[2];
@@ -16,6 +20,10 @@ struct LumaQ7Of16 {
     uint16x8_t lo, hi;
 };
 template <>
+struct LumaQ7<16> {
+    U16<16> lo, hi;
+};
+template <>
 struct LumaQ7<32> {
     LumaQ7Of16 part[2];
 };
@@ -24,6 +32,14 @@ struct ChromaPairs<32> {
     uint8x16_t c0, c2;
 };
 
+template <>
+ZIV_INLINE Pixels<16, 3> load_pixels<16, 3>(const uint8_t* p) {
+    return {load3<16>(p)};
+}
+template <>
+ZIV_INLINE Pixels<16, 4> load_pixels<16, 4>(const uint8_t* p) {
+    return {load4<16>(p)};
+}
 template <>
 ZIV_INLINE Pixels<32, 3> load_pixels<32, 3>(const uint8_t* p) {
     return {{load3<16>(p), load3<16>(p + 48)}};
@@ -87,6 +103,13 @@ ZIV_INLINE void store_luma(uint8_t* p, const Luma<32>& luma) {
 
 // ---- Chroma of the even columns ----
 
+template <int c>
+ZIV_INLINE S16<16> even_columns(const Pixels<16, c>& pixels, int channel) {
+    return (S16<16>)even_bytes<16>(pixels.channels.c[channel]);
+}
+ZIV_INLINE S16<16> even_columns(const LumaQ7<16>& luma) {
+    return (S16<16>)vuzp1q_u16((uint16x8_t)luma.lo, (uint16x8_t)luma.hi);
+}
 template <int c>
 ZIV_INLINE uint8x16_t even_columns(const Pixels<32, c>& pixels, int channel) {
     return vuzp1q_u8((uint8x16_t)pixels.part[0].c[channel], (uint8x16_t)pixels.part[1].c[channel]);

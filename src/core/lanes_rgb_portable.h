@@ -3,15 +3,23 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
-// C pixels of c bytes.
+// The first three bytes of C pixels of c bytes, one channel each, a pixel a lane.
 template <int C, int c>
 struct Pixels {
-    Channels<C, c> channels;
+    U16<C> even[3], odd[3];
 };
 template <int C, int c>
 ZIV_INLINE Pixels<C, c> load_pixels(const uint8_t* p) {
-    if constexpr (c == 3) return {load3<C>(p)};
-    else return {load4<C>(p)};
+    static_assert(C == 16);
+    const auto low = [](U8<C> v) ZIV_INLINE_BODY { return (U16<C>)interleave_low<C>(v, U8<C>{}); };
+    const auto high = [](U8<C> v) ZIV_INLINE_BODY { return (U16<C>)interleave_high<C>(v, U8<C>{}); };
+    if constexpr (c == 3) {
+        const Channels<C, 3> v = load_zipped3<C, 3>(p);
+        return {{low(v.c[0]), high(v.c[0]), low(v.c[1])}, {high(v.c[1]), low(v.c[2]), high(v.c[2])}};
+    } else {
+        const Channels<C, 4> v = load_zipped4<C, 3>(p);
+        return {{low(v.c[0]), high(v.c[0]), low(v.c[1])}, {low(v.c[2]), high(v.c[2]), low(v.c[3])}};
+    }
 }
 
 // ---- Luma of C columns: whole, or with 7 fractional bits ----
@@ -22,48 +30,50 @@ struct Luma {
 };
 template <int C>
 struct LumaQ7 {
-    U16<C> lo, hi;
+    U16<C> even, odd;
 };
+// The upper bytes of the lanes in turn.
+template <int C>
+ZIV_INLINE Luma<C> luma_of_upper_bytes(U16<C> even, U16<C> odd) {
+    return {(U8<C>)(even >> 8 | (odd & 0xFF00))};
+}
+
+// c0 * w0 + c1 * w1 + c2 * w2 below 2^16.
+template <int C>
+ZIV_INLINE U16<C> weigh_channels(const U16<C> (&channels)[3], int w0, int w1, int w2) {
+    return channels[0] * (U16<C>)constant<C>(w0) + channels[1] * (U16<C>)constant<C>(w1) +
+           channels[2] * (U16<C>)constant<C>(w2);
+}
 
 // (c0 * w.c0 + c1 * w.c1 + c2 * w.c2) >> 6; the weights sum to 64. Where `shared` names a byte, pixels 8 to 15 of every 16 take
 // that byte from pixels 0 to 7. With the weights taken four times the result is the upper byte of a sum that fills 16 bits.
 template <Weights w, int shared, int C, int c>
-ZIV_INLINE Luma<C> luma_q6(const Pixels<C, c>& pixels) {
-    static_assert(C == 16);
-    const S16<C> weights[3] = {constant<C>(4 * w.c0), constant<C>(4 * w.c1), constant<C>(4 * w.c2)};
-    U16<C> lo{}, hi{};
-    for (int k = 0; k < 3; k++) {
-        const U8<C> channel = pixels.channels.c[k];
-        const U16<C> first = (U16<C>)interleave_low<C>(channel, U8<C>{});
-        lo += first * (U16<C>)weights[k];
-        hi += (k == shared ? first : (U16<C>)interleave_high<C>(channel, U8<C>{})) * (U16<C>)weights[k];
+ZIV_INLINE Luma<C> luma_q6(Pixels<C, c> pixels) {
+    if constexpr (shared != own_bytes) {
+        const U64<C> even = (U64<C>)pixels.even[shared], odd = (U64<C>)pixels.odd[shared];
+        pixels.even[shared] = (U16<C>)__builtin_shufflevector(even, even, 0, 0);
+        pixels.odd[shared] = (U16<C>)__builtin_shufflevector(odd, odd, 0, 0);
     }
-    return {odd_lanes<C>((U8<C>)lo, (U8<C>)hi)};
+    return luma_of_upper_bytes<C>(weigh_channels<C>(pixels.even, 4 * w.c0, 4 * w.c1, 4 * w.c2),
+                                  weigh_channels<C>(pixels.odd, 4 * w.c0, 4 * w.c1, 4 * w.c2));
 }
 
 // (c0 * w.c0 + c1 * w.c1 + c2 * w.c2) >> 8, below 2^15 - 2^6: the sum by the upper bytes of the weights, plus the sum by their
 // lower bytes >> 8. Either fits 16 bits.
 template <Weights w, int C>
-ZIV_INLINE U16<C> weigh_q7(U16<C> c0, U16<C> c1, U16<C> c2) {
-    static_assert((w.c0 >> 8) + (w.c1 >> 8) + (w.c2 >> 8) < 256 && (w.c0 & 255) + (w.c1 & 255) + (w.c2 & 255) <= 257);
-    const auto sum = [=](int w0, int w1, int w2) ZIV_INLINE_BODY {
-        return c0 * (U16<C>)constant<C>(w0) + c1 * (U16<C>)constant<C>(w1) + c2 * (U16<C>)constant<C>(w2);
-    };
-    return sum(w.c0 >> 8, w.c1 >> 8, w.c2 >> 8) + (sum(w.c0 & 255, w.c1 & 255, w.c2 & 255) >> 8);
-}
-template <Weights w, int C>
 ZIV_INLINE LumaQ7<C> luma_q7(const Pixels<C, 3>& pixels) {
-    static_assert(C == 16);
-    const U8<C>*in = pixels.channels.c, zero{};
-    const auto low = [=](U8<C> v) ZIV_INLINE_BODY { return (U16<C>)interleave_low<C>(v, zero); };
-    const auto high = [=](U8<C> v) ZIV_INLINE_BODY { return (U16<C>)interleave_high<C>(v, zero); };
-    return {weigh_q7<w, C>(low(in[0]), low(in[1]), low(in[2])), weigh_q7<w, C>(high(in[0]), high(in[1]), high(in[2]))};
+    static_assert((w.c0 >> 8) + (w.c1 >> 8) + (w.c2 >> 8) < 256 && (w.c0 & 255) + (w.c1 & 255) + (w.c2 & 255) <= 257);
+    const auto weigh = [](const U16<C>(&channels)[3]) ZIV_INLINE_BODY {
+        return weigh_channels<C>(channels, w.c0 >> 8, w.c1 >> 8, w.c2 >> 8) +
+               (weigh_channels<C>(channels, w.c0 & 255, w.c1 & 255, w.c2 & 255) >> 8);
+    };
+    return {weigh(pixels.even), weigh(pixels.odd)};
 }
 
 // (luma + 2^6) >> 7
 template <int C>
 ZIV_INLINE Luma<C> rounded(const LumaQ7<C>& luma) {
-    return {odd_lanes<C>((U8<C>)((luma.lo + 64) << 1), (U8<C>)((luma.hi + 64) << 1))};
+    return luma_of_upper_bytes<C>((luma.even + 64) << 1, (luma.odd + 64) << 1);
 }
 
 template <int C>
@@ -80,11 +90,15 @@ struct ChromaPairs {
 
 template <int C, int c>
 ZIV_INLINE S16<C> even_columns(const Pixels<C, c>& pixels, int channel) {
-    return (S16<C>)even_bytes<C>(pixels.channels.c[channel]);
+    return (S16<C>)pixels.even[channel];
 }
 template <int C>
 ZIV_INLINE S16<C> even_columns(const Luma<C>& luma) {
     return (S16<C>)even_bytes<C>(luma.bytes);
+}
+template <int C>
+ZIV_INLINE S16<C> even_columns(const LumaQ7<C>& luma) {
+    return (S16<C>)luma.even;
 }
 
 // ((byte - luma) * weight) >> shift. The product fits 16 bits.
@@ -107,8 +121,7 @@ ZIV_INLINE ChromaPairs<C> rounded_differences_q15(const Pixels<C, 3>& pixels, co
 // shifting by 6 is the same, as no bit below 2^16 can carry into the rounding bit.
 template <OuterWeights w, int C>
 ZIV_INLINE ChromaPairs<C> fractional_differences_q15(const Pixels<C, 3>& pixels, const LumaQ7<C>& luma) {
-    static_assert(C == 16);
-    const S16<C> y = (S16<C>)__builtin_shufflevector(luma.lo, luma.hi, 0, 2, 4, 6, 8, 10, 12, 14);
+    const S16<C> y = even_columns(luma);
     const S16<C> d0 = multiply_high<C>((even_columns(pixels, 0) << 7) - y, S16<C>{} + int16_t{w.c0});
     const S16<C> d2 = multiply_high<C>((even_columns(pixels, 2) << 7) - y, S16<C>{} + int16_t{w.c2});
     return {(d0 + 32) >> 6, (d2 + 32) >> 6};
