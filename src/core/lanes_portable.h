@@ -23,7 +23,12 @@ ZIV_INLINE void store(uint8_t* p, V v) {
 
 // Hints that the bytes from p on will soon be written, step by step. Touches nothing.
 template <int bytes>
-ZIV_INLINE void expect_writes(uint8_t*) {}
+ZIV_INLINE void expect_writes([[maybe_unused]] uint8_t* p) {
+#if defined(ZIVCOLOR_TARGET_portable)
+    const uintptr_t ahead = reinterpret_cast<uintptr_t>(p) + 512;
+    for (uintptr_t line = 0; line < bytes; line += 64) __builtin_prefetch(reinterpret_cast<const void*>(ahead + line), 1);
+#endif
+}
 // The same for the `bytes` bytes that are read there.
 template <int bytes>
 ZIV_INLINE void expect_reads(const uint8_t*) {}
@@ -57,11 +62,11 @@ ZIV_INLINE U8<N> odd_lanes(U8<N> a, U8<N> b) {
     return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31);
 }
 
-// The upper half in both halves.
+// The lower and the upper half exchanged.
 template <int N>
-ZIV_INLINE U8<N> double_upper_half(U8<N> v) {
+ZIV_INLINE U8<N> swap_halves(U8<N> v) {
     static_assert(N == 16);
-    return (U8<N>)__builtin_shufflevector((U64<N>)v, (U64<N>)v, 1, 1);
+    return (U8<N>)__builtin_shufflevector((U64<N>)v, (U64<N>)v, 1, 0);
 }
 
 // ---- Memory, rearranged ----
@@ -90,10 +95,10 @@ template <int N, int rounds>
 ZIV_INLINE Channels<N, 3> load_zipped3(const uint8_t* p) {
     U8<N> a = load<N>(p), b = load<N>(p + N), c = load<N>(p + 2 * N);
     for (int round = 0; round < rounds; round++) {
-        const U8<N> first = interleave_low<N>(a, double_upper_half<N>(b));
-        const U8<N> second = interleave_low<N>(double_upper_half<N>(a), c);
-        c = interleave_low<N>(b, double_upper_half<N>(c));
-        a = first, b = second;
+        const U8<N> middle = swap_halves<N>(b);
+        b = interleave_high<N>(a, swap_halves<N>(c));
+        a = interleave_low<N>(a, middle);
+        c = interleave_high<N>(middle, c);
     }
     return {{a, b, c}};
 }

@@ -219,8 +219,8 @@ ZIV_INLINE U8<16> zip_pair_parts_high<16>(U8<16> a, U8<16> b) {
 template <int N>
 ZIV_INLINE U8<N> reverse_pairs(U8<N> v) {
     static_assert(N == 16);
-    const U64<N> halves = __builtin_shufflevector((U64<N>)v, (U64<N>)v, 1, 0);
-    return (U8<N>)__builtin_shufflevector((U16<N>)halves, (U16<N>)halves, 3, 2, 1, 0, 7, 6, 5, 4);
+    const U16<N> halves = (U16<N>)swap_halves<N>(v);
+    return (U8<N>)__builtin_shufflevector(halves, halves, 3, 2, 1, 0, 7, 6, 5, 4);
 }
 template <int N>
 ZIV_INLINE U8<N> reverse_bytes(U8<N> v) {
