@@ -594,12 +594,12 @@ ZIV_INLINE Wide<N> widen_difference(U8<N> a, U8<N> b, uint8_t weight) {
 // which is more than binary32 rounds by, in whatever direction: its quotient truncates to the exact one.
 template <int N>
 ZIV_INLINE Wide<N> reciprocals(U8<N> divisors) {
-    const auto reciprocal = [](uint16_t i, uint16_t) {
-        const int quotient = static_cast<int>(65536.0f / static_cast<float>(i | (i == 0)));
-        return quotient > 65535 ? 65535 : quotient;
+    const Wide<N> v = widen<N>(lane_max(divisors, U8<N>{} + uint8_t{1}));
+    const auto reciprocals_of_lanes = [](U16<N> lanes) ZIV_INLINE_BODY {
+        const auto cut = [](uint16_t i, uint16_t) { return static_cast<int>(65536.0f / static_cast<float>(i)); };
+        return lane_by_lane<uint16_t>(lanes, lanes, cut) + (U16<N>)(lanes == 1);
     };
-    const Wide<N> v = widen<N>(divisors);
-    return {lane_by_lane<uint16_t>(v.lo, v.lo, reciprocal), lane_by_lane<uint16_t>(v.hi, v.hi, reciprocal)};
+    return {reciprocals_of_lanes(v.lo), reciprocals_of_lanes(v.hi)};
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

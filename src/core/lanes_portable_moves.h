@@ -66,40 +66,32 @@ ZIV_INLINE void reverse_pixels3(uint8_t* dst, const uint8_t* src) {
     store(dst + 32, (last & third[2]) | (behind_last & third[1]) | (before_last & third[0]));
 }
 
-// The bytes 0 and 2, or 1 and 3, of 32-bit lanes exchanged, and of the others those in `kept`.
-template <int N>
-ZIV_INLINE U32<N> exchange_bytes(U32<N> v, uint32_t exchanged, uint32_t kept) {
-    const U32<N> words = v & exchanged;
-    return (words << 16) | (words >> 16) | (v & kept);
-}
-
 // The bytes 2, 1 and 0 of four.
 template <int N>
 ZIV_INLINE void reverse_pixels4_to_3(uint8_t* dst, const uint8_t* src) {
     U64<N> pairs[4];
     for (int i = 0; i < 4; i++) {
-        const U64<N> v = (U64<N>)exchange_bytes<N>((U32<N>)load<N>(src + N * i), 0x00FF00FF, 0x0000FF00);
-        pairs[i] = (v & 0xFFFFFF) | ((v >> 8) & 0xFFFFFF000000);
+        const U32<N> v = (U32<N>)load<N>(src + N * i), outer = v & 0x00FF00FF;
+        const U64<N> reversed = (U64<N>)((outer << 16) | (outer >> 16) | (v & 0x0000FF00));
+        pairs[i] = (reversed & 0xFFFFFF) | ((reversed >> 8) & 0xFFFFFF000000);
     }
     store_six_bytes<N>(dst, pairs[0], pairs[1], pairs[2], pairs[3]);
 }
 
-// A byte of 255, and the bytes of three in their order or in the other one.
-template <int N, bool reversed>
+// A byte of 255, and the bytes of three.
+template <int N>
 ZIV_INLINE void prefix_pixels3(uint8_t* dst, const uint8_t* src) {
     static_assert(N == 16);
     uint64_t lanes[8];
     for (int i = 0; i < 7; i++) __builtin_memcpy(&lanes[i], src + 6 * i, 8);
     __builtin_memcpy(&lanes[7], src + 40, 8);
     lanes[7] >>= 16;
-    U32<N> quads[4];
+    U8<N> quads[4];
     for (int i = 0; i < 4; i++) {
         const U64<N> v = {lanes[2 * i], lanes[2 * i + 1]};
-        quads[i] = (U32<N>)(((v << 8) & 0xFFFFFF00) | ((v << 16) & 0xFFFFFF0000000000));
-        if (reversed) quads[i] = exchange_bytes<N>(quads[i], 0xFF00FF00, 0x00FF0000);
-        quads[i] |= 0xFF;
+        quads[i] = (U8<N>)(((v << 8) & 0x00000000FFFFFF00) | ((v << 16) & 0xFFFFFF0000000000) | 0x000000FF000000FF);
     }
-    for (int i = 0; i < 4; i++) store(dst + N * i, (U8<N>)quads[i]);
+    for (int i = 0; i < 4; i++) store(dst + N * i, quads[i]);
 }
 
 // Byte k of a written pixel is byte from[k] of the pixel read, which has `in` bytes; `ones` stands for a byte of 255.
@@ -114,7 +106,12 @@ struct PixelMove {
             else reverse_pixels4_to_3<N>(dst, src);
         } else {
             static_assert(in == 3 && place[0] == ones && place[1] + place[3] == 2 && place[2] == 1);
-            prefix_pixels3<N, place[1] == 2>(dst, src);
+            if constexpr (place[1] == 0) {
+                prefix_pixels3<N>(dst, src);
+            } else {
+                const Channels<N, 3> v = load3<N>(src);
+                store4<N>(dst, U8<N>{} + uint8_t{255}, v.c[2], v.c[1], v.c[0]);
+            }
         }
     }
 };
@@ -232,12 +229,16 @@ ZIV_INLINE U8<N> reverse_bytes(U8<N> v) {
 // Two rows of N pairs to one of N / 2: (a + b + c + d + 2) >> 2 over each 2 by 2 samples of a channel.
 template <int N>
 ZIV_INLINE void store_square_means(uint8_t* p, const uint8_t* upper, const uint8_t* lower) {
-    uint8_t means[N];
-    for (int i = 0; i < N; i++) {
-        const int at = i / 2 * 4 + i % 2;
-        means[i] = static_cast<uint8_t>((upper[at] + upper[at + 2] + lower[at] + lower[at + 2] + 2) >> 2);
+    static_assert(N == 16);
+    // Of a channel's two sums in a 32-bit lane the mean in the lower 16 bits; what stands above them is no matter.
+    const auto mean = [](U16<N> sums)
+                          ZIV_INLINE_BODY { return (U16<N>)(((U32<N>)sums + ((U32<N>)sums >> 16) + 2) >> 2) & 0xFF; };
+    U16<N> means[2];
+    for (int k = 0; k < 2; k++) {
+        const U8<N> a = load<N>(upper + N * k), b = load<N>(lower + N * k);
+        means[k] = mean(even_bytes<N>(a) + even_bytes<N>(b)) | mean(odd_bytes<N>(a) + odd_bytes<N>(b)) << 8;
     }
-    __builtin_memcpy(p, means, N);
+    store(p, (U8<N>)__builtin_shufflevector(means[0], means[1], 0, 2, 4, 6, 8, 10, 12, 14));
 }
 
 // Interleaving store of pairs: a0 b0 a1 b1 ...
