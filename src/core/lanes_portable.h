@@ -338,10 +338,15 @@ ZIV_INLINE S16<N> multiply_q15(S16<N> a, int weight) {
     return multiply_high<N>(a, constant<N>(2 * weight));
 }
 
-// (a * weight_a + b * weight_b + 2^14) >> 15, which must fit 16 bits; the sum must fit 32.
+// (a * weight_a + b * weight_b + 2^14) >> 15, which must fit 16 bits; the sum must fit 32. Twice the upper halves of the
+// products, and the upper three bits of half the sum of the lower ones rounded to two.
 template <int N>
 ZIV_INLINE S16<N> weigh_pair_q15(S16<N> a, S16<N> b, int weight_a, int weight_b) {
-    return lane_by_lane<int16_t>(a, b, [=](int x, int y) { return (x * weight_a + y * weight_b + 0x4000) >> 15; });
+    const S16<N> wa = constant<N>(weight_a), wb = constant<N>(weight_b);
+    const U16<N> upper = (U16<N>)multiply_high<N>(a, wa) + (U16<N>)multiply_high<N>(b, wb);
+    const U16<N> lower_a = (U16<N>)a * (U16<N>)wa, lower_b = (U16<N>)b * (U16<N>)wb;
+    const U16<N> half = (lower_a & lower_b) + ((lower_a ^ lower_b) >> 1);
+    return (S16<N>)(upper + upper + (((half >> 13) + 1) >> 1));
 }
 
 // a * weight_a + b * weight_b of the bytes a, b of every lane, which must fit 16 bits; the weights fit a signed byte.
