@@ -122,12 +122,25 @@ TEST_P(GeometryRoutine, StaysInsideItsReach) {
         }
 }
 
+// Large ones, and rows that lie a power of two apart, are turned by way of copies.
 TEST_P(GeometryRoutine, LargeImages) {
-    for (const auto& [width, height] : {std::pair{328, 248}, {512, 512}, {1000, 72}, {72, 1000}, {1920, 136}}) {
-        Geometry g = tight(width, height);
+    for (const auto& [width, height] : {std::pair{328, 248}, {512, 512}, {1000, 72}, {72, 1000}, {1920, 136}, {1040, 520}})
+        for (const auto& [from, to] : {std::pair{0, 0}, {0, 2048}, {2048, 0}, {4096, 4096}}) {
+            Geometry g = tight(width, height);
+            if (from) g.source_pitch[0] = g.source_pitch[1] = from;
+            if (to) g.destination_pitch[0] = g.destination_pitch[1] = to;
+            expect_same(g, random.next());
+            if (HasFailure()) return;
+        }
+}
+
+TEST_P(GeometryRoutine, RowsAPowerOfTwoApart) {
+    for (int round = 0; round < 40; round++) {
+        Geometry g = tight(random.between(8, 300), random.between(8, 300));
+        g.source_pitch[0] = g.source_pitch[1] = random.below(3) ? 2048 : -2048;
+        if (random.below(2)) g.destination_pitch[0] = g.destination_pitch[1] = random.below(3) ? 4096 : -4096;
         expect_same(g, random.next());
-        g.destination_pitch[0] = g.destination_pitch[1] = 2048;
-        expect_same(g, random.next());
+        expect_in_bounds(call_of(GetParam(), g), rooms_of(g), random.next(), [&] { return describe(g); });
         if (HasFailure()) return;
     }
 }

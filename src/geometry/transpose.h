@@ -79,48 +79,118 @@ ZIV_INLINE Transposition part_at(const Transposition& t, ptrdiff_t x, ptrdiff_t 
     return {t.src + y / sample * t.src_pitch + x, t.src_pitch, t.dst + x / sample * t.dst_pitch + y, t.dst_pitch};
 }
 
-// Asks for what the tiles to come will need: the next vector of each destination row, and, a few rows at a time while 128 bytes
-// of every source row are worked off, the next 128 bytes of them. Destination rows that all share their places in the first
-// level of the cache come no nearer than the second, as they would drive each other out.
-template <int N, int sample>
-ZIV_INLINE void prefetch_around_tile(const Transposition& tile, ptrdiff_t x) {
-    constexpr ptrdiff_t group = 128, rows = 16 * N / sample / group;
-    const uint8_t* src = tile.src - x % group + group + x % group / 16 * rows * tile.src_pitch;
-    for (ptrdiff_t r = 0; r < rows; r++)
-        for (ptrdiff_t line = 0; line < group; line += 64) __builtin_prefetch(src + r * tile.src_pitch + line, 0, 2);
-    const bool same_places = tile.dst_pitch % 4096 == 0;
-    for (ptrdiff_t r = 0; r < 16 / sample; r++)
-        if (same_places) __builtin_prefetch(tile.dst + r * tile.dst_pitch + N, 1, 2);
-        else __builtin_prefetch(tile.dst + r * tile.dst_pitch + N, 1);
+ZIV_INLINE ptrdiff_t at_most(ptrdiff_t value, ptrdiff_t limit) { return value < limit ? value : limit; }
+ZIV_INLINE ptrdiff_t at_least(ptrdiff_t value, ptrdiff_t limit) { return value > limit ? value : limit; }
+
+// A square of `side` bytes of source rows by `side` bytes of destination rows, or what there is of it: at least 16 bytes by N.
+inline constexpr ptrdiff_t side = 128;
+struct Square {
+    Transposition at;
+    ptrdiff_t columns, rows;
+};
+struct SquareBuffer {
+    alignas(64) uint8_t bytes[side * side];
+};
+
+ZIV_INLINE void copy_run(uint8_t* dst, const uint8_t* src, ptrdiff_t bytes) {
+    if (bytes != side) __builtin_memcpy(dst, src, static_cast<size_t>(bytes));
+    else
+        for (ptrdiff_t k = 0; k < side; k += widest) store(dst + k, load<widest>(src + k));
 }
 
-// Bands of source rows, each worked off in strips of 16 bytes down the band: a strip fills long runs of few destination rows,
-// and the band's lines stay in the second-level cache until their strips are done. Rows that are a power of two apart share
-// few places in it, and fewer in the first level: where all destination rows can be, they are written in whole lines, as no
-// line would stay there to be filled in two steps. The last tiles in either direction, and the first ones before whole lines,
-// lie over others.
+// The square with its source brought together: every line of it is touched once, and in pairs, however few places in a cache
+// its rows share. Asks for the lines at its right.
+template <int sample>
+[[gnu::noinline]] inline Square gathered_square(const Square& square, SquareBuffer& buffer) {
+    const uint8_t* src = square.at.src;
+    uint8_t* line = buffer.bytes;
+    for (ptrdiff_t r = 0; r < square.rows / sample; r++, src += square.at.src_pitch, line += side) {
+        copy_run(line, src, square.columns);
+        __builtin_prefetch(src + side, 0, 2);
+        __builtin_prefetch(src + side + 64, 0, 2);
+    }
+    return {{buffer.bytes, side, square.at.dst, square.at.dst_pitch}, square.columns, square.rows};
+}
+
+// 16 bytes of each source row. The last tile lies over another.
+template <int N, int sample>
+ZIV_INLINE void transpose_strip(const Transposition& strip, ptrdiff_t rows) {
+    Transposition tile = strip;
+    ptrdiff_t y = 0;
+    for (; y + N <= rows; y += N) {
+        transpose_tile<N, sample>(tile);
+        tile.src += N / sample * tile.src_pitch;
+        tile.dst += N;
+    }
+    if (y < rows) transpose_tile<N, sample>(part_at<sample>(strip, 0, rows - N));
+}
+
+// The same by way of a copy on the stack, for destination rows that share one place in the first level of the cache: no line of
+// them would stay there to be filled in several steps.
+template <int N, int sample>
+[[gnu::noinline]] inline void transpose_strip_by_lines(const Transposition& strip, ptrdiff_t rows) {
+    constexpr int runs = 16 / sample;
+    alignas(64) uint8_t turned[runs * side];
+    transpose_strip<N, sample>({strip.src, strip.src_pitch, turned, side}, rows);
+    for (int r = 0; r < runs; r++) copy_run(strip.dst + r * strip.dst_pitch, turned + r * side, rows);
+}
+
+// How a destination is written.
+struct Writing {
+    bool expected;     // hints are given ahead
+    bool whole_lines;  // squares start at lines of the cache
+    bool by_lines;     // by way of a copy
+};
+
+// Hints that `side` bytes will soon be written in each of some rows. Kept apart, as its addresses take registers from the
+// tiles.
+[[gnu::noinline]] static void expect_runs(uint8_t* dst, ptrdiff_t dst_pitch, int rows, bool whole_lines) {
+    for (int r = 0; r < rows; r++, dst += dst_pitch) {
+        asm volatile("");  // or else the compiler drops the call
+        __builtin_prefetch(dst, 1);
+        __builtin_prefetch(dst + 64, 1);
+        if (!whole_lines) __builtin_prefetch(dst + 128, 1);
+    }
+}
+
+// Strip by strip, of which the last lies over another. Hints are given for the next.
+template <int N, int sample>
+ZIV_INLINE void transpose_square(const Square& square, Writing writing) {
+    for (ptrdiff_t x = 0; x < square.columns; x += 16) {
+        if (writing.expected)
+            expect_runs(part_at<sample>(square.at, x + 16, 0).dst, square.at.dst_pitch, 16 / sample, writing.whole_lines);
+        const Transposition strip = part_at<sample>(square.at, at_most(x, square.columns - 16), 0);
+        if (writing.by_lines) transpose_strip_by_lines<N, sample>(strip, square.rows);
+        else transpose_strip<N, sample>(strip, square.rows);
+    }
+}
+
+// The bytes before the first place where all rows start a line of the cache; 0 as well where there is none.
+template <int sample>
+ZIV_INLINE ptrdiff_t lead_to_line(const uint8_t* p, ptrdiff_t pitch) {
+    const auto lead = static_cast<ptrdiff_t>((0 - reinterpret_cast<uintptr_t>(p)) % 64);
+    return pitch % 64 == 0 && lead % sample == 0 ? lead : 0;
+}
+
+// Square by square, along the source rows, from a line of all source rows and of all destination rows on where there is one.
+// Squares are gathered where the source won't stay in the second level of the cache, or shares few places in it.
 template <int sample, int N>
-[[gnu::noinline]] inline void transpose_by_tiles(Transposition t, ptrdiff_t columns, ptrdiff_t rows) {
-    const auto transpose_strips = [&](ptrdiff_t y0, ptrdiff_t y_end) ZIV_INLINE_BODY {
-        for (ptrdiff_t x0 = 0; x0 < columns; x0 += 16) {
-            const ptrdiff_t x = x0 + 16 <= columns ? x0 : columns - 16;
-            Transposition tile = part_at<sample>(t, x, y0);
-            ptrdiff_t y = y0;
-            for (; y + N <= y_end; y += N) {
-                if constexpr (widest > 16) prefetch_around_tile<N, sample>(tile, x);
-                transpose_tile<N, sample>(tile);
-                tile.src += N / sample * t.src_pitch;
-                tile.dst += N;
-            }
-            if (y < y_end) transpose_tile<N, sample>(part_at<sample>(t, x, y_end - N));
+[[gnu::noinline]] inline void transpose_by_squares(Transposition t, ptrdiff_t columns, ptrdiff_t rows) {
+    SquareBuffer buffer;
+    const bool gathered = columns * rows >= 1 << 19 || t.src_pitch % 2048 == 0;
+    const ptrdiff_t column_lead = lead_to_line<sample>(t.src, t.src_pitch), row_lead = lead_to_line<sample>(t.dst, t.dst_pitch);
+    const Writing writing{widest > 16 || gathered,
+                          t.dst_pitch % 64 == 0 && reinterpret_cast<uintptr_t>(t.dst + row_lead) % 64 == 0,
+                          N < 64 && gathered && t.dst_pitch % 4096 == 0};
+    for (ptrdiff_t y = 0, y_end; y < rows; y = y_end) {
+        y_end = at_most(y < row_lead ? row_lead : y + (writing.expected ? side : 512), rows);
+        for (ptrdiff_t x = 0, x_end; x < columns; x = x_end) {
+            x_end = at_most(x < column_lead ? column_lead : x + side, columns);
+            const ptrdiff_t width = at_least(x_end - x, 16), height = at_least(y_end - y, N);
+            const Square square{part_at<sample>(t, at_most(x, columns - width), at_most(y, rows - height)), width, height};
+            transpose_square<N, sample>(gathered ? gathered_square<sample>(square, buffer) : square, writing);
         }
-    };
-    const ptrdiff_t band = t.src_pitch % 1024 == 0 ? 256 : 512;
-    const auto before_line = static_cast<ptrdiff_t>((0 - reinterpret_cast<uintptr_t>(t.dst)) % N);
-    const bool in_lines = t.dst_pitch % 256 == 0 && before_line % sample == 0 && before_line + N <= rows;
-    ptrdiff_t y0 = in_lines ? before_line : 0;
-    if (y0 != 0) transpose_strips(0, N);
-    for (; y0 < rows; y0 += band) transpose_strips(y0, y0 + band < rows ? y0 + band : rows);
+    }
 }
 
 // columns and rows are multiples of 8, and no two destination rows share a byte.
@@ -132,10 +202,10 @@ ZIV_INLINE void transpose_plane(const Transposition& t, ptrdiff_t columns, ptrdi
         return;
     }
     if constexpr (widest > 32)
-        if (rows >= 64) return transpose_by_tiles<sample, 64>(t, columns, rows);
+        if (rows >= 64) return transpose_by_squares<sample, 64>(t, columns, rows);
     if constexpr (widest > 16)
-        if (rows >= 32) return transpose_by_tiles<sample, 32>(t, columns, rows);
-    transpose_by_tiles<sample, 16>(t, columns, rows);
+        if (rows >= 32) return transpose_by_squares<sample, 32>(t, columns, rows);
+    transpose_by_squares<sample, 16>(t, columns, rows);
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET
