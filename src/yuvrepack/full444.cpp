@@ -29,7 +29,8 @@ ZIV_INLINE void for_row_pairs_444(const Image* srcImg, const Image* dstImg, Rows
 template <class ChromaRow>
 ZIV_INLINE int32_t convert_444_to_420(const Image* srcImg, const Image* dstImg, uint32_t destination, ChromaRow chroma_row) {
     if (const int32_t status = check_planar444(srcImg, dstImg, destination)) return status;
-    copy_plane(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], dstImg->width & ~1, dstImg->height & ~1);
+    copy_row_pairs<2>(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], dstImg->width & ~1,
+                      dstImg->height & ~1);
     for_row_pairs_444(srcImg, dstImg, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v, ptrdiff_t columns) {
         chroma_row(u, v, (i >> 1) * (columns >> 1), columns >> 1);
     });
@@ -61,9 +62,8 @@ int32_t zivColorI444toNV12u8(const Image* srcImg, const Image* dstImg) {
 int32_t zivColorI444toYUYVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar444(srcImg, dstImg, zivPixFmt_YUYV)) return status;
     for_row_pairs_444(srcImg, dstImg, [=](ptrdiff_t i, const uint8_t* u, const uint8_t* v, ptrdiff_t columns) {
-        const uint8_t* luma = plane_row(srcImg, 0, i);
-        uint8_t* dst = plane_row(dstImg, 0, i);
-        yuyv_even_rows(luma, luma + srcImg->pitch[0], u, v, dst, dst + dstImg->pitch[0], columns >> 1);
+        yuyv_even_row_pair<2>(plane_row(srcImg, 0, i), srcImg->pitch[0], u, v, plane_row(dstImg, 0, i), dstImg->pitch[0],
+                              columns);
     });
     return zivStatus_OK;
 }
@@ -77,53 +77,83 @@ int32_t zivColorI444toLPI422Hu8(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
-// ---- Packed Y U V ----
+// ---- Packed Y U V: two rows a pass, block by block over both; odd sizes are rounded up to whole pairs. ----
 
-// Two rows a pass, column by column over both; odd sizes are rounded up to whole pairs. Blocks of 8 columns read their pixels
-// whole; the tail reads luma of a pair and the chroma of its first column, so it ends with the luma of the second.
+// Columns j to j + count - 1, of the last one luma alone.
+template <int count>
+ZIV_INLINE void unpack_columns(const uint8_t* src0, const uint8_t* src1, uint8_t* luma0, uint8_t* luma1, uint8_t* chroma,
+                               ptrdiff_t j) {
+    uint8_t upper[count], lower[count], pairs[count];
+    for (int k = 0; k < count; k++) {
+        upper[k] = src0[3 * (j + k)];
+        lower[k] = src1[3 * (j + k)];
+        pairs[k] = src0[3 * (j + (k & ~1)) + (k & 1 ? 1 : 2)];
+    }
+    __builtin_memcpy(luma0 + j, upper, count);
+    __builtin_memcpy(luma1 + j, lower, count);
+    __builtin_memcpy(chroma + j, pairs, count);
+}
+
+// Blocks of 8 columns read their pixels whole; the tail ends with the luma of its second column.
 int32_t zivColorYUVtoNV21u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_YUV, zivPixFmt_NV21, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, height = dstImg->height;
+    const ptrdiff_t width = dstImg->width, height = dstImg->height, blocked = width & ~ptrdiff_t{7};
+    const bool overlap = starts_inside(dstImg->pitch[0], blocked);
     for (ptrdiff_t i = 0; i < height; i += 2) {
         const uint8_t* src0 = plane_row(srcImg, 0, i);
         const uint8_t* src1 = src0 + srcImg->pitch[0];
         uint8_t* luma0 = plane_row(dstImg, 0, i);
         uint8_t* luma1 = luma0 + dstImg->pitch[0];
         uint8_t* chroma = plane_row(dstImg, 1, i >> 1);
+        if (overlap) [[unlikely]] {
+            by_blocks<8>(width,
+                         [=](auto step, ptrdiff_t k) { unpack_columns<step.value>(src0, src1, luma0, luma1, chroma, k); });
+            continue;
+        }
         ptrdiff_t j = move_row<1>(
-            width & ~ptrdiff_t{7}, no_lead,
+            blocked, no_lead,
             [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
                 constexpr int N = step.value;
                 const Channels<N, 3> upper = load3<N>(src0 + 3 * k);
                 return Channels<N, 3>{{upper.c[0], load3<N>(src1 + 3 * k).c[0], even_pairs<N>(upper.c[2], upper.c[1])}};
             },
             ToPlane<0>{luma0}, ToPlane<1>{luma1}, ToPlane<2>{chroma});
-        for (; j < width; j += 2) {
-            const uint8_t *upper = src0 + 3 * j, *lower = src1 + 3 * j;
-            const uint8_t y00 = upper[0], u = upper[1], v = upper[2], y01 = upper[3], y10 = lower[0], y11 = lower[3];
-            luma0[j] = y00;
-            luma0[j + 1] = y01;
-            luma1[j] = y10;
-            luma1[j + 1] = y11;
-            chroma[j] = v;
-            chroma[j + 1] = u;
-        }
+        for (; j < width; j += 2) unpack_columns<2>(src0, src1, luma0, luma1, chroma, j);
     }
     return zivStatus_OK;
 }
 
-// Two rows a pass, column by column over both; odd sizes are rounded up to whole pairs.
+template <int count>
+ZIV_INLINE void pack_columns(const uint8_t* luma0, const uint8_t* luma1, const uint8_t* chroma, uint8_t* dst0, uint8_t* dst1,
+                             ptrdiff_t j) {
+    uint8_t upper[3 * count], lower[3 * count];
+    for (int k = 0; k < count; k++) {
+        upper[3 * k] = luma0[j + k];
+        lower[3 * k] = luma1[j + k];
+        upper[3 * k + 1] = lower[3 * k + 1] = chroma[j + (k | 1)];
+        upper[3 * k + 2] = lower[3 * k + 2] = chroma[j + (k & ~1)];
+    }
+    __builtin_memcpy(dst0 + 3 * j, upper, 3 * count);
+    __builtin_memcpy(dst1 + 3 * j, lower, 3 * count);
+}
+
 int32_t zivColorNV21toYUVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_YUV, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, height = dstImg->height;
+    const ptrdiff_t width = dstImg->width, even = width & ~ptrdiff_t{1}, height = dstImg->height;
+    const bool overlap = starts_inside(dstImg->pitch[0], 3 * even);
     for (ptrdiff_t i = 0; i < height; i += 2) {
         const uint8_t* luma0 = plane_row(srcImg, 0, i);
         const uint8_t* luma1 = luma0 + srcImg->pitch[0];
         const uint8_t* chroma = plane_row(srcImg, 1, i >> 1);
         uint8_t* dst0 = plane_row(dstImg, 0, i);
         uint8_t* dst1 = dst0 + dstImg->pitch[0];
+        if (overlap) [[unlikely]] {
+            by_blocks<16>(width,
+                          [=](auto step, ptrdiff_t k) { pack_columns<step.value>(luma0, luma1, chroma, dst0, dst1, k); });
+            continue;
+        }
         ptrdiff_t j = move_row<1>(
-            width & ~ptrdiff_t{1}, no_lead,
+            even, no_lead,
             [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
                 constexpr int N = step.value;
                 return Channels<N, 3>{{load<N>(luma0 + k), load<N>(luma1 + k), load<N>(chroma + k)}};
@@ -136,12 +166,7 @@ int32_t zivColorNV21toYUVu8(const Image* srcImg, const Image* dstImg) {
                 store_packed<N>(dst0 + 3 * k, v.c[0], pairs);
                 store_packed<N>(dst1 + 3 * k, v.c[1], pairs);
             });
-        for (; j < width; j += 2) {
-            const uint8_t v = chroma[j], u = chroma[j + 1];
-            const uint8_t upper[6] = {luma0[j], u, v, luma0[j + 1], u, v}, lower[6] = {luma1[j], u, v, luma1[j + 1], u, v};
-            __builtin_memcpy(dst0 + 3 * j, upper, 6);
-            __builtin_memcpy(dst1 + 3 * j, lower, 6);
-        }
+        for (; j < width; j += 2) pack_columns<2>(luma0, luma1, chroma, dst0, dst1, j);
     }
     return zivStatus_OK;
 }

@@ -9,12 +9,12 @@ ZIV_INLINE bool chroma_is_tight(const Image* img, ptrdiff_t columns) {
     return img->pitch[1] == columns;
 }
 
-// Pairs of rows, pairs of columns: an odd last row or column stays unwritten. chroma_row(row, pairs) moves a row of chroma;
-// tight images are one long row.
-template <class ChromaRow>
+// Pairs of rows, pairs of columns, luma by blocks: an odd last row or column stays unwritten. chroma_row(row, pairs) moves a
+// row of chroma; tight images are one long row.
+template <int block, class ChromaRow>
 ZIV_INLINE void convert_row_pairs(const Image* srcImg, const Image* dstImg, ChromaRow chroma_row) {
     const ptrdiff_t columns = dstImg->width & ~1, rows = dstImg->height >> 1;
-    copy_plane(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], columns, 2 * rows);
+    copy_row_pairs<block>(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], columns, 2 * rows);
     if (chroma_is_tight(srcImg, columns) && chroma_is_tight(dstImg, columns)) {
         chroma_row(0, (columns >> 1) * rows);
     } else {
@@ -24,7 +24,7 @@ ZIV_INLINE void convert_row_pairs(const Image* srcImg, const Image* dstImg, Chro
 
 int32_t zivColorI420toNV21u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_I420, zivPixFmt_NV21, both_2x2)) return status;
-    convert_row_pairs(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
+    convert_row_pairs<16>(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
         interleave_row(plane_row(srcImg, 2, row), plane_row(srcImg, 1, row), plane_row(dstImg, 1, row), pairs);
     });
     return zivStatus_OK;
@@ -33,7 +33,7 @@ int32_t zivColorI420toNV21u8(const Image* srcImg, const Image* dstImg) {
 int32_t zivColorNV21toI420u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_I420, destination_2x2_source_height_2))
         return status;
-    convert_row_pairs(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
+    convert_row_pairs<16>(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
         split_row(plane_row(srcImg, 1, row), plane_row(dstImg, 2, row), plane_row(dstImg, 1, row), pairs);
     });
     return zivStatus_OK;
@@ -41,7 +41,7 @@ int32_t zivColorNV21toI420u8(const Image* srcImg, const Image* dstImg) {
 
 int32_t zivColorNV12toI420u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV12, zivPixFmt_I420, both_2x2)) return status;
-    convert_row_pairs(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
+    convert_row_pairs<16>(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
         split_row(plane_row(srcImg, 1, row), plane_row(dstImg, 1, row), plane_row(dstImg, 2, row), pairs);
     });
     return zivStatus_OK;
@@ -49,7 +49,7 @@ int32_t zivColorNV12toI420u8(const Image* srcImg, const Image* dstImg) {
 
 int32_t zivColorNV12toNV21u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV12, zivPixFmt_NV21, both_2x2)) return status;
-    convert_row_pairs(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
+    convert_row_pairs<2>(srcImg, dstImg, [=](ptrdiff_t row, ptrdiff_t pairs) {
         swap_row(plane_row(srcImg, 1, row), plane_row(dstImg, 1, row), pairs);
     });
     return zivStatus_OK;

@@ -10,15 +10,23 @@ namespace zivcolor::ZIVCOLOR_TARGET {
 // of the lower one. Both rows are rounded up to whole pairs, and an odd height to whole pairs of rows.
 int32_t zivColorNV12toYUYVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV12, zivPixFmt_YUYV, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, height = dstImg->height;
+    const ptrdiff_t width = dstImg->width, even = width & ~ptrdiff_t{1}, height = dstImg->height;
+    const bool overlap = starts_inside(dstImg->pitch[0], 2 * even);
     for (ptrdiff_t i = 0; i < height; i += 2) {
         const uint8_t* luma0 = plane_row(srcImg, 0, i);
         const uint8_t* luma1 = luma0 + srcImg->pitch[0];
         const uint8_t* chroma = row_at(srcImg->plane[1], i >> 1, srcImg->pitch[0]);
         uint8_t* dst0 = plane_row(dstImg, 0, i);
         uint8_t* dst1 = dst0 + dstImg->pitch[0];
+        if (overlap) [[unlikely]] {
+            by_blocks<16>(width, [=](auto step, ptrdiff_t k) {
+                interleave_row(luma0 + k, chroma + k, dst0 + 2 * k, step.value);
+                interleave_row(luma1 + k, chroma + k, dst1 + 2 * k, step.value);
+            });
+            continue;
+        }
         ptrdiff_t j = move_row<2>(
-            width & ~ptrdiff_t{1}, lead_of<4, 2>(dst0),
+            even, lead_of<4, 2>(dst0),
             [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
                 constexpr int N = step.value;
                 return Channels<N, 3>{{load<N>(luma0 + k), load<N>(luma1 + k), load<N>(chroma + k)}};
@@ -61,11 +69,21 @@ int32_t zivColorNV21toYUYVu8(const Image* srcImg, const Image* dstImg) {
 int32_t zivColorI420toYUYVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_I420, zivPixFmt_YUYV, both_2x2)) return status;
     const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
+    const bool overlap = starts_inside(dstImg->pitch[0], 4 * pairs);
     for (ptrdiff_t i = 0; i < row_pairs; i++) {
-        const uint8_t* luma = plane_row(srcImg, 0, 2 * i);
-        uint8_t* dst = plane_row(dstImg, 0, 2 * i);
-        yuyv_rows(luma, luma + srcImg->pitch[0], plane_row(srcImg, 1, i), plane_row(srcImg, 2, i), dst, dst + dstImg->pitch[0],
-                  pairs);
+        const uint8_t* luma0 = plane_row(srcImg, 0, 2 * i);
+        const uint8_t* luma1 = luma0 + srcImg->pitch[0];
+        const uint8_t *u = plane_row(srcImg, 1, i), *v = plane_row(srcImg, 2, i);
+        uint8_t* dst0 = plane_row(dstImg, 0, 2 * i);
+        uint8_t* dst1 = dst0 + dstImg->pitch[0];
+        if (overlap) [[unlikely]] {
+            by_blocks<16>(2 * pairs, [=](auto step, ptrdiff_t j) {
+                yuyv_row(luma0 + j, u + (j >> 1), v + (j >> 1), dst0 + 2 * j, step.value / 2);
+                yuyv_row(luma1 + j, u + (j >> 1), v + (j >> 1), dst1 + 2 * j, step.value / 2);
+            });
+        } else {
+            yuyv_rows(luma0, luma1, u, v, dst0, dst1, pairs);
+        }
     }
     return zivStatus_OK;
 }

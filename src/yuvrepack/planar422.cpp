@@ -12,6 +12,10 @@ ZIV_INLINE void copy_luma(const Image* srcImg, const Image* dstImg, ptrdiff_t co
     copy_plane(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], columns, rows);
 }
 
+ZIV_INLINE void copy_luma_by_row_pairs(const Image* srcImg, const Image* dstImg, ptrdiff_t columns, ptrdiff_t rows) {
+    copy_row_pairs<16>(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], columns, rows);
+}
+
 ZIV_INLINE bool chroma_is_tight(const Image* srcImg, ptrdiff_t pairs) {
     return srcImg->pitch[1] == pairs && srcImg->pitch[2] == pairs;
 }
@@ -90,8 +94,7 @@ ZIV_INLINE void i422v_to_i420_odd_width(const Image* srcImg, const Image* dstImg
         const uint8_t* luma1 = luma0 + srcImg->pitch[0];
         uint8_t* dst0 = plane_row(dstImg, 0, i);
         uint8_t* dst1 = dst0 + dstImg->pitch[0];
-        copy_row(luma0, dst0, blocked);
-        copy_row(luma1, dst1, blocked);
+        copy_row_pairs<16>(luma0, srcImg->pitch[0], dst0, dstImg->pitch[0], blocked, 2);
         even_row(u, dst_u, blocked >> 1);
         even_row(v, dst_v, blocked >> 1);
         for (ptrdiff_t j = blocked; j < columns; j += 2) {
@@ -113,7 +116,7 @@ int32_t zivColorI422VtoI420u8(const Image* srcImg, const Image* dstImg) {
         return zivStatus_OK;
     }
     const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
-    copy_luma(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
+    copy_luma_by_row_pairs(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
     for (int k = 1; k <= 2; k++) even_row(srcImg->plane[k], dstImg->plane[k], pairs * row_pairs);
     return zivStatus_OK;
 }
@@ -123,7 +126,7 @@ int32_t zivColorI422VtoI420u8(const Image* srcImg, const Image* dstImg) {
 int32_t zivColorI422VtoNV21u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_NV21)) return status;
     const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
-    copy_luma(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
+    copy_luma_by_row_pairs(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
     interleave_even_row(srcImg->plane[2], srcImg->plane[1], dstImg->plane[1], pairs * row_pairs);
     return zivStatus_OK;
 }
@@ -131,7 +134,7 @@ int32_t zivColorI422VtoNV21u8(const Image* srcImg, const Image* dstImg) {
 int32_t zivColorI422VtoNV12u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_NV12)) return status;
     const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
-    copy_luma(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
+    copy_luma_by_row_pairs(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
     interleave_even_row(srcImg->plane[1], srcImg->plane[2], dstImg->plane[1], pairs * row_pairs);
     return zivStatus_OK;
 }
@@ -140,10 +143,9 @@ int32_t zivColorI422VtoYUYVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_YUYV)) return status;
     const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
     for (ptrdiff_t i = 0; i < row_pairs; i++) {
-        const uint8_t* luma = plane_row(srcImg, 0, 2 * i);
-        uint8_t* dst = plane_row(dstImg, 0, 2 * i);
-        yuyv_even_rows(luma, luma + srcImg->pitch[0], srcImg->plane[1] + 2 * pairs * i, srcImg->plane[2] + 2 * pairs * i, dst,
-                       dst + dstImg->pitch[0], pairs);
+        const ptrdiff_t chroma = 2 * pairs * i;
+        yuyv_even_row_pair<16>(plane_row(srcImg, 0, 2 * i), srcImg->pitch[0], srcImg->plane[1] + chroma,
+                               srcImg->plane[2] + chroma, plane_row(dstImg, 0, 2 * i), dstImg->pitch[0], 2 * pairs);
     }
     return zivStatus_OK;
 }
@@ -151,11 +153,21 @@ int32_t zivColorI422VtoYUYVu8(const Image* srcImg, const Image* dstImg) {
 int32_t zivColorI422VtoLPI422Hu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_LPI422H)) return status;
     const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
-    copy_luma(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
+    const bool overlap = starts_inside(dstImg->pitch[1], 2 * pairs);
+    copy_luma_by_row_pairs(srcImg, dstImg, 2 * pairs, 2 * row_pairs);
     for (ptrdiff_t i = 0; i < row_pairs; i++) {
-        uint8_t* chroma = plane_row(dstImg, 1, 2 * i);
-        interleave_even_row(srcImg->plane[1] + 2 * pairs * i, srcImg->plane[2] + 2 * pairs * i, chroma, pairs);
-        copy_row(chroma, chroma + dstImg->pitch[1], 2 * pairs);
+        const uint8_t *u = srcImg->plane[1] + 2 * pairs * i, *v = srcImg->plane[2] + 2 * pairs * i;
+        uint8_t* upper = plane_row(dstImg, 1, 2 * i);
+        uint8_t* lower = upper + dstImg->pitch[1];
+        if (overlap) [[unlikely]] {
+            by_blocks<16>(2 * pairs, [=](auto step, ptrdiff_t j) {
+                interleave_even_row(u + j, v + j, upper + j, step.value / 2);
+                interleave_even_row(u + j, v + j, lower + j, step.value / 2);
+            });
+        } else {
+            interleave_even_row(u, v, upper, pairs);
+            copy_row(upper, lower, 2 * pairs);
+        }
     }
     return zivStatus_OK;
 }

@@ -16,6 +16,39 @@ ZIV_INLINE uint8_t* plane_row(const Image* img, int plane, ptrdiff_t row) {
 
 ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptrdiff_t{1}; }
 
+// ---- Two rows at once ----
+
+// Where a kernel takes its rows in pairs, each pair is written block by block, the upper row's part and then the lower row's,
+// and by pairs of columns behind the last whole block. That shows only where the lower row starts inside the upper one, which
+// is `bytes` long: there later blocks of the upper row cover what earlier ones of the lower row wrote. Everywhere else the
+// bytes are those of the whole upper row and then the whole lower one.
+ZIV_INLINE bool starts_inside(ptrdiff_t pitch, ptrdiff_t bytes) { return pitch > 0 && pitch < bytes; }
+
+// That order: rows(Step<count>{}, j) writes columns j to j + count - 1 of both rows, all of the upper one first.
+template <int block, class Rows>
+[[gnu::noinline, gnu::cold]] void by_blocks(ptrdiff_t columns, Rows rows) {
+    ptrdiff_t j = 0;
+    for (; j + block <= columns; j += block) rows(Step<block>{}, j);
+    for (; j < columns; j += 2) rows(Step<2>{}, j);
+}
+
+// A plane whose rows are copied in pairs.
+template <int block>
+[[gnu::noinline]] void copy_row_pairs(const uint8_t* src, int32_t src_pitch, uint8_t* dst, int32_t dst_pitch, ptrdiff_t columns,
+                                      ptrdiff_t rows) {
+    if (!starts_inside(dst_pitch, columns)) return copy_plane(src, src_pitch, dst, dst_pitch, columns, rows);
+    for (ptrdiff_t i = 0; i < rows; i += 2) {
+        const uint8_t* src0 = src + i * src_pitch;
+        uint8_t* dst0 = dst + i * dst_pitch;
+        by_blocks<block>(columns, [=](auto step, ptrdiff_t j) {
+            copy_row(src0 + j, dst0 + j, step.value);
+            copy_row(src0 + src_pitch + j, dst0 + dst_pitch + j, step.value);
+        });
+    }
+}
+
+// ---- Rows ----
+
 // first[0] second[0] first[1] second[1] ...
 [[gnu::noinline]] inline void interleave_row(const uint8_t* first, const uint8_t* second, uint8_t* dst, ptrdiff_t pairs) {
     ptrdiff_t k = move_row<2>(
@@ -168,6 +201,18 @@ ZIV_INLINE ptrdiff_t whole_pairs_up(ptrdiff_t width) { return (width + 1) & ~ptr
         __builtin_memcpy(dst0 + 2 * k, upper, 4);
         __builtin_memcpy(dst1 + 2 * k, lower, 4);
     }
+}
+
+// The same by blocks where their order shows. A block of 16 columns or a single pair is one step of the pass above.
+template <int block>
+ZIV_INLINE void yuyv_even_row_pair(const uint8_t* luma, int32_t luma_pitch, const uint8_t* u, const uint8_t* v, uint8_t* dst,
+                                   int32_t dst_pitch, ptrdiff_t columns) {
+    static_assert(block == 16 || block == 2);
+    const auto rows = [=](ptrdiff_t j, ptrdiff_t count) {
+        yuyv_even_rows(luma + j, luma + luma_pitch + j, u + j, v + j, dst + 2 * j, dst + dst_pitch + 2 * j, count >> 1);
+    };
+    if (!starts_inside(dst_pitch, 2 * columns)) rows(0, columns);
+    else by_blocks<block>(columns, [=](auto step, ptrdiff_t j) { rows(j, step.value); });
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET
