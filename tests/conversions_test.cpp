@@ -95,6 +95,22 @@ TEST_P(Conversions, NegativePitches) {
     });
 }
 
+// Destination rows that lie over each other show the order in which they are written, and the fewer bytes they are apart, the
+// order within a block.
+TEST_P(Conversions, RowsThatOverlap) {
+    const Conversion& c = GetParam();
+    Random random{seed()};
+    for (int round = 0; round < 600; round++) {
+        ImagePair images = tight(c, random.between(1, random.below(4) ? 90 : 330), random.between(1, 9));
+        for (int32_t& pitch : images.destination_pitch) {
+            const int apart = random.below(3) ? pitch : std::min(pitch, 20);
+            if (random.below(4)) pitch = random.between(-apart, apart);
+        }
+        expect_same(images, random.next());
+        if (HasFailure()) return;
+    }
+}
+
 TEST_P(Conversions, UnequalSizes) {
     every_small_size([](ImagePair& p, Random& random) {
         const int width = random.between(1, 90), height = random.between(1, 11);
