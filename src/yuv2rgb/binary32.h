@@ -161,10 +161,21 @@ template <>
 struct WidestWay<true> : Binary32ByBytes<widest> {};
 
 // The blocked columns. Reads and writes exactly these.
-ZIV_INLINE void convert_binary32_blocks(RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t columns, uint8_t alpha) {
+ZIV_INLINE void convert_binary32_blocks(StepOrder, RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t columns,
+                                        uint8_t alpha) {
     const ptrdiff_t j = convert_binary32_steps<WidestWay<terms_by_bytes>, widest>(rows, chroma, 0, columns, alpha);
     if (j < columns) [[unlikely]]
         convert_binary32_rest(rows, chroma, j, columns, alpha);
+}
+
+ZIV_INLINE void convert_binary32_blocks(HalfBlockOrder, RowPair rows, PairedChroma<PairOrder::vu> chroma, ptrdiff_t columns,
+                                        uint8_t alpha) {
+    store_half_blocks<4>(rows, columns, [=](uint8_t* p, int luma, ptrdiff_t j) ZIV_INLINE_BODY {
+        const float y = static_cast<float>(luma), u = static_cast<float>(chroma.u(j & ~1)),
+                    v = static_cast<float>(chroma.v(j & ~1));
+        const float r = y + v * red_of_v, g = y + (v * green_of_v + u * green_of_u), b = y + u * blue_of_u;
+        store_clamped<Rgb::bgra>(p, {static_cast<int>(r), static_cast<int>(g), static_cast<int>(b)}, alpha);
+    });
 }
 
 // The tail sums green in another order: trunc((Y + -0.714 v) + -0.344 u).

@@ -12,14 +12,13 @@ ZIV_INLINE PlanarChroma i420_chroma_at(const Image* srcImg, ptrdiff_t row) {
 template <Rgb order>
 ZIV_INLINE int32_t i420_to_rgb(const Image* srcImg, const Image* dstImg, uint32_t destination, uint8_t alpha) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_I420, destination, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, height = dstImg->height;
-    const ptrdiff_t blocked = blocked_columns<16>(width);
-    for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
-        const RowPair rows = row_pair_at(srcImg, dstImg, i);
-        const PlanarChroma chroma = i420_chroma_at(srcImg, i >> 1);
-        convert_blocks<SetT5, order>(rows, chroma, blocked, alpha);
+    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
+    constexpr int bytes = pixel_bytes<order>;
+    for_row_pairs<bytes>(srcImg, dstImg, [=](auto store_order, RowPair rows, ptrdiff_t chroma_row) ZIV_INLINE_BODY {
+        const PlanarChroma chroma = i420_chroma_at(srcImg, chroma_row);
+        convert_blocks<SetT5, order>(store_order, rows, chroma, blocked, alpha);
         convert_tail<SetT5, order>(rows, chroma, blocked, width, alpha);
-    }
+    });
     return zivStatus_OK;
 }
 
@@ -39,16 +38,14 @@ int32_t zivColorI420toRGBA8888u8(const Image* srcImg, const Image* dstImg, uint8
 // row, where it takes whatever stands there.
 int32_t zivColorI420toBGR888u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_I420, zivPixFmt_BGR888, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, height = dstImg->height;
-    const ptrdiff_t blocked = blocked_columns<16>(width);
-    for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
-        const RowPair rows = row_pair_at(srcImg, dstImg, i);
-        const PlanarChroma chroma = i420_chroma_at(srcImg, i >> 1);
-        convert_blocks<SetQ15, Rgb::bgr>(rows, chroma, blocked, 0);
+    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
+    for_row_pairs<3>(srcImg, dstImg, [=](auto store_order, RowPair rows, ptrdiff_t chroma_row) ZIV_INLINE_BODY {
+        const PlanarChroma chroma = i420_chroma_at(srcImg, chroma_row);
+        convert_blocks<SetQ15, Rgb::bgr>(store_order, rows, chroma, blocked, 0);
         for (ptrdiff_t j = blocked, ahead = blocked + 2; j <= width - 2; j += 2, ahead += 4)
             store_quad<3>(rows, j, load_quad(rows, ahead), colour_terms<SetQ15>(chroma.u(j), chroma.v(j)),
                           [](uint8_t* p, Colour colour) ZIV_INLINE_BODY { store_clamped<Rgb::bgr>(p, colour, 0); });
-    }
+    });
     return zivStatus_OK;
 }
 
@@ -75,7 +72,7 @@ int32_t zivColorYV12toBGR888u8(const Image* srcImg, const Image* dstImg) {
                            row_at(dstImg->plane[0], i, dstImg->pitch[0]), row_at(dstImg->plane[0], i + 1, dstImg->pitch[0])};
         rows_done = apart && i + 1 < height ? 2 : 1;
         if (rows_done == 2) {
-            convert_blocks<SetT5, Rgb::bgr>(rows, chroma, blocked, 0);
+            convert_blocks<SetT5, Rgb::bgr>(StepOrder{}, rows, chroma, blocked, 0);
             convert_tail_of_row(rows.luma0, rows.dst0);
             convert_tail_of_row(rows.luma1, rows.dst1);
         } else {

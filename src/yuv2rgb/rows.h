@@ -112,6 +112,25 @@ ZIV_INLINE RowPair row_pair_at(const Image* srcImg, const Image* dstImg, ptrdiff
     return {luma, luma + srcImg->pitch[0], dst, dst + dstImg->pitch[0]};
 }
 
+// In which order the blocked columns of a pair are stored: as the target likes, or 8 of the upper row, 8 of the lower and so
+// on.
+struct StepOrder {};
+struct HalfBlockOrder {};
+
+// Calls convert(order, rows, row of chroma) for all pairs of rows. The order shows where destination rows lie over each other,
+// as their pitch is less than a row.
+template <class Convert>
+[[gnu::noinline, gnu::cold]] static void for_overlapping_row_pairs(const Image* srcImg, const Image* dstImg, Convert convert) {
+    for (ptrdiff_t i = 0; i <= ptrdiff_t{dstImg->height} - 2; i += 2)
+        convert(HalfBlockOrder{}, row_pair_at(srcImg, dstImg, i), i >> 1);
+}
+template <int bytes, class Convert>
+ZIV_INLINE void for_row_pairs(const Image* srcImg, const Image* dstImg, Convert convert) {
+    const ptrdiff_t height = dstImg->height, pitch = dstImg->pitch[0], row_bytes = bytes * ptrdiff_t{dstImg->width};
+    if (pitch < row_bytes && -pitch < row_bytes) return for_overlapping_row_pairs(srcImg, dstImg, convert);
+    for (ptrdiff_t i = 0; i <= height - 2; i += 2) convert(StepOrder{}, row_pair_at(srcImg, dstImg, i), i >> 1);
+}
+
 // How far ahead of a step its writes are worth a hint: at the same column of the next two rows where these are near.
 ZIV_INLINE ptrdiff_t writes_ahead(RowPair rows) {
     const ptrdiff_t next = 2 * (rows.dst1 - rows.dst0);
@@ -120,7 +139,7 @@ ZIV_INLINE ptrdiff_t writes_ahead(RowPair rows) {
 
 // The blocked columns of both. Reads and writes exactly these.
 template <class Set, Rgb order, class RowChroma>
-ZIV_INLINE void convert_blocks(RowPair rows, RowChroma chroma, ptrdiff_t columns, uint8_t alpha) {
+ZIV_INLINE void convert_blocks(StepOrder, RowPair rows, RowChroma chroma, ptrdiff_t columns, uint8_t alpha) {
     const ptrdiff_t ahead = writes_ahead(rows);
     for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = step.value;
@@ -130,6 +149,21 @@ ZIV_INLINE void convert_blocks(RowPair rows, RowChroma chroma, ptrdiff_t columns
         expect_writes_ahead<pixel_bytes<order> * N>(dst1, ahead);
         store_pixels<N>(dst0, rows.luma0 + j, terms);
         store_pixels<N>(dst1, rows.luma1 + j, terms);
+    });
+}
+
+// store_pixel(dst, luma, j) converts one pixel, of column j.
+template <int bytes, class StorePixel>
+ZIV_INLINE void store_half_blocks(RowPair rows, ptrdiff_t columns, StorePixel store_pixel) {
+    for (ptrdiff_t half = 0; half < columns; half += 8) {
+        for (ptrdiff_t j = half; j < half + 8; j++) store_pixel(rows.dst0 + bytes * j, rows.luma0[j], j);
+        for (ptrdiff_t j = half; j < half + 8; j++) store_pixel(rows.dst1 + bytes * j, rows.luma1[j], j);
+    }
+}
+template <class Set, Rgb order, class RowChroma>
+ZIV_INLINE void convert_blocks(HalfBlockOrder, RowPair rows, RowChroma chroma, ptrdiff_t columns, uint8_t alpha) {
+    store_half_blocks<pixel_bytes<order>>(rows, columns, [=](uint8_t* p, int luma, ptrdiff_t j) ZIV_INLINE_BODY {
+        store_clamped<order>(p, luma + colour_terms<Set>(chroma.u(j & ~1), chroma.v(j & ~1)), alpha);
     });
 }
 

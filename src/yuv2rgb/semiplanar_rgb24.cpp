@@ -7,14 +7,12 @@ namespace zivcolor::ZIVCOLOR_TARGET {
 template <PairOrder order>
 int32_t semiplanar_to_bgr(const Image* srcImg, const Image* dstImg, uint32_t source) {
     if (const int32_t status = check(srcImg, dstImg, source, zivPixFmt_BGR888, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, height = dstImg->height;
-    const ptrdiff_t blocked = blocked_columns<16>(width);
-    for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
-        const RowPair rows = row_pair_at(srcImg, dstImg, i);
-        const PairedChroma<order> chroma{row_at_wrapped(srcImg->plane[1], i >> 1, srcImg->pitch[1])};
-        convert_blocks<SetQ15, Rgb::bgr>(rows, chroma, blocked, 0);
+    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
+    for_row_pairs<3>(srcImg, dstImg, [=](auto store_order, RowPair rows, ptrdiff_t chroma_row) ZIV_INLINE_BODY {
+        const PairedChroma<order> chroma{row_at_wrapped(srcImg->plane[1], chroma_row, srcImg->pitch[1])};
+        convert_blocks<SetQ15, Rgb::bgr>(store_order, rows, chroma, blocked, 0);
         convert_tail<SetQ15, Rgb::bgr>(rows, chroma, blocked, width, 0);
-    }
+    });
     return zivStatus_OK;
 }
 
@@ -30,12 +28,10 @@ int32_t zivColorNV21toBGR888u8(const Image* srcImg, const Image* dstImg) {
 // last, each with its lower test taken from the other.
 int32_t zivColorNV21toRGB888u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_RGB888, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, height = dstImg->height;
-    const ptrdiff_t blocked = blocked_columns<16>(width);
-    for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
-        const RowPair rows = row_pair_at(srcImg, dstImg, i);
-        const PairedChroma<PairOrder::vu> chroma{row_at_wrapped(srcImg->plane[1], i >> 1, srcImg->pitch[1])};
-        convert_blocks<SetT5HalfGreen, Rgb::rgb>(rows, chroma, blocked, 0);
+    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
+    for_row_pairs<3>(srcImg, dstImg, [=](auto store_order, RowPair rows, ptrdiff_t chroma_row) ZIV_INLINE_BODY {
+        const PairedChroma<PairOrder::vu> chroma{row_at_wrapped(srcImg->plane[1], chroma_row, srcImg->pitch[1])};
+        convert_blocks<SetT5HalfGreen, Rgb::rgb>(store_order, rows, chroma, blocked, 0);
         for (ptrdiff_t j = blocked; j < width - 2; j += 2)
             store_quad<3>(rows, j, load_quad(rows, j), colour_terms<SetT5>(chroma.u(j), chroma.v(j)),
                           [](uint8_t* p, Colour colour) ZIV_INLINE_BODY {
@@ -43,7 +39,7 @@ int32_t zivColorNV21toRGB888u8(const Image* srcImg, const Image* dstImg) {
                               p[1] = static_cast<uint8_t>(clamp_byte(colour.g));
                               p[2] = clamp_crossed(colour.r, colour.b);
                           });
-    }
+    });
     return zivStatus_OK;
 }
 

@@ -5,27 +5,23 @@ namespace zivcolor::ZIVCOLOR_TARGET {
 
 int32_t zivColorNV21toBGRA8888u8(const Image* srcImg, const Image* dstImg, uint8_t alpha) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_BGRA8888, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, height = dstImg->height;
-    const ptrdiff_t blocked = blocked_columns<16>(width);
-    for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
-        const RowPair rows = row_pair_at(srcImg, dstImg, i);
-        const PairedChroma<PairOrder::vu> chroma{row_at_wrapped(srcImg->plane[1], i >> 1, srcImg->pitch[1])};
-        convert_binary32_blocks(rows, chroma, blocked, alpha);
+    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
+    for_row_pairs<4>(srcImg, dstImg, [=](auto store_order, RowPair rows, ptrdiff_t chroma_row) ZIV_INLINE_BODY {
+        const PairedChroma<PairOrder::vu> chroma{row_at_wrapped(srcImg->plane[1], chroma_row, srcImg->pitch[1])};
+        convert_binary32_blocks(store_order, rows, chroma, blocked, alpha);
         if (blocked < width) convert_binary32_tail(rows, chroma, blocked, width, alpha);
-    }
+    });
     return zivStatus_OK;
 }
 
 int32_t zivColorNV21toRGBA8888u8(const Image* srcImg, const Image* dstImg, uint8_t alpha) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_RGBA8888, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, height = dstImg->height;
-    const ptrdiff_t blocked = blocked_columns<16>(width);
-    for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
-        const RowPair rows = row_pair_at(srcImg, dstImg, i);
-        const PairedChroma<PairOrder::vu> chroma{row_at_wrapped(srcImg->plane[1], i >> 1, srcImg->pitch[1])};
-        convert_blocks<SetR5, Rgb::rgba>(rows, chroma, blocked, alpha);
+    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
+    for_row_pairs<4>(srcImg, dstImg, [=](auto store_order, RowPair rows, ptrdiff_t chroma_row) ZIV_INLINE_BODY {
+        const PairedChroma<PairOrder::vu> chroma{row_at_wrapped(srcImg->plane[1], chroma_row, srcImg->pitch[1])};
+        convert_blocks<SetR5, Rgb::rgba>(store_order, rows, chroma, blocked, alpha);
         convert_tail<SetR5, Rgb::rgba>(rows, chroma, blocked, width, alpha);
-    }
+    });
     return zivStatus_OK;
 }
 
@@ -34,17 +30,15 @@ template <Rgb order, class StorePixel>
 ZIV_INLINE int32_t nv12_to_rgb32(const Image* srcImg, const Image* dstImg, uint32_t destination, uint8_t alpha,
                                  StorePixel store_tail_pixel) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV12, destination, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, height = dstImg->height;
-    const ptrdiff_t blocked = blocked_columns<16>(width);
-    for (ptrdiff_t i = 0; i <= height - 2; i += 2) {
-        const RowPair rows = row_pair_at(srcImg, dstImg, i);
-        const PairedChroma<PairOrder::uv> chroma{row_at_wrapped(srcImg->plane[1], i >> 1, srcImg->pitch[1])};
-        convert_blocks<SetT5, order>(rows, chroma, blocked, alpha);
+    const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
+    for_row_pairs<4>(srcImg, dstImg, [=](auto store_order, RowPair rows, ptrdiff_t chroma_row) ZIV_INLINE_BODY {
+        const PairedChroma<PairOrder::uv> chroma{row_at_wrapped(srcImg->plane[1], chroma_row, srcImg->pitch[1])};
+        convert_blocks<SetT5, order>(store_order, rows, chroma, blocked, alpha);
         for (ptrdiff_t j = blocked; j < width - 2; j += 2) {
             const Quad crossed{{rows.luma0[j], rows.luma1[j + 1], rows.luma1[j], rows.luma0[j + 1]}};
             store_quad<4>(rows, j, crossed, colour_terms<SetT5>(chroma.u(j), chroma.v(j)), store_tail_pixel);
         }
-    }
+    });
     return zivStatus_OK;
 }
 
