@@ -122,7 +122,8 @@ ZIVCOLOR_API int32_t zivColorCvt(const __tag_KOBR_OFFSCREEN* srcImg, const __tag
 
 /* Semi-planar 4:2:0, pairs V U (NV21) or U V (NV12), to 24-bit RGB. Least size 2 by 2. Two rows a pass, H / 2 passes; with an
  * odd H the last row is left as it was, with an odd W the last column. The tail takes 2 columns of both rows at a time. Reads
- * pitch[0] and pitch[1] of the source and pitch[0] of the destination; row offsets are formed in 32 bits.
+ * pitch[0] and pitch[1] of the source and pitch[0] of the destination. The offset of an upper row, row times pitch, wraps in
+ * signed 32 bits; the lower row is one pitch further.
  *   NV12toBGR888, NV21toBGR888   fine set in blocks and tail
  *   NV21toRGB888                 blocks: coarse set, but 11 u >> 6 in green. Tail: coarse set, bytes B G R. It stops one pair
  *                                of columns early: of an even W that is no multiple of 16 it leaves the last two columns
@@ -152,7 +153,7 @@ ZIVCOLOR_API int32_t zivColorNV12toBGRA8888u8(const __tag_KOBR_OFFSCREEN* srcImg
                                               uint8_t Param);
 
 /* I420 (planes Y, U, V) to RGB. Least size 2 by 2; rows and tail as for the semi-planar sources. Reads pitch[0], pitch[1] and
- * pitch[2] of the source and pitch[0] of the destination; row offsets are formed in 32 bits.
+ * pitch[2] of the source and pitch[0] of the destination.
  *   I420toBGR888     fine set. The luma of the tail runs ahead: its pass k, counted from 0, writes columns T + 2 k and the next
  *                    (T the first column of the tail) from the luma of columns T + 4 k + 2 and the next. So up to W - T bytes
  *                    past the end of both luma rows are read and used.
@@ -653,9 +654,10 @@ ZIVCOLOR_API void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap,
 /* Starts a context: a worker for each CPU that the calling thread may run on, 8 at most, fewer if the system grants no more
  * threads. Cores and bands stay fixed for the life of the context.
  *   hMemMgr   where the context's record comes from; null is the C heap, else the address of a record of three pointers:
- *             void* (*allocate)(void* user, int64_t size), void (*release)(void* user, void* pointer), void* user
- * Returns the context's handle, or null if there is no worker or no memory for the record; in the latter case the workers
- * stay behind. */
+ *             void* (*allocate)(void* user, int64_t size), void (*release)(void* user, void* pointer), void* user.
+ *             allocate gives memory aligned for any scalar type, or null if it has none; release is never given null.
+ * Returns the context's handle, or null if there is no worker, no memory for the workers or none for the record; in the last
+ * case the workers stay behind. */
 ZIVCOLOR_API void* zivColorCvtInit_MultiThreads(void* hMemMgr);
 
 /* Converts srcImg to dstImg on the context and returns when all is done; the calling thread lends a hand. Allocates nothing.
@@ -666,10 +668,11 @@ ZIVCOLOR_API void* zivColorCvtInit_MultiThreads(void* hMemMgr);
  * that begin at the band's first row by the pitches of the descriptors: pitch[k] times the row, or half the row for chroma
  * that is halved vertically.
  *
- * The result is that of zivColorCvt if no kernel writes past the end of its rows (an even width is enough) and if the pitches
- * agree with what the kernel assumes where it does not read them:
+ * The result is that of zivColorCvt if both images have the same height, if no kernel writes past the end of its rows (an even
+ * width is enough), if destination rows do not lie over each other, if no row offset wraps, and if the pitches agree with what
+ * the kernel assumes where it does not read them:
  *   BGRA8888 to LPI422H, LPI422H to BGRA8888, I444 to LPI422H   every pitch is the tight row of its plane
- *   I422V to all                                                the source's chroma pitches are its width
+ *   I422V and I444 to all                                       the source's chroma pitches are its width
  *   I422V and I444 to I420, NV21 and NV12                       the destination's chroma pitches are the tight rows
  *   I422H to NV21                                               the destination's pitch[1] equals its pitch[0]
  * I422H to NV12 is no match: its kernel spreads chroma rows two pitches apart from the start of each band, bands overlap, and
