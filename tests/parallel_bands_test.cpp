@@ -181,25 +181,39 @@ TEST_P(BandTask, RefusedBandsStayUntouched) {
     }
 }
 
-// Chroma of a band is found by the rows of the plane, at the whole image's pitches.
+// The planes of a band are found by their own rows and their own pitches, and its height is that of both images.
 TEST_P(BandTask, PlanesAreMovedToTheBandsFirstRow) {
     const Conversion& c = GetParam();
-    const auto moved = [](const Frame& whole, int row) {
+    const auto moved = [](const Frame& whole, RowRange rows) {
         zivcolor::Image band = whole.image;
-        band.height = 4;
+        band.height = rows.end - rows.start;
         const uint32_t format = band.format;
         for (int k = 0; k < plane_count(format); k++) {
             const bool halved = plane_rows(format, k, 16) == 8;
-            band.plane[k] += (halved ? row / 2 : row) * band.pitch[k];
+            band.plane[k] += (halved ? rows.start / 2 : rows.start) * band.pitch[k];
         }
         return band;
     };
-    const Frame from(c.source, 18, 16, 3);
-    Frame by_task(c.destination, 18, 16, 4), by_hand(c.destination, 18, 16, 4);
-    run_band(c.task, from, by_task, {6, 10}, 0x1FF);
-    const zivcolor::Image source = moved(from, 6), destination = moved(by_hand, 6);
-    EXPECT_EQ(zivColorCvt(&source, &destination, {0xFF}), zivStatus_OK);
-    EXPECT_EQ(by_task.memory, by_hand.memory);
+    Random random{base_seed};
+    const auto padding = [&] {
+        std::array<int, 3> bytes{};
+        for (int& b : bytes) b = random.below(41) - 15;
+        return bytes;
+    };
+    for (int round = 0; round < 200; round++) {
+        const int width = random.between(2, 40), height = 16, start = 2 * random.below(6);
+        const RowRange rows{start, random.between(start + 2, height)};
+        Frame from(c.source, width, height, random.next(), padding());
+        const std::array<int, 3> bytes = padding();
+        const uint64_t seed = random.next();
+        Frame by_task(c.destination, width, height, seed, bytes), by_hand(c.destination, width, height, seed, bytes);
+        from.image.height = by_task.image.height = random.between(-1, 20);
+        run_band(c.task, from, by_task, rows, 0x1FF);
+        const zivcolor::Image source = moved(from, rows), destination = moved(by_hand, rows);
+        EXPECT_EQ(zivColorCvt(&source, &destination, {0xFF}), zivStatus_OK);
+        ASSERT_EQ(by_task.memory, by_hand.memory)
+            << c.name << " " << width << " columns, rows " << rows.start << " to " << rows.end;
+    }
 }
 
 std::string name_of(const testing::TestParamInfo<Conversion>& info) { return info.param.name; }

@@ -1,6 +1,9 @@
-// An image that owns its memory: tight rows, every plane in the middle of ample room, all filled from a seed.
+// An image that owns its memory: every plane in the middle of ample room, all filled from a seed. Rows are tight, or padded by
+// so many bytes; the rows of a plane of negative padding follow each other upward, as far apart as its size tells.
 #pragma once
 
+#include <array>
+#include <cstdlib>
 #include <vector>
 
 #include "harness/conversions.h"
@@ -11,17 +14,19 @@ struct Frame {
     zivcolor::Image image{};
     std::vector<uint8_t> memory;
 
-    Frame(uint32_t format, int width, int height, uint64_t seed) {
+    Frame(uint32_t format, int width, int height, uint64_t seed, const std::array<int, 3>& padding = {}) {
         constexpr size_t margin = 256;
         image.format = format;
         image.width = width;
         image.height = height;
         size_t offset[3] = {}, size = margin;
         for (int k = 0; k < plane_count(format); k++) {
-            image.pitch[k] = tight_pitch(format, k, width);
-            offset[k] = size;
-            // Twice the rows: one kernel spreads its chroma over so many.
-            size += static_cast<size_t>(image.pitch[k]) * static_cast<size_t>(2 * height + 2) + margin;
+            const int bytes = padding[static_cast<size_t>(k)], pitch = tight_pitch(format, k, width) + std::abs(bytes);
+            // Twice the rows: one kernel spreads its chroma over so many. Some read no pitch and go downward whatever it is.
+            const auto room = static_cast<size_t>(pitch) * static_cast<size_t>(2 * height + 2);
+            image.pitch[k] = bytes < 0 ? -pitch : pitch;
+            offset[k] = bytes < 0 ? size + room : size;
+            size = offset[k] + room + margin;
         }
         memory.resize(size);
         fill(memory.data(), memory.size(), seed);
