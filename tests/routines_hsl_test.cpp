@@ -87,6 +87,34 @@ TEST_P(Hsl, WideImages) {
         for (uint32_t width = edge - 2; width <= edge + 9; ++width) expect_same({width, 3, 0, 0, 0}, random.next());
 }
 
+// Only here is a destination step below a row's bytes a plain distance: rows lie over each other and show the order of stores.
+TEST(HslOfI420, RowsThatOverlap) {
+    Random random{base_seed + 3};
+    for (uint32_t width = 8; width <= 140; ++width)
+        for (int round = 0; round < 4; ++round) {
+            const uint32_t step = static_cast<uint32_t>(random.below(static_cast<int>(3 * width)));
+            const Call call = [=](const KernelTable& kernels, uint8_t* const* b) -> int64_t {
+                return kernels.zivColorI420toHSL888u8(b[0], b[1], b[2], width, 5, b[3], width, width, step);
+            };
+            const size_t room = 6 * (width + 1), destination = 8 * 3 * (width + 1);
+            expect_same_bytes(call, {{0, room}, {0, room}, {0, room}, {64, destination}}, random.next(),
+                              [&] { return std::to_string(width) + " columns, step " + std::to_string(step); });
+            if (HasFailure()) return;
+        }
+}
+
+// A pixel is read whole before it is written.
+TEST(HslOfBgr, InPlace) {
+    for (uint32_t width = 8; width <= 140; ++width) {
+        const Call call = [=](const KernelTable& kernels, uint8_t* const* b) -> int64_t {
+            return kernels.zivColorBGR888toHSL888u8(b[0], b[0], 3, width, 3 * width + 5, 3 * width + 5);
+        };
+        expect_same_bytes(call, {{64, 3 * (3 * width + 5) + 64}}, base_seed + width,
+                          [&] { return std::to_string(width) + " columns in place"; });
+        if (testing::Test::HasFailure()) return;
+    }
+}
+
 TEST_P(Hsl, StayInsideTheirReach) {
     Random random{base_seed + 2};
     for (uint32_t width = 8; width <= 140; ++width)
