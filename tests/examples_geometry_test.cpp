@@ -209,11 +209,13 @@ TEST(MirrorExamples, Checks) {
             for (const int height : {0, -1, INT32_MIN}) {
                 from.descriptor().height = height;
                 EXPECT_EQ(mirror(from.image(), to.image()), zivStatus_OK);
+                EXPECT_EQ(mirror(from.image(), nullptr), zivStatus_OK);
             }
             from.descriptor().height = 2;
             for (const int width : {0, -1, -8}) {
                 from.descriptor().width = width;
                 EXPECT_EQ(mirror(from.image(), to.image()), zivStatus_OK);
+                EXPECT_EQ(mirror(from.image(), nullptr), zivStatus_OK);
             }
             expect_untouched(to);
             from.descriptor().width = 8;

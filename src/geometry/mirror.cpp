@@ -7,7 +7,6 @@ namespace zivcolor::ZIVCOLOR_TARGET {
 template <bool mirrored>
 ZIV_INLINE void mirror(const Image* srcImg, const PlaneRuns& dst) {
     const ptrdiff_t width = srcImg->width, height = srcImg->height;
-    if (width <= 0 || height <= 0) return;
     const PlaneRuns src{{srcImg->plane[0], ptrdiff_t{2} * srcImg->pitch[0]}, width, {srcImg->plane[1], srcImg->pitch[1]}};
     // The blocks stop 1 to 8 columns before the end.
     move_row_pairs<mirrored>(src, dst, (height + 1) >> 1, (width - 1) & ~ptrdiff_t{7}, (width + 1) & ~ptrdiff_t{1});
@@ -18,10 +17,13 @@ ZIV_INLINE int32_t check_mirror(const Image* srcImg) {
     return srcImg->format == zivPixFmt_NV21 ? zivStatus_OK : zivStatus_BadArgument;
 }
 
+// The destination is not looked at then.
+ZIV_INLINE bool is_empty(const Image* srcImg) { return srcImg->width <= 0 || srcImg->height <= 0; }
+
 // The destination's chroma rows step by the source's chroma pitch. Column 0 ends at the end of the destination's pitch.
 int32_t zivflip_horizontal_nv21(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_mirror(srcImg)) return status;
-    if (srcImg->height <= 0) return zivStatus_OK;
+    if (is_empty(srcImg)) return zivStatus_OK;
     const ptrdiff_t width = srcImg->width, bytes = (width + 1) & ~ptrdiff_t{1};
     const ptrdiff_t dst_pitch = dstImg->pitch[0], chroma_pitch = srcImg->pitch[1];
     const PlaneRuns dst{
@@ -33,7 +35,7 @@ int32_t zivflip_horizontal_nv21(const Image* srcImg, const Image* dstImg) {
 // The destination is stepped by the source's pitches, upward.
 int32_t zivflip_vertical_nv21(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_mirror(srcImg)) return status;
-    if (srcImg->height <= 0) return zivStatus_OK;
+    if (is_empty(srcImg)) return zivStatus_OK;
     const ptrdiff_t height = srcImg->height, pitch = srcImg->pitch[0], chroma_pitch = srcImg->pitch[1];
     const PlaneRuns dst{{dstImg->plane[0] + (height - 1) * pitch, -2 * pitch},
                         -ptrdiff_t{srcImg->width},

@@ -105,6 +105,7 @@ int32_t check_mirror(const Image* src) {
 int32_t zivflip_horizontal_nv21(const Image* srcImg, const Image* dstImg) {
     if (const int32_t failure = check_mirror(srcImg)) return failure;
     const int64_t w = srcImg->width;
+    if (w <= 0) return zivStatus_OK;
     const int64_t sc = srcImg->pitch[1];
     for (int64_t j = 0; j < srcImg->height; j += 2) {
         const uint8_t* luma = row(srcImg, 0, j);
@@ -127,6 +128,7 @@ int32_t zivflip_horizontal_nv21(const Image* srcImg, const Image* dstImg) {
 int32_t zivflip_vertical_nv21(const Image* srcImg, const Image* dstImg) {
     if (const int32_t failure = check_mirror(srcImg)) return failure;
     const int64_t w = srcImg->width;
+    if (w <= 0) return zivStatus_OK;
     const int64_t h = srcImg->height;
     for (int64_t j = 0; j < h; j += 2) {
         const uint8_t* luma = row(srcImg, 0, j);
