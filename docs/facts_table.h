@@ -31,7 +31,8 @@ struct SetFormulas {
     std::string_view name, outputs[3];
 };
 
-enum Bound { Fits, More };
+// Blocks run while that many columns are left, more than that, or four more.
+enum Bound { Fits, More, FourMore };
 enum Driver { Src, Dst };
 // A least size, of both images or of the destination alone; format codes are tested unless told otherwise.
 enum Check { Both2x2, Both2x1, Both1x1, Dst2x2SrcRows2, Dst2x2AnyFormat, Dst1x1, Dst1x1AnyFormat };

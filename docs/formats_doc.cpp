@@ -88,8 +88,8 @@ string set_name(Set set) {
 
 string blocks(const Facts& f) {
     if (f.block == 0) return "none; steps of " + number(f.step);
-    const string width = number(f.block);
-    return width + " while " + (f.bound == More ? "more than " : "") + width + " are left; then " + number(f.step);
+    const string left = number(f.bound == FourMore ? f.block + 4 : f.block);
+    return number(f.block) + " while " + (f.bound == More ? "more than " : "") + left + " are left; then " + number(f.step);
 }
 
 string walk(const Facts& f) {

@@ -197,9 +197,9 @@
     FACTS(zivColorNV21toNV41_2,     Means, 32, Fits, 4, Src, Src, Dst2x2SrcRows2,  P1,   P01,  Fours,   Fours,   Differ, \
           "As zivColorNV21toNV41; then clears pitch[1] - W / 2 bytes after each chroma row, and pitch[1] * H / 4 bytes after " \
           "the last: what the chroma plane of an NV21 image holds beyond.") \
-    FACTS(zivColorNV41toNV21,       Means, 32, More, 4, Src, Src, Dst2x2SrcRows2,  P1,   P01,  Fours,   Fours,   Differ, \
+    FACTS(zivColorNV41toNV21,       Means, 32, FourMore, 4, Src, Src, Dst2x2SrcRows2,  P1,   P01,  Fours,   Fours,   Differ, \
           "ENDS THE PROCESS for every W above 0: its tail, which every row reaches, ends in a trap. Use " \
-          "zivColorNV41toNV21_2. Blocks run while 36 columns are left.") \
+          "zivColorNV41toNV21_2.") \
     FACTS(zivColorNV41toNV21_2,     Means, 32, Fits, 4, Src, Src, Dst2x2SrcRows2,  P1,   P01,  Fours,   Fours,   Differ, \
           "Luma as zivColorNV21toNV41. Both images may be the same memory. Needs a work buffer of two of the source's chroma " \
           "rows, and a destination pitch[1] not above the source's. What no step writes of the top two rows, padding among " \

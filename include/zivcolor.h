@@ -373,7 +373,7 @@ ZIVCOLOR_API int32_t zivColorYUYVtoNV12u8_v2(const __tag_KOBR_OFFSCREEN* srcImg,
  * No format code is tested, and of the sizes only the destination's. */
 ZIVCOLOR_API int32_t zivColorYUYVtoI420u8_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 /* The three on two tight buffers of lWidth * lHeight pixels: Y, then the chroma at lWidth * lHeight, V of I420 a quarter of
- * that further on. Sizes below 2 are refused. They walk by running pointers, so an odd width shows:
+ * that, rounded down, further on. Sizes below 2 are refused. They walk by running pointers, so an odd width shows:
  *   NV21  whole pairs, a column past the width in every row: each next row begins a column later, in source and destination
  *   NV12  single columns, exact: the last pair of each chroma row has no V
  *   I420  the last column is not written; a pass of two rows begins a column earlier than the one before should end, U and V
@@ -462,8 +462,9 @@ ZIVCOLOR_API int32_t zivColorNV21toYUVu8(const __tag_KOBR_OFFSCREEN* srcImg, con
 /* Down: each sample is (a + b + c + d + 2) >> 2 over 2 by 2 samples of NV21. Blocks of 32 luma columns while they fit, then
  * steps of 4, whose V goes on where the blocks stopped and whose U begins at the start of the row again: behind blocks, the
  * U of the tail's own columns stays unwritten. zivColorNV21toNV41_2, which zivColorCvt takes, also clears what NV41 leaves
- * of a chroma plane of NV21's size: pitch[1] - W / 2 bytes behind each row, and (pitch[1] * H) / 4 bytes behind the last.
- * */
+ * of a chroma plane of NV21's size, by the destination's pitch[1]: pitch[1] - W / 2 bytes behind each row, and
+ * (pitch[1] * H) / 4 bytes behind the last. There are (H + 3) / 4 passes, of two rows read and one written: an H that is no
+ * multiple of 4 may read past the plane. A W that is no multiple of 4 reads a pair further and writes one past W / 2. */
 ZIVCOLOR_API int32_t zivColorNV21toNV41(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorNV21toNV41_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 /* Up, first generation: ENDS THE PROCESS abnormally for every source width above 0, after luma, the blocks of the first two
@@ -475,7 +476,8 @@ ZIVCOLOR_API int32_t zivColorNV41toNV21(const __tag_KOBR_OFFSCREEN* srcImg, cons
  *   row 2 r       (T + B + 1) >> 1 and (T + Tn + B + Bn + 2) >> 2
  *   row 2 r + 1   T and (T + Tn + 1) >> 1
  * Walks from the bottom up, so that both images may be the same memory (equal pitches, H a multiple of 4). Blocks of 32
- * luma columns while they fit, then steps of 4, whose U begins at the start of the row again, as on the way down. The top
+ * luma columns while they fit, then steps of 4, whose U begins at the start of the row again, as on the way down; its last
+ * step takes T and B for their own neighbours there too, which changes a byte that the blocks have written. The top
  * two rows pass through a work buffer of two of the source's chroma rows, all of which is copied at the end: the
  * destination's pitch[1] must not be above the source's. The buffer is not cleared, so that in these two rows what no step
  * writes, padding and the U of a tail behind blocks, takes any value. With an H that is no multiple of 4 there is no such
@@ -488,7 +490,8 @@ ZIVCOLOR_API int32_t zivColorNV41toNV21_2(const __tag_KOBR_OFFSCREEN* srcImg, co
 
 /* Channels reordered, alpha dropped or added, or pixels packed into 16-bit words: no arithmetic beyond shifts and masks. Blocks
  * and tail give the same bytes. Every kernel walks the size of dstImg and uses plane[0] and pitch[0] of both descriptors; it
- * reads and writes exactly the pixels of its rows. Pitches, plane pointers and overlap are not tested.
+ * reads and writes exactly the pixels of its rows. Pitches, plane pointers and overlap are not tested; the pixels of images
+ * that overlap are undetermined, but for the exchange in place.
  *   zivStatus_NullPointer   srcImg or dstImg is null
  *   zivStatus_BadArgument   a format code is not the kernel's own, or a size below its least
  *   zivStatus_OK            otherwise */
@@ -560,8 +563,9 @@ ZIVCOLOR_API int32_t zivColorRGB565toHSL888u8(const uint8_t* pBgr565, uint8_t* p
 /* I420 to HSL888 by way of B, G, R; the four pixels of a 2 by 2 square share their chroma. Full range, scale 2^14, u and v
  * centred: B = (16384 Y + 29049 u + 8192) >> 14, G = (16384 Y - 5636 u - 11698 v + 8192) >> 14, R = (16384 Y + 22987 v +
  * 8192) >> 14, each clamped. y_step1 and hsl_step1 are bytes per luma and HSL row, cbcr_step1 bytes per row of either chroma
- * plane. Works on two rows and two columns at a time: an odd lHeight reads and writes the row after the last, an odd lWidth
- * one pixel beyond each row, and the chroma sample that goes with it. */
+ * plane; a small hsl_step1 does not wrap as it does above, rows then lie over each other. Works on two rows and two columns at
+ * a time: an odd lHeight reads and writes the row after the last, an odd lWidth one pixel beyond each row, and the chroma
+ * sample that goes with it. */
 ZIVCOLOR_API int32_t zivColorI420toHSL888u8(const uint8_t* pY, const uint8_t* pCb, const uint8_t* pCr, uint32_t lWidth,
                                             uint32_t lHeight, uint8_t* pHSL, uint32_t y_step1, uint32_t cbcr_step1,
                                             uint32_t hsl_step1);
@@ -575,8 +579,9 @@ ZIVCOLOR_API int32_t zivColorI420toHSL888u8(const uint8_t* pY, const uint8_t* pC
  *
  * Only whole blocks are moved; the rest of the destination stays as it was, all of it if the source holds no block. Two
  * bytes of a pair keep their order.
- *   quarter turns   blocks of 8 by 8 luma samples and the 4 by 4 pairs under them; luma is read at pitch sp, pairs at
- *                   2 * (sp >> 1) and written at 2 * (dp >> 1): no pitch[1] is read
+ *   quarter turns   blocks of 8 by 8 luma samples and the 4 by 4 pairs under them. No pitch[1] is read: the pairs of the
+ *                   block at row y start at (y / 2) * sp. Within a block, rows of pairs are 2 * (sp >> 1) bytes apart in
+ *                   the source and 2 * (dp >> 1) in the destination, so that odd pitches depart from the places below
  *     lmode 1       luma of row y, column x goes to plane[0] + x * dp + (dp - 1 - y), pair xc of chroma row yc to
  *                   plane[1] + xc * dp + (dp - 2 - 2 yc): the right edge stands at byte dp of a row
  *     lmode 3       to plane[0] + (W - 1 - x) * dp + y and plane[1] + ((dp * height) >> 1) - (xc + 1) * dp + 2 yc, with the
@@ -593,7 +598,7 @@ ZIVCOLOR_API void zivRotate(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR
  * width, height, pitch[0] and pitch[1]; dp is the destination's pitch[0]. Rows go in pairs whose second row is W bytes
  * behind the first in the source, whatever sp says; chroma rows step by sc in both images. Two bytes of a pair keep their
  * order. Columns go in twos: an odd W touches one column more, an odd H one row more. Nothing of dstImg is tested, not even
- * for null.
+ * for null; where W or H is 0 or less, it is not looked at.
  *   horizontal   luma of row j (even), column x goes to plane[0] + (j + 1) * dp - 1 - x, that of row j + 1 to W bytes behind;
  *                the pair xc of row j / 2 to plane[1] + (j / 2 + 1) * sc - 2 - 2 xc
  *   vertical     luma of row j (even), column x goes to plane[0] + (H - 1 - j) * sp + x, that of row j + 1 to W bytes before;

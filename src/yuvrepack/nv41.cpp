@@ -1,5 +1,5 @@
-// NV21 from and to NV41, whose chroma is quartered in both directions. Sizes are the source's. The second generation, in either
-// direction, may have the same memory as source and destination.
+// NV21 from and to NV41, whose chroma is quartered in both directions. Sizes are the source's. Upward the second generation may
+// have the same memory as source and destination; downward the tail's U reads the start of a row again after it was written.
 #include "core/kernel.h"
 #include "parallel/memory.h"
 
