@@ -1,7 +1,7 @@
 // The public header in C++: the same layout as in C, the codes and statuses as numbers, and a call made from C.
-#include <gtest/gtest.h>
-
 #include "zivcolor.h"
+
+#include <gtest/gtest.h>
 
 extern "C" int32_t zivcolor_called_from_c(void);
 
