@@ -12,6 +12,8 @@
 #define ZIV_INLINE [[gnu::always_inline]] inline
 #define ZIV_INLINE_BODY __attribute__((always_inline))  // for the lambdas that are a kernel's block bodies
 
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "kernels take bytes for lanes of 16 bits and back");
+
 namespace zivcolor::ZIVCOLOR_TARGET {
 
 template <int bytes>
