@@ -62,16 +62,16 @@ ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_
         : "w"(v0), "w"(v1), "w"(v2), "w"(v3));
 }
 #else
-ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b) { vst2q_u8(p, {{a, b}}); }
-ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c) { vst3q_u8(p, {{a, b, c}}); }
+ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b) { vst2q_u8(p, (uint8x16x2_t{{a, b}})); }
+ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c) { vst3q_u8(p, (uint8x16x3_t{{a, b, c}})); }
 ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c, uint8x16_t d) {
-    vst4q_u8(p, {{a, b, c, d}});
+    vst4q_u8(p, (uint8x16x4_t{{a, b, c, d}}));
 }
 #endif
 
 template <>
 ZIV_INLINE void store2<16>(uint8_t* p, U8<16> a, U8<16> b) {
-    vst2q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b}});
+    vst2q_u8(p, (uint8x16x2_t{{(uint8x16_t)a, (uint8x16_t)b}}));
 }
 template <>
 ZIV_INLINE void store3<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c) {
@@ -273,8 +273,8 @@ struct PixelMove<16, in, from...> {
         Channels<16, in> v;
         if constexpr (in == 3) v = load3<16>(src);
         else v = load4<16>(src);
-        if constexpr (sizeof...(from) == 3) vst3q_u8(dst, {{(uint8x16_t)channel<from>(v)...}});
-        else vst4q_u8(dst, {{(uint8x16_t)channel<from>(v)...}});
+        if constexpr (sizeof...(from) == 3) vst3q_u8(dst, (uint8x16x3_t{{(uint8x16_t)channel<from>(v)...}}));
+        else vst4q_u8(dst, (uint8x16x4_t{{(uint8x16_t)channel<from>(v)...}}));
     }
 };
 
@@ -306,7 +306,8 @@ ZIV_INLINE Channels<16, 4> load_for_yuyv<16>(const uint8_t* luma, const uint8_t*
 }
 template <>
 ZIV_INLINE void store_yuyv<16>(uint8_t* p, const Channels<16, 4>& parts) {
-    vst4q_u8(p, {{(uint8x16_t)parts.c[0], (uint8x16_t)parts.c[1], (uint8x16_t)parts.c[2], (uint8x16_t)parts.c[3]}});
+    vst4q_u8(p,
+             (uint8x16x4_t{{(uint8x16_t)parts.c[0], (uint8x16_t)parts.c[1], (uint8x16_t)parts.c[2], (uint8x16_t)parts.c[3]}}));
 }
 
 template <>

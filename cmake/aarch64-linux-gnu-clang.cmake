@@ -1,0 +1,13 @@
+# AArch64 Linux with clang: -DCMAKE_TOOLCHAIN_FILE=cmake/aarch64-linux-gnu-clang.cmake, and -DZIVCOLOR_CLANG=clang++-19 to name one.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(ZIVCOLOR_CLANG clang++ CACHE STRING "The clang++ to cross-compile with")
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ZIVCOLOR_CLANG)
+string(REPLACE "clang++" "clang" ZIVCOLOR_CLANG_C "${ZIVCOLOR_CLANG}")
+set(CMAKE_C_COMPILER ${ZIVCOLOR_CLANG_C})
+set(CMAKE_CXX_COMPILER ${ZIVCOLOR_CLANG})
+set(CMAKE_C_COMPILER_TARGET aarch64-linux-gnu)
+set(CMAKE_CXX_COMPILER_TARGET aarch64-linux-gnu)
+set(CMAKE_FIND_ROOT_PATH /usr/aarch64-linux-gnu)
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
