@@ -86,7 +86,7 @@ ZIV_INLINE void BGRtoHSL_NEON(const uint8_t* bgr, uint8_t* hsl) {
 // The columns of a row that go in steps of 8 and more; up to seven are left to the scalar form. The blocks run while their
 // first column is below width - 8, an unsigned bound: widths from 3 to 7 wrap it, and the blocks run away. Where the last block
 // of a width is whole it may as well be one of them, as the forms agree.
-ZIV_INLINE ptrdiff_t hsl_blocked_columns(uint32_t width) { return ptrdiff_t{(width - 8) / 8} * 8 + 8; }
+ZIV_INLINE ptrdiff_t hsl_blocked_columns(uint32_t width) { return static_cast<ptrdiff_t>((width - 8) / 8) * 8 + 8; }
 
 // The blocked columns of a row in steps: body(Step<N>{}, column), N down to 8.
 template <class Body>

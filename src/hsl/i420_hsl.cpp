@@ -55,15 +55,17 @@ int32_t zivColorI420toHSL888u8(const uint8_t* pY, const uint8_t* pCb, const uint
                                uint8_t* pHSL, uint32_t y_step1, uint32_t cbcr_step1, uint32_t hsl_step1) {
     if (!pY || !pCb || !pCr || !pHSL) return zivStatus_NullPointer;
     if (lWidth < 3 || lHeight < 3) return zivStatus_BadArgument;
-    const ptrdiff_t width = lWidth, height = lHeight;
+    const ptrdiff_t width = static_cast<ptrdiff_t>(lWidth), height = static_cast<ptrdiff_t>(lHeight);
+    const ptrdiff_t luma_step = static_cast<ptrdiff_t>(y_step1), chroma_step = static_cast<ptrdiff_t>(cbcr_step1);
+    const ptrdiff_t dst_step = static_cast<ptrdiff_t>(hsl_step1);
     // Rows that lie over each other show the order of stores: by 8 columns, of which the last of a row are never a block.
-    const bool overlapping = hsl_step1 < 3 * width;
+    const bool overlapping = dst_step < 3 * width;
     const ptrdiff_t blocked = hsl_blocked_columns(lWidth) - (overlapping && width % 8 == 0 ? 8 : 0);
     // An odd height converts the row after the last, an odd width the pixel after the last.
     for (ptrdiff_t j = 0; j < height; j += 2) {
-        const uint8_t *const luma0 = pY + j * y_step1, *const luma1 = luma0 + y_step1;
-        const uint8_t *const cb = pCb + j / 2 * cbcr_step1, *const cr = pCr + j / 2 * cbcr_step1;
-        uint8_t *const dst0 = pHSL + j * hsl_step1, *const dst1 = dst0 + hsl_step1;
+        const uint8_t *const luma0 = pY + j * luma_step, *const luma1 = luma0 + luma_step;
+        const uint8_t *const cb = pCb + j / 2 * chroma_step, *const cr = pCr + j / 2 * chroma_step;
+        uint8_t *const dst0 = pHSL + j * dst_step, *const dst1 = dst0 + dst_step;
         const auto convert = [&](auto step, ptrdiff_t i) ZIV_INLINE_BODY {
             convert_block<step.value>(luma0 + i, luma1 + i, cb + i / 2, cr + i / 2, dst0 + 3 * i, dst1 + 3 * i);
         };

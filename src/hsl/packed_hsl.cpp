@@ -10,12 +10,12 @@ ZIV_INLINE int32_t check_hsl(const uint8_t* src, const uint8_t* dst, uint32_t he
 
 // From the end of a row of 3 bytes a pixel to the next row: the gap is zero-extended, so that a stride below the row's bytes
 // goes forward by nearly 2^32.
-ZIV_INLINE ptrdiff_t gap(uint32_t line_bytes, uint32_t width) { return ptrdiff_t{line_bytes - 3 * width}; }
+ZIV_INLINE ptrdiff_t gap(uint32_t line_bytes, uint32_t width) { return static_cast<ptrdiff_t>(line_bytes - 3 * width); }
 
 int32_t zivColorBGR888toHSL888u8(const uint8_t* bgr, uint8_t* hsl, uint32_t lHeight, uint32_t lWidth, uint32_t lineBytesBgr,
                                  uint32_t lineBytesHsl) {
     if (const int32_t status = check_hsl(bgr, hsl, lHeight, lWidth)) return status;
-    const ptrdiff_t width = lWidth, blocked = hsl_blocked_columns(lWidth);
+    const ptrdiff_t width = static_cast<ptrdiff_t>(lWidth), blocked = hsl_blocked_columns(lWidth);
     const ptrdiff_t src_step = 3 * width + gap(lineBytesBgr, lWidth), dst_step = 3 * width + gap(lineBytesHsl, lWidth);
     for (uint32_t i = 0; i < lHeight; i++, bgr += src_step, hsl += dst_step) {
         for_hsl_steps(blocked,
@@ -52,7 +52,7 @@ template <bool red_high>
 ZIV_INLINE int32_t words_to_hsl(const uint8_t* words, uint8_t* hsl, uint32_t height, uint32_t width32, uint32_t line_bytes,
                                 uint32_t line_bytes_hsl) {
     if (const int32_t status = check_hsl(words, hsl, height, width32)) return status;
-    const ptrdiff_t width = width32, blocked = hsl_blocked_columns(width32);
+    const ptrdiff_t width = static_cast<ptrdiff_t>(width32), blocked = hsl_blocked_columns(width32);
     const ptrdiff_t dst_step = 3 * width + gap(line_bytes_hsl, width32);
     for (uint32_t i = 0; i < height; i++, words += line_bytes, hsl += dst_step) {
         for_hsl_steps(blocked, [&](auto step, ptrdiff_t j)

@@ -62,7 +62,7 @@ int32_t zivColorRGB888toBGR888u8_2(const Image* srcImg, const Image* dstImg) {
 int32_t zivColorRGB888toBGR888u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height) {
     if (!pSrc || !pDst) return zivStatus_NullPointer;
     if (width < 1 || height < 1) return zivStatus_BadArgument;
-    swap_row(pSrc, pDst, width * height);
+    swap_row(pSrc, pDst, static_cast<ptrdiff_t>(width * height));
     return zivStatus_OK;
 }
 

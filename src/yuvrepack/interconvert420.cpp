@@ -76,9 +76,9 @@ int32_t zivColorYV12toNV21u8_2(const Image* srcImg, const Image* dstImg) {
 int32_t zivColorYV12toNV21u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height) {
     if (!pSrc || !pDst) return zivStatus_NullPointer;
     if (width < 2 || height < 2) return zivStatus_BadArgument;
-    const ptrdiff_t luma_bytes = width * height;
-    ptrdiff_t columns = whole_pairs_up(width), pairs = columns >> 1, rows = height;
-    if (columns == width) pairs *= (height + 1) >> 1, columns = luma_bytes, rows = 1;
+    const ptrdiff_t luma_columns = static_cast<ptrdiff_t>(width), luma_bytes = static_cast<ptrdiff_t>(width * height);
+    ptrdiff_t columns = whole_pairs_up(luma_columns), pairs = columns >> 1, rows = static_cast<ptrdiff_t>(height);
+    if (columns == luma_columns) pairs *= (rows + 1) >> 1, columns = luma_bytes, rows = 1;
     const uint8_t* luma = pSrc;
     const uint8_t* first = pSrc + luma_bytes;
     const uint8_t* second = first + (luma_bytes >> 2);
