@@ -9,10 +9,13 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/zivcolor-config-ver
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zivcolor-config.cmake ${CMAKE_CURRENT_BINARY_DIR}/zivcolor-config-version.cmake
         DESTINATION ${package_folder})
 
-# The prefix is told from the place of the file itself, so that an installation can be moved.
-file(RELATIVE_PATH pc_to_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
-configure_file(cmake/zivcolor.pc.in ${CMAKE_CURRENT_BINARY_DIR}/zivcolor.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zivcolor.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+# pkg-config's file is written for the prefix that the files go to in the end, which may be told as late as then.
+list(TRANSFORM zivcolor_cxx_libraries PREPEND -l OUTPUT_VARIABLE cxx_link_options)
+list(JOIN cxx_link_options " " cxx_link_options)
+set(private_libraries "${CMAKE_THREAD_LIBS_INIT} ${cxx_link_options}")
+string(STRIP "${private_libraries}" private_libraries)
+configure_file(cmake/install_pc.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/install_pc.cmake @ONLY)
+install(SCRIPT ${CMAKE_CURRENT_BINARY_DIR}/install_pc.cmake)
 
 set(CPACK_GENERATOR TGZ DEB)
 set(CPACK_PACKAGE_NAME zivcolor)
