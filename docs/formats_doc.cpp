@@ -22,7 +22,7 @@ struct Kernel {
 constexpr int NoTask = -1;
 constexpr bool Alpha = true, Opaque = false, Dispatched = true, Direct = false;
 
-#define ZIVCOLOR_KERNEL(name, source, destination, alpha, reach, task) {#name, #source, #destination, alpha, reach, task},
+#define ZIVCOLOR_KERNEL(name, source, destination, alpha, dispatch, task) {#name, #source, #destination, alpha, dispatch, task},
 constexpr Kernel yuv_to_rgb[] = {ZIVCOLOR_YUV2RGB_CONVERSIONS(ZIVCOLOR_KERNEL)};
 constexpr Kernel rgb_to_yuv[] = {ZIVCOLOR_RGB2YUV_CONVERSIONS(ZIVCOLOR_KERNEL)};
 constexpr Kernel yuv_to_yuv[] = {ZIVCOLOR_YUVREPACK_CONVERSIONS(ZIVCOLOR_KERNEL)};
@@ -143,7 +143,8 @@ const char* odd_height(int value) {
 template <size_t rows>
 void print_kernels(const char* title, const Kernel (&kernels)[rows]) {
     print("## ", title, "\n\n",
-          "| Pair | Kernel | Set | Blocks of columns | W and H of | Least size | Pitches read: source; destination | Odd W | "
+          "| Pair | Kernel | Set | Blocks of columns | W and H of | MinimumSizes size | Pitches read: source; destination | "
+          "Odd W | "
           "Odd H "
           "| Band task | Block and tail |\n|---|---|---|---|---|---|---|---|---|---|---|\n");
     for (const Kernel& k : kernels) {
@@ -178,7 +179,7 @@ void print_all() {
         "- *Set*: the coefficients of the blocks; a tail with others is told in the notes below the table.\n"
         "- *Blocks of columns*: the block's width and when one is taken, then the columns of a tail step.\n"
         "- *W and H of*: the image whose size is walked. Sizes of the two images are never compared.\n"
-        "- *Least size*: of both images, unless told otherwise; below it the status is -2 and nothing is written.\n"
+        "- *MinimumSizes size*: of both images, unless told otherwise; below it the status is -2 and nothing is written.\n"
         "- *Pitches read*: those of other planes are not looked at; the notes say how their rows are found.\n"
         "- *Odd W*, *Odd H*: what becomes of the last column and row.\n"
         "- *Band task*: the index that `zivColorCvtFunc` gives for the pair; without one the pair has no multi-threaded form.\n"

@@ -11,7 +11,7 @@
 #include "harness/workspace.h"
 #include "lanes/lane_terms.h"
 
-#define DECLARE(target)                         \
+#define DECLARE(target, condition)              \
     namespace zivcolor::target {                \
     extern const harness::LaneTerms lane_terms; \
     }
@@ -124,9 +124,9 @@ int u_f32(Rgb rgb) { return cut_f32(rgb, {-0.1678f, -0.3313f, 0.5f}, false); }
 int v_f32(Rgb rgb) { return cut_f32(rgb, {0.5f, -0.4187f, -0.0813f}, false); }
 Rgb reversed(Rgb p) { return {p.c2, p.c1, p.c0}; }
 // Integer sums near them, over 2^21, 2^22 and 2^20; whether the bits next below the point are all 0.
-int near_luma(Rgb bgr) { return -2748 * (-87 * bgr.c0 + 58 * bgr.c1) - 27263 * (-23 * bgr.c2 - 51 * bgr.c1); }
-int near_u(Rgb rgb) { return -16384 * (-128 * rgb.c2 + 70 * rgb.c1) + 24269 * (-29 * rgb.c0 - 10 * rgb.c1); }
-int near_v(Rgb rgb) { return 666 * (-128 * rgb.c2 + 5 * rgb.c1) - 4096 * (-128 * rgb.c0 + 108 * rgb.c1); }
+int approximate_luma(Rgb bgr) { return -2748 * (-87 * bgr.c0 + 58 * bgr.c1) - 27263 * (-23 * bgr.c2 - 51 * bgr.c1); }
+int approximate_u(Rgb rgb) { return -16384 * (-128 * rgb.c2 + 70 * rgb.c1) + 24269 * (-29 * rgb.c0 - 10 * rgb.c1); }
+int approximate_v(Rgb rgb) { return 666 * (-128 * rgb.c2 + 5 * rgb.c1) - 4096 * (-128 * rgb.c0 + 108 * rgb.c1); }
 bool near_whole(int sum, int scale, int bits) { return (sum >> (scale - bits) & ((1 << bits) - 1)) == 0; }
 
 int s32(const uint8_t* p, int lane) {
@@ -304,15 +304,15 @@ const std::map<std::string, Meaning>& meanings() {
          }},
         {"narrow_lanes", moves(1, [](int, int n) { return 4 * n; })},
         {"narrow_even_lanes", moves(1, [](int, int n) { return n / 2 * 8 + n % 2; })},
-        {"weigh_cut", sums(luma_f32, u_f32, v_f32)},
+        {"weigh_truncated", sums(luma_f32, u_f32, v_f32)},
         {"luma_f32", per_byte([](const uint8_t* in, int, int n) { return luma_f32(pixel(in, 4, n)); })},
         {"chroma_pairs_f32", per_byte([](const uint8_t* in, int, int n) {
              const Rgb p = pixel(in, 4, n & ~1);
              return (n % 2 ? u_f32(p) : v_f32(p)) + 128;
          })},
-        {"near_sums", sums(near_luma, near_u, near_v)},
-        {"store_near_luma", per_byte([](const uint8_t* in, int, int n) { return luma_f32(pixel(in, 4, n)); })},
-        {"store_near",
+        {"approximate_sums", sums(approximate_luma, approximate_u, approximate_v)},
+        {"store_approximated_luma", per_byte([](const uint8_t* in, int, int n) { return luma_f32(pixel(in, 4, n)); })},
+        {"store_approximated",
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int n = 0; n < N; n++) {
                  const Rgb even = reversed(pixel(in, 4, n & ~1));
@@ -320,13 +320,13 @@ const std::map<std::string, Meaning>& meanings() {
                  out[N + n] = static_cast<uint8_t>((n % 2 ? u_f32(even) : v_f32(even)) + 128);
              }
          }},
-        {"left_by_near",
+        {"left_by_approximation",
          [](int N, const uint8_t* in, uint8_t* out) {
              bool luma = false, chroma = false;
              for (int n = 0; n < N; n++) {
                  const Rgb p = pixel(in, 4, n), even = reversed(pixel(in, 4, n & ~1));
-                 luma |= near_whole(near_luma(p), 21, 10);
-                 chroma |= near_whole(near_v(even), 20, 11) || near_whole(near_u(even), 22, 11);
+                 luma |= near_whole(approximate_luma(p), 21, 10);
+                 chroma |= near_whole(approximate_v(even), 20, 11) || near_whole(approximate_u(even), 22, 11);
              }
              out[0] = luma ? 2 : chroma ? 1 : 0;
          }},
@@ -336,12 +336,12 @@ const std::map<std::string, Meaning>& meanings() {
              for (int i = 0; i < N / 4; i++)
                  if (near_whole(s32(in, i), 21, 10) || near_whole(s32(in + N, i), 22, 11)) out[0] = 0;
          }},
-        {"cut_pairs",
+        {"truncate_pairs",
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int i = 0; i < N / 4; i++) put16(out, 2 * i, s32(in, i) >> 20), put16(out, 2 * i + 1, s32(in + N, i) >> 22);
          }},
-        {"cut_towards_0", per_byte([](const uint8_t* in, int, int n) { return in[n] + (in[n] > 127) + 128; })},
-        {"cut_luma", per_byte([](const uint8_t* in, int, int n) { return s32(in, n) >> 21 & 255; })},
+        {"truncate_towards_0", per_byte([](const uint8_t* in, int, int n) { return in[n] + (in[n] > 127) + 128; })},
+        {"truncate_luma", per_byte([](const uint8_t* in, int, int n) { return s32(in, n) >> 21 & 255; })},
         {"store_pixels3", store_pixels<3>},
         {"store_pixels4", store_pixels<4>},
         {"store_pixels3_from_memory", store_pixels<3>},
@@ -364,7 +364,7 @@ std::vector<Row> rows() {
             if (name == target.name && target.runs_here())
                 for (int i = 0; i < terms.count; i++) all.push_back({name, terms.rows[i]});
     };
-#define COLLECT(target) collect(#target, zivcolor::target::lane_terms);
+#define COLLECT(target, condition) collect(#target, zivcolor::target::lane_terms);
     ZIVCOLOR_BUILT_TARGETS(COLLECT)
 #undef COLLECT
     return all;

@@ -14,8 +14,8 @@ int32_t dispatch(const Image* srcImg, const Image* dstImg, [[maybe_unused]] uint
 #define ZIVCOLOR_ROW_Dispatched(source, destination, call)     \
     case pair_of(zivPixFmt_##source, zivPixFmt_##destination): \
         return call;
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task) \
-    ZIVCOLOR_ROW_##reach(source, destination, ZIVCOLOR_CALL_##alpha(name))
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task) \
+    ZIVCOLOR_ROW_##dispatch(source, destination, ZIVCOLOR_CALL_##alpha(name))
     switch (pair_of(srcImg->format, dstImg->format)) {
         ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
         default: return zivStatus_BadArgument;

@@ -6,33 +6,34 @@
 #include <stdint.h>
 
 #include "core/image.h"
-#include "core/lanes.h"
+#include "lanes/lanes.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
 // The least sizes that a kernel takes; unchecked where it does not look.
-struct Least {
+struct MinimumSizes {
     int32_t source_width, source_height, destination_width, destination_height;
 };
 inline constexpr int32_t unchecked = INT32_MIN;
-inline constexpr Least both_2x2{2, 2, 2, 2};
-inline constexpr Least both_2x1{2, 1, 2, 1};  // width 2, height 1
-inline constexpr Least both_1x1{1, 1, 1, 1};
-inline constexpr Least destination_2x2_source_height_2{unchecked, 2, 2, 2};
-inline constexpr Least destination_2x2{unchecked, unchecked, 2, 2};
-inline constexpr Least destination_1x1{unchecked, unchecked, 1, 1};
+inline constexpr MinimumSizes both_2x2{2, 2, 2, 2};
+inline constexpr MinimumSizes both_2x1{2, 1, 2, 1};  // width 2, height 1
+inline constexpr MinimumSizes both_1x1{1, 1, 1, 1};
+inline constexpr MinimumSizes destination_2x2_source_height_2{unchecked, 2, 2, 2};
+inline constexpr MinimumSizes destination_2x2{unchecked, unchecked, 2, 2};
+inline constexpr MinimumSizes destination_1x1{unchecked, unchecked, 1, 1};
 
-ZIV_INLINE int32_t check_sizes(const Image* srcImg, const Image* dstImg, Least least) {
+ZIV_INLINE int32_t check_sizes(const Image* srcImg, const Image* dstImg, MinimumSizes minimum) {
     if (!srcImg || !dstImg) return zivStatus_NullPointer;
-    const bool fits = srcImg->width >= least.source_width && srcImg->height >= least.source_height &&
-                      dstImg->width >= least.destination_width && dstImg->height >= least.destination_height;
+    const bool fits = srcImg->width >= minimum.source_width && srcImg->height >= minimum.source_height &&
+                      dstImg->width >= minimum.destination_width && dstImg->height >= minimum.destination_height;
     return fits ? zivStatus_OK : zivStatus_BadArgument;
 }
 
-ZIV_INLINE int32_t check(const Image* srcImg, const Image* dstImg, uint32_t source, uint32_t destination, Least least) {
+ZIV_INLINE int32_t check(const Image* srcImg, const Image* dstImg, uint32_t source, uint32_t destination,
+                         MinimumSizes minimum) {
     if (!srcImg || !dstImg) return zivStatus_NullPointer;
     if (srcImg->format != source || dstImg->format != destination) return zivStatus_BadArgument;
-    return check_sizes(srcImg, dstImg, least);
+    return check_sizes(srcImg, dstImg, minimum);
 }
 
 // The row of a plane.
@@ -58,7 +59,7 @@ struct Step {
 };
 
 // A column hidden from compilers that would carry an address of its own through the loop for every row and register.
-ZIV_INLINE ptrdiff_t kept_index(ptrdiff_t j) {
+ZIV_INLINE ptrdiff_t hidden_index(ptrdiff_t j) {
     asm("" : "+r"(j));
     return j;
 }

@@ -100,14 +100,16 @@
     KERNEL(zivColorBGR888toRGB565u8,   BGR888,   RGB565,   Opaque, Dispatched, NoTask) \
     KERNEL(zivColorBGR888toBGR565u8,   BGR888,   BGR565,   Opaque, Dispatched, NoTask)
 
-#define ZIVCOLOR_CONVERSIONS(KERNEL)       \
-    ZIVCOLOR_YUV2RGB_CONVERSIONS(KERNEL)   \
-    ZIVCOLOR_RGB2YUV_CONVERSIONS(KERNEL)   \
-    ZIVCOLOR_YUVREPACK_CONVERSIONS(KERNEL) \
-    ZIVCOLOR_RGBREPACK_CONVERSIONS(KERNEL)
+#define ZIVCOLOR_HSL_CONVERSIONS(KERNEL)
+#define ZIVCOLOR_GEOMETRY_CONVERSIONS(KERNEL)
+#define ZIVCOLOR_ENHANCE_CONVERSIONS(KERNEL)
 
 // Kernels with a signature of their own.
 //   KERNEL(result, name, (parameters), (arguments))
+#define ZIVCOLOR_YUV2RGB_ROUTINES(KERNEL)
+
+#define ZIVCOLOR_RGB2YUV_ROUTINES(KERNEL)
+
 #define ZIVCOLOR_YUVREPACK_ROUTINES(KERNEL)                                         \
     KERNEL(int32_t, zivColorYV12toNV21u8,                                           \
            (const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height),     \
@@ -166,6 +168,22 @@
            (const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, int64_t lImgNum),                              \
            (pSumW, pWtMap, lW, lImgNum))
 
+// All families:
+//   FAMILY(namespace, name of its lists)
+#define ZIVCOLOR_FAMILIES(FAMILY) \
+    FAMILY(yuv2rgb, YUV2RGB)      \
+    FAMILY(rgb2yuv, RGB2YUV)      \
+    FAMILY(yuvrepack, YUVREPACK)  \
+    FAMILY(rgbrepack, RGBREPACK)  \
+    FAMILY(hsl, HSL)              \
+    FAMILY(geometry, GEOMETRY)    \
+    FAMILY(enhance, ENHANCE)
+
+#define ZIVCOLOR_CONVERSIONS(KERNEL)       \
+    ZIVCOLOR_YUV2RGB_CONVERSIONS(KERNEL)   \
+    ZIVCOLOR_RGB2YUV_CONVERSIONS(KERNEL)   \
+    ZIVCOLOR_YUVREPACK_CONVERSIONS(KERNEL) \
+    ZIVCOLOR_RGBREPACK_CONVERSIONS(KERNEL)
 #define ZIVCOLOR_ROUTINES(KERNEL)       \
     ZIVCOLOR_YUVREPACK_ROUTINES(KERNEL) \
     ZIVCOLOR_RGBREPACK_ROUTINES(KERNEL) \

@@ -1,21 +1,23 @@
-// The function table of one target; built once for each, like the kernels.
-#include "core/targets.h"
+// The function table of one target; built once for each. The build defines ZIVCOLOR_<family> as the target whose kernels of
+// that family it takes: itself, or one that it extends.
+#include "core/kernels.h"
+
+#define ZIVCOLOR_FAMILY(family, FAMILY) ZIVCOLOR_DECLARE_KERNELS(ZIVCOLOR_##family, family, FAMILY)
+ZIVCOLOR_FAMILIES(ZIVCOLOR_FAMILY)
+#undef ZIVCOLOR_FAMILY
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
-#define ZIVCOLOR_DECLARE_Opaque(name) int32_t name(const Image* srcImg, const Image* dstImg);
-#define ZIVCOLOR_DECLARE_Alpha(name) int32_t name(const Image* srcImg, const Image* dstImg, uint8_t alpha);
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task) ZIVCOLOR_DECLARE_##alpha(name)
-#define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) result name parameters;
-ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
-ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
-#undef ZIVCOLOR_ROUTINE
-#undef ZIVCOLOR_CONVERSION
+namespace taken {
+#define ZIVCOLOR_FAMILY(family, FAMILY) using namespace zivcolor::ZIVCOLOR_##family::family;
+ZIVCOLOR_FAMILIES(ZIVCOLOR_FAMILY)
+#undef ZIVCOLOR_FAMILY
+}  // namespace taken
 
 extern const KernelTable kernels;
 const KernelTable kernels = {
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task) name,
-#define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) name,
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task) taken::name,
+#define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) taken::name,
     ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION) ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
 #undef ZIVCOLOR_ROUTINE
 #undef ZIVCOLOR_CONVERSION

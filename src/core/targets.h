@@ -1,23 +1,9 @@
-// The instruction sets that the kernels are built for, and the table of kernels of each.
+// The targets that the kernels are built for, and the table of kernels of each.
 #pragma once
 
-#include "core/image.h"
-#include "core/kernel_list.h"
+#include "core/kernels.h"
 
 namespace zivcolor {
-
-struct KernelTable {
-#define ZIVCOLOR_CONVERT_Opaque(name) int32_t (*name)(const Image* srcImg, const Image* dstImg);
-#define ZIVCOLOR_CONVERT_Alpha(name) int32_t (*name)(const Image* srcImg, const Image* dstImg, uint8_t alpha);
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task) ZIVCOLOR_CONVERT_##alpha(name)
-#define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) result(*name) parameters;
-    ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
-    ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
-#undef ZIVCOLOR_ROUTINE
-#undef ZIVCOLOR_CONVERSION
-#undef ZIVCOLOR_CONVERT_Alpha
-#undef ZIVCOLOR_CONVERT_Opaque
-};
 
 struct Target {
     const char* name;

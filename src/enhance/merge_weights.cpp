@@ -2,7 +2,7 @@
 // binary32; the tail divides integers, takes whole entries and has no lower clamp.
 #include "core/kernel.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::enhance {
 
 constexpr ptrdiff_t entries_per_column = 20;
 
@@ -27,4 +27,4 @@ void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, 
     }
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::enhance

@@ -3,7 +3,7 @@
 // blocks', and that of the blocked kernel's tail. The mask starts again for every pair of rows.
 #include "core/kernel.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::enhance {
 
 // The memory of a pair of rows. The chroma plane follows a luma plane of width times height bytes, whatever the pitch of luma.
 struct RowPair {
@@ -119,4 +119,4 @@ int64_t _SkinWhitenByMask_YUV420_VUVU_neon(const MaskedImage* pImg, const uint8_
     return 0;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::enhance

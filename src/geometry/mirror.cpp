@@ -2,7 +2,7 @@
 // pairs, so that an odd width takes one more, and rows too, so that an odd height takes one more.
 #include "geometry/row_pairs.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::geometry {
 
 template <bool mirrored>
 ZIV_INLINE void mirror(const Image* srcImg, const PlaneRuns& dst) {
@@ -44,4 +44,4 @@ int32_t zivflip_vertical_nv21(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::geometry

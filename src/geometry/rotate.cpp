@@ -2,7 +2,7 @@
 #include "geometry/row_pairs.h"
 #include "geometry/transpose.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::geometry {
 
 // Turned clockwise, source column x becomes row x of the destination from its last byte backwards: the source is read upward.
 // Turned counter-clockwise, it becomes row W - 1 - x: the destination is written upward.
@@ -65,4 +65,4 @@ void zivRotate(const Image* srcImg, const Image* dstImg, int32_t lmode) {
     else half_turn(srcImg, dstImg);
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::geometry

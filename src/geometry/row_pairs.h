@@ -1,9 +1,9 @@
 // The walk of the half turn and the mirrors: two luma rows and the chroma row that belongs to them, a pass at a time.
 #pragma once
 
-#include "core/rows.h"
+#include "lanes/copy_row.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::geometry {
 
 // Bytes from first up to past.
 struct Extent {
@@ -132,4 +132,4 @@ ZIV_INLINE void move_row_pairs(const PlaneRuns& src, const PlaneRuns& dst, ptrdi
     }
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::geometry

@@ -4,7 +4,7 @@
 
 #include "core/kernel.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::geometry {
 
 struct Transposition {
     const uint8_t* src;
@@ -144,7 +144,7 @@ struct Writing {
 
 // Hints that `side` bytes will soon be written in each of some rows. Kept apart, as its addresses take registers from the
 // tiles.
-[[gnu::noinline]] static void expect_runs(uint8_t* dst, ptrdiff_t dst_pitch, int rows, bool whole_lines) {
+[[gnu::noinline]] static void prefetch_runs(uint8_t* dst, ptrdiff_t dst_pitch, int rows, bool whole_lines) {
     for (int r = 0; r < rows; r++, dst += dst_pitch) {
         asm volatile("");  // or else the compiler drops the call
         __builtin_prefetch(dst, 1);
@@ -158,7 +158,7 @@ template <int N, int sample>
 ZIV_INLINE void transpose_square(const Square& square, Writing writing) {
     for (ptrdiff_t x = 0; x < square.columns; x += 16) {
         if (writing.expected)
-            expect_runs(part_at<sample>(square.at, x + 16, 0).dst, square.at.dst_pitch, 16 / sample, writing.whole_lines);
+            prefetch_runs(part_at<sample>(square.at, x + 16, 0).dst, square.at.dst_pitch, 16 / sample, writing.whole_lines);
         const Transposition strip = part_at<sample>(square.at, at_most(x, square.columns - 16), 0);
         if (writing.by_lines) transpose_strip_by_lines<N, sample>(strip, square.rows);
         else transpose_strip<N, sample>(strip, square.rows);
@@ -208,4 +208,4 @@ ZIV_INLINE void transpose_plane(const Transposition& t, ptrdiff_t columns, ptrdi
     transpose_by_squares<sample, 16>(t, columns, rows);
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::geometry

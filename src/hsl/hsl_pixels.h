@@ -3,9 +3,9 @@
 // side; what would be below 0 is 0. Grey has the hue 170 and the saturation 0.
 #pragma once
 
-#include "core/kernel.h"
+#include "hsl/quotients.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::hsl {
 
 // 65536 / i, truncated, and 65535 where that does not fit. The entry 0 is never read for a result.
 struct ByteDivTab {
@@ -49,7 +49,7 @@ ZIV_INLINE U16<N> scaled_down(U16<N> reciprocal, U16<N> scaled) {
 
 // N pixels by value: the channels blue, green, red. Writes 3 N bytes.
 template <int N>
-ZIV_INLINE void BGRtoHSL_NEON_1(const Channels<N, 3>& mBGR888, uint8_t* hsl) {
+ZIV_INLINE void BGRtoHSL_lanes(const Channels<N, 3>& mBGR888, uint8_t* hsl) {
     const U8<N> b = mBGR888.c[0], g = mBGR888.c[1], r = mBGR888.c[2];
     const U8<N> max = lane_max(lane_max(b, g), r), min = lane_min(lane_min(b, g), r);
     const U8<N> green = (U8<N>)(g == max), red = (U8<N>)(r == max) & ~green, grey = (U8<N>)(max == min);
@@ -72,14 +72,14 @@ ZIV_INLINE void BGRtoHSL_NEON_1(const Channels<N, 3>& mBGR888, uint8_t* hsl) {
 
 // N interleaved pixels. Reads and writes 3 N bytes, all of them read before the first is written.
 template <int N>
-ZIV_INLINE void BGRtoHSL_NEON(const uint8_t* bgr, uint8_t* hsl) {
+ZIV_INLINE void BGRtoHSL_block(const uint8_t* bgr, uint8_t* hsl) {
     if constexpr (N == 8) {
         uint8_t pixels[48] = {};
         __builtin_memcpy(pixels, bgr, 24);
-        BGRtoHSL_NEON<16>(pixels, pixels);
+        BGRtoHSL_block<16>(pixels, pixels);
         __builtin_memcpy(hsl, pixels, 24);
     } else {
-        BGRtoHSL_NEON_1<N>(load3<N>(bgr), hsl);
+        BGRtoHSL_lanes<N>(load3<N>(bgr), hsl);
     }
 }
 
@@ -95,4 +95,4 @@ ZIV_INLINE void for_hsl_steps(ptrdiff_t blocked, Body body) {
     if (blocked & 8) body(Step<8>{}, blocked - 8);
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::hsl

@@ -2,7 +2,7 @@
 // offset and its scaled value a whole multiple, so that a channel is luma plus a term of the chroma sample alone.
 #include "hsl/hsl_pixels.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::hsl {
 
 ZIV_INLINE int term_b(int cb, int) { return (29049 * cb + 8192) >> 14; }
 ZIV_INLINE int term_g(int cb, int cr) { return (-5636 * cb - 11698 * cr + 8192) >> 14; }
@@ -33,8 +33,8 @@ ZIV_INLINE void convert_block(const uint8_t* luma0, const uint8_t* luma1, const 
     const LaneTerm<N> g = lane_term<N>(weigh_pair_q15<N>(u, v, -5636, -11698));
     const LaneTerm<N> r = lane_term<N>(multiply_round_high<N>(v, S16<N>{} + int16_t{22987}));
     const U8<N> y0 = load<N>(luma0), y1 = load<N>(luma1);
-    BGRtoHSL_NEON_1<N>({{apply<N>(y0, b), apply<N>(y0, g), apply<N>(y0, r)}}, dst0);
-    BGRtoHSL_NEON_1<N>({{apply<N>(y1, b), apply<N>(y1, g), apply<N>(y1, r)}}, dst1);
+    BGRtoHSL_lanes<N>({{apply<N>(y0, b), apply<N>(y0, g), apply<N>(y0, r)}}, dst0);
+    BGRtoHSL_lanes<N>({{apply<N>(y1, b), apply<N>(y1, g), apply<N>(y1, r)}}, dst1);
 }
 
 // The same for 8 columns, by way of buffers that have room for 16.
@@ -85,4 +85,4 @@ int32_t zivColorI420toHSL888u8(const uint8_t* pY, const uint8_t* pCb, const uint
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::hsl

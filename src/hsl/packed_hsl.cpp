@@ -1,7 +1,7 @@
 // BGR888 and 16-bit words to HSL888.
 #include "hsl/hsl_pixels.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::hsl {
 
 ZIV_INLINE int32_t check_hsl(const uint8_t* src, const uint8_t* dst, uint32_t height, uint32_t width) {
     if (!src || !dst) return zivStatus_NullPointer;
@@ -19,7 +19,7 @@ int32_t zivColorBGR888toHSL888u8(const uint8_t* bgr, uint8_t* hsl, uint32_t lHei
     const ptrdiff_t src_step = 3 * width + gap(lineBytesBgr, lWidth), dst_step = 3 * width + gap(lineBytesHsl, lWidth);
     for (uint32_t i = 0; i < lHeight; i++, bgr += src_step, hsl += dst_step) {
         for_hsl_steps(blocked,
-                      [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY { BGRtoHSL_NEON<step.value>(bgr + 3 * j, hsl + 3 * j); });
+                      [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY { BGRtoHSL_block<step.value>(bgr + 3 * j, hsl + 3 * j); });
         for (ptrdiff_t j = blocked; j < width; j++) BGRtoHSL(bgr[3 * j], bgr[3 * j + 1], bgr[3 * j + 2], hsl + 3 * j);
     }
     return zivStatus_OK;
@@ -44,7 +44,7 @@ ZIV_INLINE void convert_words(const uint8_t* words, uint8_t* hsl) {
         convert_words<red_high, 16>(bytes, pixels);
         __builtin_memcpy(hsl, pixels, 24);
     } else {
-        BGRtoHSL_NEON_1<N>(channels_of_565<red_high, N>(words), hsl);
+        BGRtoHSL_lanes<N>(channels_of_565<red_high, N>(words), hsl);
     }
 }
 
@@ -76,4 +76,4 @@ int32_t zivColorRGB565toHSL888u8(const uint8_t* pBgr565, uint8_t* pHsl, uint32_t
     return words_to_hsl<false>(pBgr565, pHsl, lHeight, lWidth, lineBytesBgr, lineBytesHsl);
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::hsl

@@ -64,7 +64,7 @@ void convert_band(const void* p) {
 #define ZIVCOLOR_CHOOSE(...) ZIVCOLOR_SECOND(__VA_ARGS__, ZIVCOLOR_KEEP, ~)
 #define ZIVCOLOR_IF_TASK(slot) ZIVCOLOR_CHOOSE(ZIVCOLOR_SLOT_##slot)
 
-#define ZIVCOLOR_TASK(name, source, destination, alpha, reach, slot)        \
+#define ZIVCOLOR_TASK(name, source, destination, alpha, dispatch, slot)     \
     ZIVCOLOR_IF_TASK(slot)                                                  \
     (void zivColor##source##To##destination##_task(void* p) {               \
         convert_band<zivPixFmt_##source, zivPixFmt_##destination, name>(p); \
@@ -74,7 +74,7 @@ ZIVCOLOR_CONVERSIONS(ZIVCOLOR_TASK)
 
 constexpr BandTasks all_tasks() {
     BandTasks tasks{};
-#define ZIVCOLOR_TASK(name, source, destination, alpha, reach, slot) \
+#define ZIVCOLOR_TASK(name, source, destination, alpha, dispatch, slot) \
     ZIVCOLOR_IF_TASK(slot)(tasks[slot] = zivColor##source##To##destination##_task;)
     ZIVCOLOR_CONVERSIONS(ZIVCOLOR_TASK)
 #undef ZIVCOLOR_TASK
@@ -92,7 +92,7 @@ constexpr BandTasks band_tasks = all_tasks();
 extern "C" int32_t zivColorCvtFunc(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg) {
     using namespace zivcolor;
     switch (pair_of(srcImg->format, dstImg->format)) {
-#define ZIVCOLOR_TASK(name, source, destination, alpha, reach, slot) \
+#define ZIVCOLOR_TASK(name, source, destination, alpha, dispatch, slot) \
     ZIVCOLOR_IF_TASK(slot)(case pair_of(zivPixFmt_##source, zivPixFmt_##destination) : return slot;)
         ZIVCOLOR_CONVERSIONS(ZIVCOLOR_TASK)
 #undef ZIVCOLOR_TASK

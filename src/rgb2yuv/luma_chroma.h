@@ -3,9 +3,9 @@
 #pragma once
 
 #include "core/kernel.h"
-#include "core/lanes_rgb.h"
+#include "rgb2yuv/columns.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 // How a source lays out a pixel.
 struct PixelLayout {
@@ -30,7 +30,7 @@ ZIV_INLINE Pixel load_pixel(const uint8_t* p) {
 template <PixelLayout in, int C>
 ZIV_INLINE auto load_columns(const uint8_t* src) {
     const auto pixels = load_pixels<C, in.bytes>(src);
-    expect_reads<in.bytes * C>(src);
+    prefetch_reads<in.bytes * C>(src);
     return pixels;
 }
 
@@ -43,7 +43,7 @@ inline constexpr bool c2_first = (in.red == 0) == (order == PairOrder::uv);
 // -227 to 228 and R - Y from -179 to 180, so that everything fits 16 bits. With blue_of_first_8 the vector form takes the blue
 // of columns 8 to 15 of every 16 for their luma from columns 0 to 7.
 template <int weight_u, int shift_u, int weight_v, int shift_v, bool blue_of_first_8 = false>
-struct CutSet {
+struct TruncatedSet {
     static int y(Pixel p) { return (19 * p.r + 38 * p.g + 7 * p.b) >> 6; }
     static int u(Pixel p) { return clamp_byte(((p.b - y(p)) * weight_u >> shift_u) + 128); }
     static int v(Pixel p) { return clamp_byte(((p.r - y(p)) * weight_v >> shift_v) + 128); }
@@ -59,14 +59,14 @@ struct CutSet {
     }
     template <PixelLayout in, int C, class Luma>
     ZIV_INLINE static auto chroma(const Pixels<C, in.bytes>& pixels, const Luma& luma) {
-        constexpr Slope u{weight_u, shift_u, 228}, v{weight_v, shift_v, 180};
+        constexpr ShiftedWeight u{weight_u, shift_u, 228}, v{weight_v, shift_v, 180};
         return scaled_differences < in.blue == 0 ? u : v, in.red == 0 ? u : v > (pixels, luma);
     }
 };
-using ShortSet = CutSet<9, 4, 91, 7>;
-using ShortSetBlueOfFirst8 = CutSet<9, 4, 91, 7, true>;
-using EighthsSet = CutSet<4, 3, 7, 3>;
-using ThirtySecondsSet = CutSet<18, 5, 23, 5>;
+using ShortSet = TruncatedSet<9, 4, 91, 7>;
+using ShortSetBlueOfFirst8 = TruncatedSet<9, 4, 91, 7, true>;
+using EighthsSet = TruncatedSet<4, 3, 7, 3>;
+using ThirtySecondsSet = TruncatedSet<18, 5, 23, 5>;
 
 // Luma of scale 2^15, rounded. The weights sum to one more than the scale.
 struct FineLuma {
@@ -108,4 +108,4 @@ struct FineFractionalSet : FineLuma {
     }
 };
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv

@@ -2,7 +2,7 @@
 // width reads the pixel past the row and writes its luma, two bytes past the row.
 #include "rgb2yuv/luma_chroma.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 // Where the four bytes of a pair of pixels stand.
 struct PackedLayout {
@@ -23,7 +23,7 @@ int32_t rgb_to_packed422(const Image* srcImg, const Image* dstImg, uint32_t sour
             const auto pixels = load_columns<in, step.value>(src + in.bytes * j);
             const auto weighed = Set::template weigh<in>(pixels);
             const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
-            store_packed<out.y0 == 0, c2_first<in, order>>(dst + 2 * j, Set::luma(weighed), chroma_pairs);
+            store_packed422<out.y0 == 0, c2_first<in, order>>(dst + 2 * j, Set::luma(weighed), chroma_pairs);
         });
         for (ptrdiff_t j = blocked; j < width; j += 2) {
             const Pixel first = load_pixel<in>(src + in.bytes * j), second = load_pixel<in>(src + in.bytes * (j + 1));
@@ -74,4 +74,4 @@ int32_t zivColorBGR888toVYUYu8(const Image* srcImg, const Image* dstImg) {
     return rgb_to_packed422<ShortSet, bgr888, vyuy>(srcImg, dstImg, zivPixFmt_BGR888, zivPixFmt_VYUY);
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv

@@ -2,7 +2,7 @@
 // of the short set in all of them.
 #include "rgb2yuv/luma_chroma.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 // Blocks of 8 columns and the tail give the same bytes, so that vectors and single pixels may meet anywhere.
 int32_t zivColorRGB888toYV24u8(const Image* srcImg, const Image* dstImg) {
@@ -111,4 +111,4 @@ int32_t zivColorRGBA8888toLPI422Hu8(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv

@@ -1,7 +1,7 @@
 // 24-bit RGB to NV21, NV12 and I420. BGR888 takes the fine set, RGB888 the short one.
 #include "rgb2yuv/rows420.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 int32_t zivColorBGR888toNV21u8(const Image* srcImg, const Image* dstImg) {
     return rgb_to_semiplanar420<FineFractionalSet, bgr888, PairOrder::vu>(srcImg, dstImg, zivPixFmt_BGR888, zivPixFmt_NV21);
@@ -43,7 +43,7 @@ int32_t zivColorRGB888toNV21u8(const Image* srcImg, const Image* dstImg) {
 // The tail shifts V by 4 where the blocks shift by 7.
 int32_t zivColorRGB888toNV12u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_RGB888, zivPixFmt_NV12, both_2x2)) return status;
-    using TailSet = CutSet<9, 4, 91, 4>;
+    using TailSet = TruncatedSet<9, 4, 91, 4>;
     const ptrdiff_t width = dstImg->width, blocked = blocked_columns<16>(width);
     for (ptrdiff_t i = 0; i < dstImg->height; i++) {
         const uint8_t* src = row_at(srcImg->plane[0], i, srcImg->pitch[0]);
@@ -63,4 +63,4 @@ int32_t zivColorRGB888toNV12u8(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv

@@ -1,41 +1,41 @@
 // 32-bit RGB to NV21 by the float set: 0.299 R + 0.587 G + 0.114 B, -0.1678 R - 0.3313 G + 0.5 B + 128 and
 // 0.5 R - 0.4187 G - 0.0813 B + 128, in binary32 in the blocks and in binary64 in the tail. Alpha is not looked at.
-#include "core/lanes_rgb_f32.h"
+#include "rgb2yuv/float_sums.h"
 #include "rgb2yuv/luma_chroma.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 inline constexpr FloatWeights weights_y{0.299f, 0.587f, 0.114f};
 inline constexpr FloatWeights weights_u{-0.1678f, -0.3313f, 0.5f}, weights_v{0.5f, -0.4187f, -0.0813f};
 
-inline constexpr NearWeights near_y{-2748, -27263, -87, 58, -23, -51, 21, 10};
-inline constexpr NearWeights near_u{-16384, 24269, -128, 70, -29, -10, 22, 11};
-inline constexpr NearWeights near_v{666, -4096, -128, 5, -128, 108, 20, 11};
+inline constexpr ApproximateWeights approximate_y{-2748, -27263, -87, 58, -23, -51, 21, 10};
+inline constexpr ApproximateWeights approximate_u{-16384, 24269, -128, 70, -29, -10, 22, 11};
+inline constexpr ApproximateWeights approximate_v{666, -4096, -128, 5, -128, 108, 20, 11};
 
 // N columns of a block.
 template <int N, PixelLayout in, bool has_chroma, bool has_luma = true>
 ZIV_INLINE void convert_columns(const uint8_t* src, uint8_t* luma, uint8_t* chroma) {
-    const FourQuads<N> pixels = load_four_quads<N>(src);
+    const PixelVectors<N> pixels = load_pixel_vectors<N>(src);
     if (has_luma) store(luma, luma_f32<N, in.red>(pixels, weights_y));
     if (has_chroma) store(chroma, chroma_pairs_f32<N, in.red>(pixels, weights_v, weights_u));
 }
 
 // Integers do runs of steps, up to one that they leave to binary32.
 template <PixelLayout in, bool has_chroma, int N>
-ZIV_INLINE void convert_steps_near(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
+ZIV_INLINE void convert_steps_approximated(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     const ptrdiff_t last = columns - N;
     const auto step_at = [=](ptrdiff_t j) ZIV_INLINE_BODY { return j < last ? j : last; };
     for (ptrdiff_t j = 0; j < columns; j += N) {
-        Left left = Left::nothing;
+        Undecided undecided = Undecided::nothing;
         for (; j < columns; j += N) {
             const ptrdiff_t at = step_at(j);
-            left = store_near<N, in.red, has_chroma>(luma + at, chroma + at, load_four_quads<N>(src + 4 * at), near_y, near_v,
-                                                     near_u);
-            if (left != Left::nothing) break;
+            undecided = store_approximated<N, in.red, has_chroma>(luma + at, chroma + at, load_pixel_vectors<N>(src + 4 * at),
+                                                                  approximate_y, approximate_v, approximate_u);
+            if (undecided != Undecided::nothing) break;
         }
         if (j >= columns) return;
         const ptrdiff_t at = step_at(j);
-        if (has_chroma && left == Left::chroma) convert_columns<N, in, true, false>(src + 4 * at, luma, chroma + at);
+        if (has_chroma && undecided == Undecided::chroma) convert_columns<N, in, true, false>(src + 4 * at, luma, chroma + at);
         else convert_columns<N, in, has_chroma>(src + 4 * at, luma + at, chroma + at);
     }
 }
@@ -54,7 +54,7 @@ template <PixelLayout in, bool has_chroma, int N = widest>
 ZIV_INLINE void convert_blocks(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     if constexpr (N > 16)
         if (columns < N) return convert_blocks<in, has_chroma, N / 2>(src, luma, chroma, columns);
-    if constexpr (has_near) convert_steps_near<in, has_chroma, N>(src, luma, chroma, columns);
+    if constexpr (has_approximate_sums) convert_steps_approximated<in, has_chroma, N>(src, luma, chroma, columns);
     else convert_steps<in, has_chroma, N>(src, luma, chroma, columns);
 }
 
@@ -85,7 +85,7 @@ struct FourColours {
 // exact sum cut, to which no near sum adds enough to tell.
 template <PixelLayout in>
 ZIV_INLINE S32<16> tail_luma(U8<16> pixels) {
-    return near_sums<16, in.red>(repeat_green((U8<16>)((U32<16>)pixels >> 8)), near_y) >> near_y.scale;
+    return approximate_sums<16, in.red>(repeat_green((U8<16>)((U32<16>)pixels >> 8)), approximate_y) >> approximate_y.scale;
 }
 // V below U, in 16 bits: binary64 sums that are cut as they are.
 template <PixelLayout in>
@@ -161,4 +161,4 @@ int32_t zivColorRGBA8888toNV21u8(const Image* srcImg, const Image* dstImg) {
     return rgb_to_nv21_by_float<rgba8888>(srcImg, dstImg, zivPixFmt_RGBA8888);
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv

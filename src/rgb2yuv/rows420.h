@@ -4,12 +4,12 @@
 
 #include "rgb2yuv/luma_chroma.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 // Only the widest vectors outrun the writing of luma.
 template <int columns>
-ZIV_INLINE void expect_luma(uint8_t* luma) {
-    if constexpr (widest == 64) expect_writes<columns>(luma);
+ZIV_INLINE void prefetch_luma(uint8_t* luma) {
+    if constexpr (widest == 64) prefetch_writes<columns>(luma);
 }
 
 // The blocked columns of a row without chroma, of a row with chroma in pairs, and of a row with chroma in two planes. Each
@@ -18,7 +18,7 @@ template <class Set, PixelLayout in>
 ZIV_INLINE void convert_luma_blocks(const uint8_t* src, uint8_t* luma, ptrdiff_t columns) {
     for_column_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         const auto pixels = load_columns<in, step.value>(src + in.bytes * j);
-        expect_luma<step.value>(luma + j);
+        prefetch_luma<step.value>(luma + j);
         store_luma(luma + j, Set::luma(Set::template weigh<in>(pixels)));
     });
 }
@@ -26,7 +26,7 @@ template <class Set, PixelLayout in, PairOrder order>
 ZIV_INLINE void convert_pair_blocks(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     for_column_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         const auto pixels = load_columns<in, step.value>(src + in.bytes * j);
-        expect_luma<step.value>(luma + j);
+        prefetch_luma<step.value>(luma + j);
         const auto weighed = Set::template weigh<in>(pixels);
         const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
         store_luma(luma + j, Set::luma(weighed));
@@ -38,7 +38,7 @@ ZIV_INLINE void convert_plane_blocks(const uint8_t* src, uint8_t* luma, uint8_t*
     uint8_t *const plane0 = in.blue == 0 ? u : v, *const plane2 = in.blue == 0 ? v : u;
     for_column_pair_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         const auto pixels = load_columns<in, step.value>(src + in.bytes * j);
-        expect_luma<step.value>(luma + j);
+        prefetch_luma<step.value>(luma + j);
         const auto weighed = Set::template weigh<in>(pixels);
         const auto chroma_pairs = Set::template chroma<in>(pixels, weighed);
         store_luma(luma + j, Set::luma(weighed));
@@ -97,4 +97,4 @@ int32_t rgb_to_planar420(const Image* srcImg, const Image* dstImg, uint32_t sour
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv

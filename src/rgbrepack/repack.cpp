@@ -1,9 +1,10 @@
 // RGB from one byte layout to another: channels reordered, alpha dropped or added, or packed into 16-bit words. No arithmetic
 // beyond shifts and masks. Blocked columns and tail give the same bytes, so a step is as wide as the target likes; every step
 // reads its pixels whole before it writes the first.
-#include "core/move_row.h"
+#include "lanes/move_row.h"
+#include "rgbrepack/pixel_moves.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgbrepack {
 
 // Calls row(source, destination, pixels) for every row of the destination; rows that follow each other without a gap on both
 // sides are one run of pixels. in and out are the bytes of a pixel.
@@ -22,8 +23,8 @@ ZIV_INLINE void for_rows(const Image* srcImg, const Image* dstImg, Row row) {
 template <int in, int out, class Body>
 ZIV_INLINE void for_pixel_steps(const uint8_t* src, uint8_t* dst, ptrdiff_t blocked, Body body) {
     const auto convert = [=](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-        expect_reads<in * step.value>(src + in * j);
-        if constexpr (widest == 16 && in == 3) expect_writes<out * step.value>(dst + out * j);
+        prefetch_reads<in * step.value>(src + in * j);
+        if constexpr (widest == 16 && in == 3) prefetch_writes<out * step.value>(dst + out * j);
         body(step, j);
     };
     const ptrdiff_t lead = lead_of<out>(dst).samples;
@@ -92,7 +93,7 @@ ZIV_INLINE int32_t to_argb(const Image* srcImg, const Image* dstImg, uint32_t so
     for_rows<3, 4>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
         const ptrdiff_t blocked = blocked_columns<16>(pixels);
         for_pixel_steps<3, 4>(src, dst, blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-            move_pixels<step.value, 3, ones, r, 1, b>(dst + 4 * j, src + 3 * j);
+            move_pixels<step.value, 3, opaque_alpha, r, 1, b>(dst + 4 * j, src + 3 * j);
         });
         for (ptrdiff_t j = blocked; j < pixels; j++) {
             const uint8_t red = src[3 * j + r], green = src[3 * j + 1], blue = src[3 * j + b];
@@ -146,4 +147,4 @@ int32_t zivColorBGR888toBGR565u8(const Image* srcImg, const Image* dstImg) {
     return to_565<0, 2>(srcImg, dstImg, zivPixFmt_BGR888, zivPixFmt_BGR565);
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgbrepack

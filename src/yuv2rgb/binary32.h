@@ -7,9 +7,10 @@
 // 128. There the sum with luma rounds up to Y + n above the threshold, and is Y + n - 1 after truncation up to it.
 #pragma once
 
+#include "yuv2rgb/byte_pairs.h"
 #include "yuv2rgb/rows.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 // The binary32 values nearest to the decimals.
 inline constexpr float red_of_v = 1.402f, green_of_v = -0.714f, green_of_u = -0.344f, blue_of_u = 1.772f;
@@ -86,7 +87,7 @@ struct Binary32ByBytes {
     ZIV_INLINE static U8<N> load(const uint8_t* pairs) { return ZIVCOLOR_TARGET::load<N>(pairs); }
     ZIV_INLINE static PixelTerms4<N> terms(U8<N> pairs, uint8_t alpha, uint32_t& sound) {
         const U8<N> centred = pairs ^ 128;
-        const OuterLanes<N> outer = multiply_q15<N>(outer_lanes_times_4<N>(centred), 11485, 14516);
+        const OuterLanes<N> outer = multiply_outer_q15<N>(outer_lanes_times_4<N>(centred), 11485, 14516);
         // Less green is (357 v + 172 u) / 500, rounded up: 89 v + 43 u and a quarter of v, itself rounded up, plus 124, over
         // 125. 121 times 125 more is all but positive, for the same quotient as above. V is v + 128, and its quarter 32 too
         // much.
@@ -135,10 +136,10 @@ ZIV_INLINE ptrdiff_t convert_binary32_steps(RowPair rows, PairedChroma<PairOrder
     ptrdiff_t j = first;
     for (; j + N <= columns; j += N) {
         const auto pairs = Way::load(chroma.pairs + j);
-        j = kept_index(j);
+        j = hidden_index(j);
         const PixelTerms4<N> terms = Way::terms(pairs, alpha, sound);
-        expect_writes_ahead<4 * N>(rows.dst0 + 4 * j, ahead);
-        expect_writes_ahead<4 * N>(rows.dst1 + 4 * j, ahead);
+        prefetch_writes_ahead<4 * N>(rows.dst0 + 4 * j, ahead);
+        prefetch_writes_ahead<4 * N>(rows.dst1 + 4 * j, ahead);
         store_pixels<N>(rows.dst0 + 4 * j, rows.luma0 + j, terms);
         store_pixels<N>(rows.dst1 + 4 * j, rows.luma1 + j, terms);
     }
@@ -184,7 +185,7 @@ ZIV_INLINE void convert_binary32_blocks(HalfBlockOrder, RowPair rows, PairedChro
     for (ptrdiff_t j = first; j <= width - 2; j += 2) {
         const float u = static_cast<float>(chroma.u(j)), v = static_cast<float>(chroma.v(j));
         const float red = v * red_of_v, green_v = v * green_of_v, green_u = u * green_of_u, blue = u * blue_of_u;
-        const Quad quad = load_quad(rows, j);
+        const Luma2x2 quad = load_luma_2x2(rows, j);
         uint8_t* const pixel[4] = {rows.dst0 + 4 * j, rows.dst0 + 4 * (j + 1), rows.dst1 + 4 * j, rows.dst1 + 4 * (j + 1)};
         for (int p = 0; p < 4; p++) {
             const float y = static_cast<float>(quad.luma[p]);
@@ -194,4 +195,4 @@ ZIV_INLINE void convert_binary32_blocks(HalfBlockOrder, RowPair rows, PairedChro
     }
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb

@@ -1,7 +1,7 @@
 // LPI422H to 32-bit RGB: blocks of 16 columns, then column pairs, every byte the same by either path.
 #include "yuv2rgb/rows.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 // One row; an odd last column stays unwritten.
 template <Rgb order>
@@ -37,4 +37,4 @@ int32_t zivColorLPI422HtoRGBA8888u8(const Image* srcImg, const Image* dstImg, ui
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb

@@ -1,13 +1,13 @@
 // YUYV to RGB, row by row: blocks of 16 columns, then groups of 4 bytes, two pixels each. With an odd width the last group
 // reads 2 bytes and writes one pixel past the row; the next row overwrites what lands on it.
-#include "core/move_row.h"
+#include "lanes/move_row.h"
 #include "yuv2rgb/rows.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 template <class Set, Rgb order, int N>
 ZIV_INLINE void convert_packed(const uint8_t* src, uint8_t* dst, uint8_t alpha) {
-    expect_writes<pixel_bytes<order> * N>(dst);
+    prefetch_writes<pixel_bytes<order> * N>(dst);
     if constexpr (pixel_bytes<order> == 4 && packed_by_words) {
         const PackedWords<N> words[2] = {load_packed_words<N>(src), load_packed_words<N>(src + N)};
         const PackedSums<N> sums[2] = {Set::template packed_sums<N>(words[0]), Set::template packed_sums<N>(words[1])};
@@ -90,4 +90,4 @@ int32_t zivColorYUYVtoRGBA8888u8(const Image* srcImg, const Image* dstImg, uint8
                                              ZIV_INLINE_BODY { store_clamped<Rgb::rgba>(p, colour, alpha); });
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb

@@ -1,7 +1,7 @@
 // I420 and YV12 to RGB. I420 goes two rows a pass, like the semi-planar kernels; YV12 converts every row and every column.
 #include "yuv2rgb/rows.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 // ---- I420: blocks of 16 columns, then column pairs. An odd last row or column stays unwritten. ----
 
@@ -43,8 +43,8 @@ int32_t zivColorI420toBGR888u8(const Image* srcImg, const Image* dstImg) {
         const PlanarChroma chroma = i420_chroma_at(srcImg, chroma_row);
         convert_blocks<SetQ15, Rgb::bgr>(store_order, rows, chroma, blocked, 0);
         for (ptrdiff_t j = blocked, ahead = blocked + 2; j <= width - 2; j += 2, ahead += 4)
-            store_quad<3>(rows, j, load_quad(rows, ahead), colour_terms<SetQ15>(chroma.u(j), chroma.v(j)),
-                          [](uint8_t* p, Colour colour) ZIV_INLINE_BODY { store_clamped<Rgb::bgr>(p, colour, 0); });
+            store_pixels_2x2<3>(rows, j, load_luma_2x2(rows, ahead), colour_terms<SetQ15>(chroma.u(j), chroma.v(j)),
+                                [](uint8_t* p, Colour colour) ZIV_INLINE_BODY { store_clamped<Rgb::bgr>(p, colour, 0); });
     });
     return zivStatus_OK;
 }
@@ -97,4 +97,4 @@ int32_t zivColorYV12toRGB888u8(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb

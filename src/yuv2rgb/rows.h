@@ -4,7 +4,7 @@
 
 #include "yuv2rgb/terms.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 // ---- Chroma: the pairs of the N pixels from column j on, or of the one pair at column j, centred ----
 
@@ -94,7 +94,7 @@ template <class Set, Rgb order, class RowChroma>
 ZIV_INLINE void convert_row_blocks(const uint8_t* luma, RowChroma chroma, uint8_t* dst, ptrdiff_t columns, uint8_t alpha) {
     for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = step.value;
-        expect_writes<pixel_bytes<order> * N>(dst + pixel_bytes<order> * j);
+        prefetch_writes<pixel_bytes<order> * N>(dst + pixel_bytes<order> * j);
         const auto terms = terms_of<Set, order, N>(chroma.template load_at<N, pixel_bytes<order>>(j), alpha);
         store_pixels<N>(dst + pixel_bytes<order> * j, luma + j, terms);
     });
@@ -145,8 +145,8 @@ ZIV_INLINE void convert_blocks(StepOrder, RowPair rows, RowChroma chroma, ptrdif
         constexpr int N = step.value;
         const auto terms = terms_of<Set, order, N>(chroma.template load_at<N, pixel_bytes<order>>(j), alpha);
         uint8_t *const dst0 = rows.dst0 + pixel_bytes<order> * j, *const dst1 = rows.dst1 + pixel_bytes<order> * j;
-        expect_writes_ahead<pixel_bytes<order> * N>(dst0, ahead);
-        expect_writes_ahead<pixel_bytes<order> * N>(dst1, ahead);
+        prefetch_writes_ahead<pixel_bytes<order> * N>(dst0, ahead);
+        prefetch_writes_ahead<pixel_bytes<order> * N>(dst1, ahead);
         store_pixels<N>(dst0, rows.luma0 + j, terms);
         store_pixels<N>(dst1, rows.luma1 + j, terms);
     });
@@ -168,14 +168,14 @@ ZIV_INLINE void convert_blocks(HalfBlockOrder, RowPair rows, RowChroma chroma, p
 }
 
 // The four pixels of one chroma pair: columns j and j + 1 of the upper row, then of the lower.
-struct Quad {
+struct Luma2x2 {
     int luma[4];
 };
-ZIV_INLINE Quad load_quad(RowPair rows, ptrdiff_t j) {
+ZIV_INLINE Luma2x2 load_luma_2x2(RowPair rows, ptrdiff_t j) {
     return {{rows.luma0[j], rows.luma0[j + 1], rows.luma1[j], rows.luma1[j + 1]}};
 }
 template <int bytes, class StorePixel>
-ZIV_INLINE void store_quad(RowPair rows, ptrdiff_t j, Quad quad, Colour d, StorePixel store_pixel) {
+ZIV_INLINE void store_pixels_2x2(RowPair rows, ptrdiff_t j, Luma2x2 quad, Colour d, StorePixel store_pixel) {
     store_pixel(rows.dst0 + bytes * j, quad.luma[0] + d);
     store_pixel(rows.dst0 + bytes * (j + 1), quad.luma[1] + d);
     store_pixel(rows.dst1 + bytes * j, quad.luma[2] + d);
@@ -186,9 +186,9 @@ ZIV_INLINE void store_quad(RowPair rows, ptrdiff_t j, Quad quad, Colour d, Store
 template <class Set, Rgb order, class RowChroma>
 ZIV_INLINE void convert_tail(RowPair rows, RowChroma chroma, ptrdiff_t first, ptrdiff_t width, uint8_t alpha) {
     for (ptrdiff_t j = first; j <= width - 2; j += 2)
-        store_quad<pixel_bytes<order>>(rows, j, load_quad(rows, j), colour_terms<Set>(chroma.u(j), chroma.v(j)),
-                                       [&](uint8_t* p, Colour colour)
-                                           ZIV_INLINE_BODY { store_clamped<order>(p, colour, alpha); });
+        store_pixels_2x2<pixel_bytes<order>>(rows, j, load_luma_2x2(rows, j), colour_terms<Set>(chroma.u(j), chroma.v(j)),
+                                             [&](uint8_t* p, Colour colour)
+                                                 ZIV_INLINE_BODY { store_clamped<order>(p, colour, alpha); });
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb

@@ -2,7 +2,7 @@
 // 16 columns, then a tail of column pairs. An odd last row or column stays unwritten.
 #include "yuv2rgb/rows.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 template <PairOrder order>
 int32_t semiplanar_to_bgr(const Image* srcImg, const Image* dstImg, uint32_t source) {
@@ -33,14 +33,14 @@ int32_t zivColorNV21toRGB888u8(const Image* srcImg, const Image* dstImg) {
         const PairedChroma<PairOrder::vu> chroma{row_at_wrapped(srcImg->plane[1], chroma_row, srcImg->pitch[1])};
         convert_blocks<SetT5HalfGreen, Rgb::rgb>(store_order, rows, chroma, blocked, 0);
         for (ptrdiff_t j = blocked; j < width - 2; j += 2)
-            store_quad<3>(rows, j, load_quad(rows, j), colour_terms<SetT5>(chroma.u(j), chroma.v(j)),
-                          [](uint8_t* p, Colour colour) ZIV_INLINE_BODY {
-                              p[0] = clamp_crossed(colour.b, colour.r);
-                              p[1] = static_cast<uint8_t>(clamp_byte(colour.g));
-                              p[2] = clamp_crossed(colour.r, colour.b);
-                          });
+            store_pixels_2x2<3>(rows, j, load_luma_2x2(rows, j), colour_terms<SetT5>(chroma.u(j), chroma.v(j)),
+                                [](uint8_t* p, Colour colour) ZIV_INLINE_BODY {
+                                    p[0] = clamp_crossed(colour.b, colour.r);
+                                    p[1] = static_cast<uint8_t>(clamp_byte(colour.g));
+                                    p[2] = clamp_crossed(colour.r, colour.b);
+                                });
     });
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb

@@ -1,7 +1,7 @@
 // NV21 and NV12 to 32-bit RGB with a constant alpha: the walk of the 24-bit kernels, but each its own set and tail.
 #include "yuv2rgb/binary32.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 int32_t zivColorNV21toBGRA8888u8(const Image* srcImg, const Image* dstImg, uint8_t alpha) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_BGRA8888, both_2x2)) return status;
@@ -35,8 +35,8 @@ ZIV_INLINE int32_t nv12_to_rgb32(const Image* srcImg, const Image* dstImg, uint3
         const PairedChroma<PairOrder::uv> chroma{row_at_wrapped(srcImg->plane[1], chroma_row, srcImg->pitch[1])};
         convert_blocks<SetT5, order>(store_order, rows, chroma, blocked, alpha);
         for (ptrdiff_t j = blocked; j < width - 2; j += 2) {
-            const Quad crossed{{rows.luma0[j], rows.luma1[j + 1], rows.luma1[j], rows.luma0[j + 1]}};
-            store_quad<4>(rows, j, crossed, colour_terms<SetT5>(chroma.u(j), chroma.v(j)), store_tail_pixel);
+            const Luma2x2 crossed{{rows.luma0[j], rows.luma1[j + 1], rows.luma1[j], rows.luma0[j + 1]}};
+            store_pixels_2x2<4>(rows, j, crossed, colour_terms<SetT5>(chroma.u(j), chroma.v(j)), store_tail_pixel);
         }
     });
     return zivStatus_OK;
@@ -59,4 +59,4 @@ int32_t zivColorNV12toBGRA8888u8(const Image* srcImg, const Image* dstImg, uint8
                                     });
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb

@@ -2,9 +2,10 @@
 // luma plus a function of the pair alone, as the scaled luma is a whole multiple of the final shift. u and v are centred at 0.
 #pragma once
 
-#include "core/kernel.h"
+#include "yuv2rgb/packed_words.h"
+#include "yuv2rgb/pixel_terms.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 // The chroma of N pixels in the order that pixel_terms takes, as it is and times 256: a set uses what suits its scale.
 template <int N>
@@ -68,4 +69,4 @@ struct SetR5 {
     }
 };
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb

@@ -1,8 +1,9 @@
 // From planar 4:4:4, and between packed Y U V and NV21. Downward the chroma of the even columns, and of the even rows, stays;
 // upward it is repeated.
+#include "yuvrepack/packed444.h"
 #include "yuvrepack/rows.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
 
 // ---- Planar 4:4:4 ----
 
@@ -161,14 +162,14 @@ int32_t zivColorNV21toYUVu8(const Image* srcImg, const Image* dstImg) {
             [=](auto step, const auto& v, ptrdiff_t k) ZIV_INLINE_BODY {
                 constexpr int N = step.value;
                 const PackedChroma<N> pairs = packed_chroma<N>(v.c[2]);
-                expect_writes<3 * N>(dst0 + 3 * k);
-                expect_writes<3 * N>(dst1 + 3 * k);
-                store_packed<N>(dst0 + 3 * k, v.c[0], pairs);
-                store_packed<N>(dst1 + 3 * k, v.c[1], pairs);
+                prefetch_writes<3 * N>(dst0 + 3 * k);
+                prefetch_writes<3 * N>(dst1 + 3 * k);
+                store_packed444<N>(dst0 + 3 * k, v.c[0], pairs);
+                store_packed444<N>(dst1 + 3 * k, v.c[1], pairs);
             });
         for (; j < width; j += 2) pack_columns<2>(luma0, luma1, chroma, dst0, dst1, j);
     }
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack

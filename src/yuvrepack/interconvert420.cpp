@@ -1,7 +1,7 @@
 // Between the plane arrangements of 4:2:0. Luma is copied, chroma is split, merged or swapped.
 #include "yuvrepack/rows.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
 
 // Whether the rows of the chroma follow each other without a gap.
 ZIV_INLINE bool chroma_is_tight(const Image* img, ptrdiff_t columns) {
@@ -95,4 +95,4 @@ int32_t zivColorYV12toNV21u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, 
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack

@@ -2,8 +2,9 @@
 // have the same memory as source and destination; downward the tail's U reads the start of a row again after it was written.
 #include "core/kernel.h"
 #include "parallel/memory.h"
+#include "yuvrepack/square_means.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
 
 // One block, luma pitch of the destination by height, unless the images share their luma.
 ZIV_INLINE void copy_luma(const Image* srcImg, const Image* dstImg) {
@@ -76,8 +77,8 @@ ZIV_INLINE void store_spread(uint8_t* upper, uint8_t* lower, U8<N> row, U8<N> ro
 }
 template <int N>
 ZIV_INLINE void spread_block(uint8_t* upper, uint8_t* lower, const uint8_t* row, const uint8_t* above) {
-    expect_writes<2 * N>(upper);
-    expect_writes<2 * N>(lower);
+    prefetch_writes<2 * N>(upper);
+    prefetch_writes<2 * N>(lower);
     store_spread<N>(upper, lower, load<N>(row), load<N>(row + 2), load<N>(above), load<N>(above + 2));
 }
 
@@ -177,4 +178,4 @@ int32_t zivColorNV41toNV21(const Image* srcImg, const Image* dstImg) {
     __builtin_trap();
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack

@@ -2,7 +2,7 @@
 // of the odd rows is dropped.
 #include "yuvrepack/rows.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
 
 // ---- 4:2:0 to packed ----
 
@@ -174,7 +174,7 @@ int32_t zivColorYUYVtoNV12u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth,
         },
         [=](auto step, const auto& w, ptrdiff_t k) ZIV_INLINE_BODY {
             constexpr int N = step.value;
-            expect_writes<2 * N>(luma + 2 * k);
+            prefetch_writes<2 * N>(luma + 2 * k);
             store(luma + 2 * k, w.c[0]);
             store(luma + 2 * k + N, w.c[1]);
         },
@@ -252,4 +252,4 @@ int32_t zivColorYUYVtoI420u8(const uint8_t* yuvSrc, uint8_t* yuvDst, int32_t wid
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack

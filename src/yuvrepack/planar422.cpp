@@ -2,7 +2,7 @@
 // or repeated, never averaged.
 #include "yuvrepack/rows.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
 
 ZIV_INLINE int32_t check_planar422(const Image* srcImg, const Image* dstImg, uint32_t source, uint32_t destination) {
     return check(srcImg, dstImg, source, destination, destination_2x2_source_height_2);
@@ -172,4 +172,4 @@ int32_t zivColorI422VtoLPI422Hu8(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack

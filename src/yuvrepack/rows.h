@@ -2,10 +2,11 @@
 // given, any number of them, in ascending order.
 #pragma once
 
-#include "core/move_row.h"
-#include "core/rows.h"
+#include "lanes/copy_row.h"
+#include "lanes/move_row.h"
+#include "yuvrepack/yuyv.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
 
 // Which sample of an interleaved chroma pair stands first.
 enum class PairOrder { uv, vu };
@@ -143,12 +144,12 @@ template <int block>
     ptrdiff_t k = move_row<1>(
         pairs, lead_of<4>(dst),
         [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY {
-            expect_reads<2 * step.value>(luma + 2 * j);
+            prefetch_reads<2 * step.value>(luma + 2 * j);
             return load_for_yuyv<step.value>(luma + 2 * j, u + j, v + j);
         },
         [=](auto step, const auto& parts, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr int N = step.value;
-            expect_writes<4 * N>(dst + 4 * j);
+            prefetch_writes<4 * N>(dst + 4 * j);
             store_yuyv<N>(dst + 4 * j, parts);
         });
     for (; k < pairs; k++) {
@@ -171,8 +172,8 @@ template <int block>
         },
         [=](auto step, const auto& rows, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr int N = step.value;
-            expect_writes<4 * N>(dst0 + 4 * j);
-            expect_writes<4 * N>(dst1 + 4 * j);
+            prefetch_writes<4 * N>(dst0 + 4 * j);
+            prefetch_writes<4 * N>(dst1 + 4 * j);
             store_yuyv<N>(dst0 + 4 * j, rows.upper);
             store_yuyv<N>(dst1 + 4 * j, rows.lower);
         });
@@ -215,4 +216,4 @@ ZIV_INLINE void yuyv_even_row_pair(const uint8_t* luma, int32_t luma_pitch, cons
     else by_blocks<block>(columns, [=](auto step, ptrdiff_t j) { rows(j, step.value); });
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack

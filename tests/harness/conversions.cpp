@@ -15,12 +15,12 @@ const std::vector<Conversion>& conversions() {
     [[maybe_unused]] static constexpr bool Alpha = true, Opaque = false, Dispatched = true, Direct = false;
 #define ZIVCOLOR_CALL_Opaque(name) k.name(s, d)
 #define ZIVCOLOR_CALL_Alpha(name) k.name(s, d, a)
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task)                  \
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task)               \
     {#name,                                                                                 \
      zivPixFmt_##source,                                                                    \
      zivPixFmt_##destination,                                                               \
      alpha,                                                                                 \
-     reach,                                                                                 \
+     dispatch,                                                                              \
      task,                                                                                  \
      [](const KernelTable& k, const Image* s, const Image* d, [[maybe_unused]] uint8_t a) { \
          return ZIVCOLOR_CALL_##alpha(name);                                                \

@@ -1,10 +1,24 @@
 #include "lanes/lane_terms.h"
 
 #include "core/kernel.h"
-#include "core/lanes_rgb.h"
-#include "core/lanes_rgb_f32.h"
+#include "hsl/quotients.h"
+#include "rgb2yuv/columns.h"
+#include "rgb2yuv/float_sums.h"
+#include "rgbrepack/pixel_moves.h"
+#include "yuv2rgb/byte_pairs.h"
+#include "yuv2rgb/packed_words.h"
+#include "yuv2rgb/pixel_terms.h"
+#include "yuvrepack/packed444.h"
+#include "yuvrepack/square_means.h"
+#include "yuvrepack/yuyv.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
+
+using namespace hsl;
+using namespace rgb2yuv;
+using namespace rgbrepack;
+using namespace yuv2rgb;
+using namespace yuvrepack;
 
 template <int N>
 struct Input {
@@ -150,7 +164,7 @@ TERM(weigh_pair_bytes, { store(out, weigh_pair_bytes<N>(v.a, 36, -43)); })
 TERM(weigh_signed_bytes, { store(out, weigh_signed_bytes<N>(v.a, 89, 43)); })
 // The outer channels from the bytes of a pair, the middle one from a term of its own.
 TERM(outer_lanes4, {
-    const OuterLanes<N> outer = multiply_q15<N>(outer_lanes_times_4<N>(v.a), 11485, 14516);
+    const OuterLanes<N> outer = multiply_outer_q15<N>(outer_lanes_times_4<N>(v.a), 11485, 14516);
     store_pixels<N>(out, v.d, pixel_terms<N>(outer, term_in_range<N>(v.c), in[4 * N - 1]));
 })
 // Lanes beside the words of a table made of lanes: some stand in it, in the place that their bits number, others do not.
@@ -165,7 +179,7 @@ TERM(unlisted_lanes, {
 TERM(load_but_last, { store(out, load_but_last<N>(in)); })
 TERM(swap_pairs, { store(out, swap_pairs<N>(v.a)); })
 TERM(even_pairs, { store(out, even_pairs<N>(v.a, v.b)); })
-TERM(packed_chroma, { store_packed<N>(out, v.b, packed_chroma<N>(v.a)); })
+TERM(packed_chroma, { store_packed444<N>(out, v.b, packed_chroma<N>(v.a)); })
 TERM(select, { store(out, select((U8<N>)(v.a > v.b), v.c, v.d)); })
 TERM(multiply_high_unsigned, { store(out, multiply_high_unsigned<N>((U16<N>)v.a, (U16<N>)v.b)); })
 // Seen through narrow(): the upper bytes, and a difference of at most 255 around 0.
@@ -185,7 +199,7 @@ TERM(reciprocals, {
 })
 TERM(move_pixels_3_reversed, { move_pixels<N, 3, 2, 1, 0>(out, in); })
 TERM(move_pixels_4_to_3, { move_pixels<N, 4, 2, 1, 0>(out, in); })
-TERM(move_pixels_3_to_4, { move_pixels<N, 3, ones, 0, 1, 2>(out, in); })
+TERM(move_pixels_3_to_4, { move_pixels<N, 3, opaque_alpha, 0, 1, 2>(out, in); })
 TERM(shift_right_insert_3, { store(out, shift_right_insert<3>(v.a, v.b)); })
 TERM(shift_right_insert_5, { store(out, shift_right_insert<5>(v.a, v.b)); })
 TERM(pack_pixels_565, { pack_pixels_565<N, 0, 2>(out, in); })
@@ -218,7 +232,7 @@ COLUMN_TERM(luma_q15, { store_luma(out, rounded(luma_q7<Weights{3736, 19235, 979
 COLUMN_TERM(scaled_differences, {
     const auto pixels = load_pixels<N, 3>(in);
     const auto luma = luma_q6<Weights{19, 38, 7}, own_bytes>(pixels);
-    store_pairs<true>(out, scaled_differences<Slope{91, 7, 180}, Slope{9, 4, 228}>(pixels, luma));
+    store_pairs<true>(out, scaled_differences<ShiftedWeight{91, 7, 180}, ShiftedWeight{9, 4, 228}>(pixels, luma));
 })
 COLUMN_TERM(rounded_differences, {
     const auto pixels = load_pixels<N, 3>(in);
@@ -234,7 +248,8 @@ template <bool luma_first, int N>
 void packed_term(const uint8_t* in, uint8_t* out) {
     const auto pixels = load_pixels<N, 4>(in);
     const auto luma = luma_q6<Weights{19, 38, 7}, own_bytes>(pixels);
-    store_packed<luma_first, true>(out, luma, scaled_differences<Slope{91, 7, 180}, Slope{9, 4, 228}>(pixels, luma));
+    store_packed422<luma_first, true>(out, luma,
+                                      scaled_differences<ShiftedWeight{91, 7, 180}, ShiftedWeight{9, 4, 228}>(pixels, luma));
 }
 COLUMN_TERM(packed_luma_first, { packed_term<true, N>(in, out); })
 COLUMN_TERM(packed_chroma_first, { packed_term<false, N>(in, out); })
@@ -243,8 +258,8 @@ COLUMN_TERM(packed_chroma_first, { packed_term<false, N>(in, out); })
 
 static constexpr FloatWeights float_y{0.299f, 0.587f, 0.114f}, float_u{-0.1678f, -0.3313f, 0.5f},
     float_v{0.5f, -0.4187f, -0.0813f};
-static constexpr NearWeights near_y{-2748, -27263, -87, 58, -23, -51, 21, 10},
-    near_u{-16384, 24269, -128, 70, -29, -10, 22, 11}, near_v{666, -4096, -128, 5, -128, 108, 20, 11};
+static constexpr ApproximateWeights approximate_y{-2748, -27263, -87, 58, -23, -51, 21, 10},
+    approximate_u{-16384, 24269, -128, 70, -29, -10, 22, 11}, approximate_v{666, -4096, -128, 5, -128, 108, 20, 11};
 
 TERM(narrow_lanes, {
     const S32<N> low = S32<N>{} + 0xFF;
@@ -252,63 +267,66 @@ TERM(narrow_lanes, {
 })
 TERM(narrow_even_lanes, {
     const S32<N> low = S32<N>{} + 0xFFFF;
-    store(out, narrow_even_lanes<N>((S32<N>)even_quads(v.a, v.b) & low, (S32<N>)even_quads(v.c, v.d) & low));
+    store(out, narrow_even_lanes<N>((S32<N>)even_pixels(v.a, v.b) & low, (S32<N>)even_pixels(v.c, v.d) & low));
 })
 // Each sum as a 32-bit lane.
-TERM(weigh_cut, {
-    store(out, weigh_cut<2>(to_float<N>(v.a), float_y));
-    store(out + N, weigh_cut<0>(to_float<N>(v.b), float_u));
-    store(out + 2 * N, weigh_cut<0>(to_float<N>(v.c), float_v));
+TERM(weigh_truncated, {
+    store(out, weigh_truncated<2>(to_float<N>(v.a), float_y));
+    store(out + N, weigh_truncated<0>(to_float<N>(v.b), float_u));
+    store(out + 2 * N, weigh_truncated<0>(to_float<N>(v.c), float_v));
 })
-COLUMN_TERM(luma_f32, { store(out, luma_f32<N, 2>(load_four_quads<N>(in), float_y)); })
-COLUMN_TERM(chroma_pairs_f32, { store(out, chroma_pairs_f32<N, 0>(load_four_quads<N>(in), float_v, float_u)); })
-TERM(near_sums, {
-    store(out, near_sums<N, 2>(repeat_green(v.a), near_y));
-    store(out + N, near_sums<N, 0>(repeat_green(v.b), near_u));
-    store(out + 2 * N, near_sums<N, 0>(repeat_green(v.c), near_v));
+COLUMN_TERM(luma_f32, { store(out, luma_f32<N, 2>(load_pixel_vectors<N>(in), float_y)); })
+COLUMN_TERM(chroma_pairs_f32, { store(out, chroma_pairs_f32<N, 0>(load_pixel_vectors<N>(in), float_v, float_u)); })
+TERM(approximate_sums, {
+    store(out, approximate_sums<N, 2>(repeat_green(v.a), approximate_y));
+    store(out + N, approximate_sums<N, 0>(repeat_green(v.b), approximate_u));
+    store(out + 2 * N, approximate_sums<N, 0>(repeat_green(v.c), approximate_v));
 })
-// What store_near leaves is done in binary32.
-COLUMN_TERM(store_near, {
-    const FourQuads<N> pixels = load_four_quads<N>(in);
-    const Left left = store_near<N, 2, true>(out, out + N, pixels, near_y, near_v, near_u);
-    if (left == Left::all) store(out, luma_f32<N, 2>(pixels, float_y));
-    if (left != Left::nothing) store(out + N, chroma_pairs_f32<N, 2>(pixels, float_v, float_u));
+// What store_approximated leaves is done in binary32.
+COLUMN_TERM(store_approximated, {
+    const PixelVectors<N> pixels = load_pixel_vectors<N>(in);
+    const Undecided undecided =
+        store_approximated<N, 2, true>(out, out + N, pixels, approximate_y, approximate_v, approximate_u);
+    if (undecided == Undecided::all) store(out, luma_f32<N, 2>(pixels, float_y));
+    if (undecided != Undecided::nothing) store(out + N, chroma_pairs_f32<N, 2>(pixels, float_v, float_u));
 })
-COLUMN_TERM(store_near_luma, {
-    const FourQuads<N> pixels = load_four_quads<N>(in);
-    const Left left = store_near<N, 2, false>(out, nullptr, pixels, near_y, near_v, near_u);
-    if (left != Left::nothing) store(out, luma_f32<N, 2>(pixels, float_y));
+COLUMN_TERM(store_approximated_luma, {
+    const PixelVectors<N> pixels = load_pixel_vectors<N>(in);
+    const Undecided undecided =
+        store_approximated<N, 2, false>(out, nullptr, pixels, approximate_y, approximate_v, approximate_u);
+    if (undecided != Undecided::nothing) store(out, luma_f32<N, 2>(pixels, float_y));
 })
-#if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
-COLUMN_TERM(left_by_near, {
+#if ZIV_HAS_SSE4_2
+COLUMN_TERM(left_by_approximation, {
     uint8_t stored[2 * N];
-    const FourQuads<N> pixels = load_four_quads<N>(in);
-    out[0] = static_cast<uint8_t>(store_near<N, 2, true>(stored, stored + N, pixels, near_y, near_v, near_u));
+    const PixelVectors<N> pixels = load_pixel_vectors<N>(in);
+    out[0] = static_cast<uint8_t>(
+        store_approximated<N, 2, true>(stored, stored + N, pixels, approximate_y, approximate_v, approximate_u));
 })
 TERM(far_from_whole, {
     FarFromWhole<N> far;
-    far.add((S32<N>)v.a, near_y);
-    far.add((S32<N>)v.b, near_u);
+    far.add((S32<N>)v.a, approximate_y);
+    far.add((S32<N>)v.b, approximate_u);
     out[0] = far.all();
 })
-TERM(cut_pairs, { store(out, cut_pairs<N>((S32<N>)v.a, (S32<N>)v.b, near_v, near_u)); })
-TERM(cut_towards_0, { store(out, cut_towards_0<N>(v.a)); })
+TERM(truncate_pairs, { store(out, truncate_pairs<N>((S32<N>)v.a, (S32<N>)v.b, approximate_v, approximate_u)); })
+TERM(truncate_towards_0, { store(out, truncate_towards_0<N>(v.a)); })
 // Sums of 8 bits before the point.
-TERM(cut_luma, {
+TERM(truncate_luma, {
     const S32<N> sum = S32<N>{} + ((256 << 21) - 1);
-    store(out, cut_luma<N>((S32<N>)v.a & sum, (S32<N>)v.b & sum, (S32<N>)v.c & sum, (S32<N>)v.d & sum, near_y));
+    store(out, truncate_luma<N>((S32<N>)v.a & sum, (S32<N>)v.b & sum, (S32<N>)v.c & sum, (S32<N>)v.d & sum, approximate_y));
 })
 #endif
 
 #define ROW(name, N) {#name, N, term_##name<N>},
-#if defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX512_VBMI
 #define ROWS(name) ROW(name, 64) ROW(name, 32) ROW(name, 16)
-#elif defined(ZIVCOLOR_TARGET_avx2)
+#elif ZIV_HAS_AVX2
 #define ROWS(name) ROW(name, 32) ROW(name, 16)
 #else
 #define ROWS(name) ROW(name, 16)
 #endif
-#if defined(ZIVCOLOR_TARGET_neon)
+#if ZIV_HAS_ADVANCED_SIMD
 #define COLUMN_ROWS(name) ROW(name, 32) ROW(name, 16)
 #else
 #define COLUMN_ROWS(name) ROWS(name)
@@ -333,10 +351,10 @@ static constexpr harness::LaneTerm rows[] = {
     COLUMN_ROWS(luma_q6_3) COLUMN_ROWS(luma_q6_4) COLUMN_ROWS(luma_q6_shared) COLUMN_ROWS(luma_q15)
     COLUMN_ROWS(scaled_differences) COLUMN_ROWS(rounded_differences) COLUMN_ROWS(fractional_differences)
     COLUMN_ROWS(packed_luma_first) COLUMN_ROWS(packed_chroma_first)
-    ROWS(narrow_lanes) ROWS(narrow_even_lanes) ROWS(weigh_cut) ROWS(luma_f32) ROWS(chroma_pairs_f32) ROWS(near_sums)
-    ROWS(store_near) ROWS(store_near_luma)
-#if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
-    ROWS(left_by_near) ROWS(far_from_whole) ROWS(cut_pairs) ROWS(cut_towards_0) ROWS(cut_luma)
+    ROWS(narrow_lanes) ROWS(narrow_even_lanes) ROWS(weigh_truncated) ROWS(luma_f32) ROWS(chroma_pairs_f32) ROWS(approximate_sums)
+    ROWS(store_approximated) ROWS(store_approximated_luma)
+#if ZIV_HAS_SSE4_2
+    ROWS(left_by_approximation) ROWS(far_from_whole) ROWS(truncate_pairs) ROWS(truncate_towards_0) ROWS(truncate_luma)
 #endif
     // clang-format on
 };

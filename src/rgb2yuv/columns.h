@@ -5,7 +5,7 @@
 
 #include "core/kernel.h"
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 // The weights of a pixel's first three bytes. A fourth byte never counts.
 struct Weights {
@@ -16,31 +16,27 @@ struct OuterWeights {
     int c0, c2;
 };
 // A weight and the right shift after it, of a difference that is at most `most` in size.
-struct Slope {
+struct ShiftedWeight {
     int weight, shift, most;
 };
 
 // The first byte of a pixel that a weighted sum can take from another one: see luma_q6.
 inline constexpr int own_bytes = -1;
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv
 
-#if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
-#include "core/lanes_rgb_x86.h"
+#if ZIV_HAS_SSE4_2
+#include "rgb2yuv/columns_x86.h"
 #else
-#include "core/lanes_rgb_portable.h"
+#include "rgb2yuv/columns_portable.h"
 #endif
-#if defined(ZIVCOLOR_TARGET_neon)
-#include "core/lanes_rgb_neon.h"
+#if ZIV_HAS_ADVANCED_SIMD
+#include "rgb2yuv/columns_neon.h"
 #endif
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
-#if defined(ZIVCOLOR_TARGET_neon)
-inline constexpr int widest_columns = 32;
-#else
-inline constexpr int widest_columns = widest;
-#endif
+inline constexpr int widest_columns = ZIV_HAS_ADVANCED_SIMD ? 32 : widest;
 
 // for_steps over columns of RGB. Two of the widest steps stand in the loop where vectors are short, to halve its own cost. The
 // loop counts units of one column or of two: the latter where a body's offsets are in columns halved.
@@ -67,4 +63,4 @@ ZIV_INLINE void for_column_pair_steps(ptrdiff_t columns, Body body) {
     for_column_units<2>(columns, body);
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv

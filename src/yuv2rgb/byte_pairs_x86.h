@@ -1,17 +1,12 @@
 // Terms of four-byte pixels straight from pairs of bytes, on AVX-512.
 #pragma once
 
-namespace zivcolor::ZIVCOLOR_TARGET {
-
-template <>
-ZIV_INLINE S16<64> weigh_signed_bytes<64>(U8<64> pairs, int weight_a, int weight_b) {
-    return (S16<64>)_mm512_maddubs_epi16((__m512i)constant<64>(weight_a + 256 * weight_b), (__m512i)pairs);
-}
+namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 // Sixteen pairs a vector, b before a. The byte beside each has no weight.
 template <int half>
 ZIV_INLINE S16<64> outer_half_times_4(U8<64> pairs) {
-    const __m512i index = kept_bytes512([](int n) { return 32 * half + n / 4 * 2 + (n % 4 < 2 ? 1 : 0); });
+    const __m512i index = hidden_bytes512([](int n) { return 32 * half + n / 4 * 2 + (n % 4 < 2 ? 1 : 0); });
     return weigh_signed_bytes<64>((U8<64>)_mm512_permutexvar_epi8(index, (__m512i)pairs), 4, 0);
 }
 template <>
@@ -19,7 +14,7 @@ ZIV_INLINE OuterLanes<64> outer_lanes_times_4<64>(U8<64> pairs) {
     return {{outer_half_times_4<0>(pairs), outer_half_times_4<1>(pairs)}};
 }
 template <>
-ZIV_INLINE OuterLanes<64> multiply_q15<64>(const OuterLanes<64>& lanes, int weight_a, int weight_b) {
+ZIV_INLINE OuterLanes<64> multiply_outer_q15<64>(const OuterLanes<64>& lanes, int weight_a, int weight_b) {
     S16<64> weights = constants<64>(2 * weight_b, 2 * weight_a);
     asm("" : "+v"(weights));
     return {{multiply_high<64>(lanes.part[0], weights), multiply_high<64>(lanes.part[1], weights)}};
@@ -32,8 +27,8 @@ constexpr int byte_of_outer_term(int pair, int channel) {
 }
 template <int q>
 ZIV_INLINE __m512i place_outer_terms(const __m512i (&terms)[2], __m512i fourth) {
-    const __m512i index = kept_bytes512([](int n) { return byte_of_outer_term(8 * q + n / 8, n % 4 % 3); });
-    return _mm512_mask_permutexvar_epi8(fourth, kept_mask(colours), index, terms[q / 2]);
+    const __m512i index = hidden_bytes512([](int n) { return byte_of_outer_term(8 * q + n / 8, n % 4 % 3); });
+    return _mm512_mask_permutexvar_epi8(fourth, hidden_mask(colours), index, terms[q / 2]);
 }
 template <>
 ZIV_INLINE PixelTerms4<64> pixel_terms<64>(const OuterLanes<64>& outer, S16<64> middle, uint8_t alpha) {
@@ -54,4 +49,4 @@ ZIV_INLINE uint32_t unlisted_lanes<64>(uint32_t lanes, U16<64> words, const uint
     return _mm512_mask_cmpneq_epi16_mask(lanes, listed, (__m512i)words);
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb

@@ -2,13 +2,13 @@
 // within the parts gives whole vectors of pixels.
 #pragma once
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 // ---- Instructions ----
 
 // A mask hidden from compilers that would shuffle in two steps of their own.
 template <class Index>
-ZIV_INLINE __m128i kept_bytes128(Index index) {
+ZIV_INLINE __m128i hidden_bytes128(Index index) {
     __m128i bytes = bytes128(index);
     asm("" : "+x"(bytes));
     return bytes;
@@ -18,30 +18,30 @@ ZIV_INLINE __m128i kept_bytes128(Index index) {
 ZIV_INLINE U8<16> shuffle_parts(U8<16> v, __m128i mask) { return (U8<16>)_mm_shuffle_epi8((__m128i)v, mask); }
 ZIV_INLINE S16<16> halves_in_parts(S16<16> v) { return v; }
 
-#if defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX2
 ZIV_INLINE U8<32> shuffle_parts(U8<32> v, __m128i mask) { return (U8<32>)_mm256_shuffle_epi8((__m256i)v, both_halves(mask)); }
 // The lower half of v in the lower halves of the parts, the upper half in the upper ones.
 ZIV_INLINE S16<32> halves_in_parts(S16<32> v) { return (S16<32>)_mm256_permute4x64_epi64((__m256i)v, 0xD8); }
 #endif
 
-#if defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX512_VBMI
 ZIV_INLINE U8<64> shuffle_parts(U8<64> v, __m128i mask) {
     return (U8<64>)_mm512_shuffle_epi8((__m512i)v, _mm512_broadcast_i32x4(mask));
 }
-ZIV_INLINE S16<64> halves_in_parts(S16<64> v) { return (S16<64>)halves_by_turns((__m512i)v); }
+ZIV_INLINE S16<64> halves_in_parts(S16<64> v) { return (S16<64>)interleave_halves((__m512i)v); }
 #endif
 
 template <>
 ZIV_INLINE S16<16> swap_lanes<16>(S16<16> v) {
-    return (S16<16>)shuffle_parts((U8<16>)v, kept_bytes128([](int n) { return n ^ 2; }));
+    return (S16<16>)shuffle_parts((U8<16>)v, hidden_bytes128([](int n) { return n ^ 2; }));
 }
-#if defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX2
 template <>
 ZIV_INLINE S16<32> swap_lanes<32>(S16<32> v) {
-    return (S16<32>)shuffle_parts((U8<32>)v, kept_bytes128([](int n) { return n ^ 2; }));
+    return (S16<32>)shuffle_parts((U8<32>)v, hidden_bytes128([](int n) { return n ^ 2; }));
 }
 #endif
-#if defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX512_VBMI
 template <>
 ZIV_INLINE S16<64> swap_lanes<64>(S16<64> v) {
     return (S16<64>)_mm512_rol_epi32((__m512i)v, 16);
@@ -72,4 +72,4 @@ requires packed_by_words ZIV_INLINE void store_packed_sums(uint8_t* p, const Pac
     }
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb

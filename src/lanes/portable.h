@@ -3,7 +3,7 @@
 // that only wider vectors would need in another form is for 16 bytes.
 #pragma once
 
-#include "core/lanes.h"
+#include "lanes/lanes.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
@@ -21,20 +21,31 @@ ZIV_INLINE void store(uint8_t* p, V v) {
     __builtin_memcpy(p, &v, sizeof v);
 }
 
-// Hints that the bytes from p on will soon be written, step by step. Touches nothing.
+// Hints that the `bytes` bytes `ahead` of p will soon be written. They touch nothing. On AArch64 they cost more than they save.
 template <int bytes>
-ZIV_INLINE void expect_writes([[maybe_unused]] uint8_t* p) {
-#if defined(ZIVCOLOR_TARGET_portable)
-    const uintptr_t ahead = reinterpret_cast<uintptr_t>(p) + 512;
-    for (uintptr_t line = 0; line < bytes; line += 64) __builtin_prefetch(reinterpret_cast<const void*>(ahead + line), 1);
-#endif
+ZIV_INLINE void prefetch_writes_ahead([[maybe_unused]] uint8_t* p, [[maybe_unused]] ptrdiff_t ahead) {
+    if constexpr (ZIV_HAS_SSE4_2) {
+        const uintptr_t first = reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(ahead);
+        for (uintptr_t line = 0; line < bytes; line += 64) __builtin_prefetch(reinterpret_cast<const void*>(first + line), 1);
+    }
 }
-// The same for the `bytes` bytes that are read there.
+// The same eight lines on, in a pass that writes step by step: rows that miss the first cache, and stores that straddle lines,
+// otherwise wait for one another.
 template <int bytes>
-ZIV_INLINE void expect_reads(const uint8_t*) {}
-// Hints that the `bytes` bytes `ahead` of p will soon be written.
+ZIV_INLINE void prefetch_writes([[maybe_unused]] uint8_t* p) {
+    if constexpr (!ZIV_HAS_ADVANCED_SIMD) {
+        const uintptr_t ahead = reinterpret_cast<uintptr_t>(p) + 512;
+        for (uintptr_t line = 0; line < bytes; line += 64) __builtin_prefetch(reinterpret_cast<const void*>(ahead + line), 1);
+    }
+}
+// The same for bytes that are read there.
 template <int bytes>
-ZIV_INLINE void expect_writes_ahead(uint8_t*, ptrdiff_t) {}
+ZIV_INLINE void prefetch_reads([[maybe_unused]] const uint8_t* p) {
+    if constexpr (ZIV_HAS_SSE4_2 && bytes >= 48) {
+        const uintptr_t ahead = reinterpret_cast<uintptr_t>(p) + 1024;
+        for (uintptr_t line = 0; line < bytes; line += 64) __builtin_prefetch(reinterpret_cast<const void*>(ahead + line));
+    }
+}
 
 // ---- Rearrangements that the memory terms are made of ----
 
@@ -146,18 +157,18 @@ struct PixelLanes {
 };
 // These pixels as 32-bit lanes: half of the columns in each of two vectors.
 template <int N>
-struct Quads {
+struct PixelWords {
     U32<N> lo, hi;
 };
 template <int N>
-ZIV_INLINE Quads<N> join_lanes(const PixelLanes<N>& v) {
+ZIV_INLINE PixelWords<N> join_lanes(const PixelLanes<N>& v) {
     static_assert(N == 16);
     return {(U32<N>)__builtin_shufflevector(v.first, v.last, 0, 8, 1, 9, 2, 10, 3, 11),
             (U32<N>)__builtin_shufflevector(v.first, v.last, 4, 12, 5, 13, 6, 14, 7, 15)};
 }
 // a0 b0 a1 b1 ... of 32-bit lanes.
 template <int N>
-ZIV_INLINE Quads<N> interleave_quads(U32<N> a, U32<N> b) {
+ZIV_INLINE PixelWords<N> interleave_words(U32<N> a, U32<N> b) {
     static_assert(N == 16);
     return {__builtin_shufflevector(a, b, 0, 4, 1, 5), __builtin_shufflevector(a, b, 2, 6, 3, 7)};
 }
@@ -165,8 +176,8 @@ ZIV_INLINE Quads<N> interleave_quads(U32<N> a, U32<N> b) {
 // Writes the pixels of N columns, of four bytes.
 template <int N>
 ZIV_INLINE void store_columns4(uint8_t* p, const PixelLanes<N>& even, const PixelLanes<N>& odd) {
-    const Quads<N> e = join_lanes<N>(even), o = join_lanes<N>(odd);
-    const Quads<N> first = interleave_quads<N>(e.lo, o.lo), last = interleave_quads<N>(e.hi, o.hi);
+    const PixelWords<N> e = join_lanes<N>(even), o = join_lanes<N>(odd);
+    const PixelWords<N> first = interleave_words<N>(e.lo, o.lo), last = interleave_words<N>(e.hi, o.hi);
     store(p, first.lo);
     store(p + N, first.hi);
     store(p + 2 * N, last.lo);
@@ -175,9 +186,9 @@ ZIV_INLINE void store_columns4(uint8_t* p, const PixelLanes<N>& even, const Pixe
 // The same of three bytes, where byte 3 is zero: a pair of pixels fills six bytes of a 64-bit lane.
 template <int N>
 ZIV_INLINE void store_columns3(uint8_t* p, const PixelLanes<N>& even, const PixelLanes<N>& odd) {
-    const Quads<N> e = join_lanes<N>(even), o = join_lanes<N>(odd);
-    const Quads<N> first = interleave_quads<N>(e.lo | o.lo << 24, o.lo >> 8);
-    const Quads<N> last = interleave_quads<N>(e.hi | o.hi << 24, o.hi >> 8);
+    const PixelWords<N> e = join_lanes<N>(even), o = join_lanes<N>(odd);
+    const PixelWords<N> first = interleave_words<N>(e.lo | o.lo << 24, o.lo >> 8);
+    const PixelWords<N> last = interleave_words<N>(e.hi | o.hi << 24, o.hi >> 8);
     store_six_bytes<N>(p, (U64<N>)first.lo, (U64<N>)first.hi, (U64<N>)last.lo, (U64<N>)last.hi);
 }
 
@@ -363,6 +374,12 @@ ZIV_INLINE S16<N> weigh_signed_bytes(U8<N> pairs, int weight_a, int weight_b) {
     return ((both << 8) >> 8) * static_cast<int16_t>(weight_a) + (both >> 8) * static_cast<int16_t>(weight_b);
 }
 
+// The lanes a, b, a, b and so on.
+template <int N>
+ZIV_INLINE S16<N> constants(int a, int b) {
+    return (S16<N>)(S32<N>{} + static_cast<int32_t>((static_cast<uint32_t>(a) & 0xFFFF) | static_cast<uint32_t>(b) << 16));
+}
+
 // Which lanes are zero: so many bits of the result are set for each, the lowest for lane 0.
 template <int N>
 inline constexpr int zero_lane_bits = N == 16 ? 8 : 1;
@@ -375,198 +392,6 @@ ZIV_INLINE uint64_t zero_lanes(U16<N> v) {
     uint64_t lanes = 0;
     for (int i = 0; i < N / 2; i++) lanes |= static_cast<uint64_t>(v[i] == 0) << i;
     return lanes;
-}
-
-// ---- Luma plus a term of its chroma pair: clamp(Y + d, 0, 255) for N pixels and N / 2 pairs, |d| <= 254. ----
-
-// Terms come in lanes of 16 bits, a pair a lane, in an order of the pairs that is the target's own for pixels of c channels:
-// these two bring chroma into that order, from N / 2 pairs of bytes that stay side by side and from N / 2 bytes of one plane,
-// zero-widened.
-template <int N, int c>
-ZIV_INLINE U8<N> arrange_pairs(U8<N> pairs) {
-    return pairs;
-}
-template <int N, int c>
-ZIV_INLINE U16<N> load_arranged(const uint8_t* p) {
-    return load_widened<N>(p);
-}
-// The pair that a lane then holds.
-template <int N, int c>
-constexpr int pair_in_lane(int lane) {
-    return lane;
-}
-
-// N pixels of packed 4:2:2, luma in the even bytes: luma as the target likes to keep it, and the arranged pairs.
-template <int N>
-struct PackedLuma {
-    U8<N> luma;
-};
-template <int N>
-struct Packed422 {
-    PackedLuma<N> luma;
-    U8<N> pairs;
-};
-template <int N, int c>
-ZIV_INLINE Packed422<N> load_packed422(const uint8_t* p) {
-    const Channels<N, 2> v = load2<N>(p);
-    return {{v.c[0]}, arrange_pairs<N, c>(v.c[1])};
-}
-
-// The terms of three channels, made once for the pixels of one or two rows.
-template <int N>
-struct PixelTerms3 {
-    S16<N> d[3];
-};
-template <int N>
-ZIV_INLINE PixelTerms3<N> pixel_terms(S16<N> d0, S16<N> d1, S16<N> d2) {
-    return {{d0, d1, d2}};
-}
-// The pixels of every other column from their luma; byte 3 is zero.
-template <int N>
-ZIV_INLINE PixelLanes<N> apply_terms(U16<N> luma, const PixelTerms3<N>& terms) {
-    const auto channel = [&](int k) ZIV_INLINE_BODY { return (U16<N>)clamp_lanes<N>((S16<N>)luma + terms.d[k]); };
-    return {channel(0) | channel(1) << 8, channel(2)};
-}
-
-// Writes N pixels of three interleaved channels.
-template <int N>
-ZIV_INLINE void store_pixels(uint8_t* p, U8<N> luma, const PixelTerms3<N>& terms) {
-    store_columns3<N>(p, apply_terms<N>(even_bytes<N>(luma), terms), apply_terms<N>(odd_bytes<N>(luma), terms));
-}
-
-// The same with a constant fourth channel.
-template <int N>
-struct PixelTerms4 {
-    PixelTerms3<N> colour;
-    U8<N> alpha;
-};
-template <int N>
-ZIV_INLINE PixelTerms4<N> pixel_terms(S16<N> d0, S16<N> d1, S16<N> d2, uint8_t alpha) {
-    return {pixel_terms<N>(d0, d1, d2), U8<N>{} + alpha};
-}
-template <int N>
-ZIV_INLINE void store_pixels(uint8_t* p, U8<N> luma, const PixelTerms4<N>& terms) {
-    PixelLanes<N> even = apply_terms<N>(even_bytes<N>(luma), terms.colour);
-    PixelLanes<N> odd = apply_terms<N>(odd_bytes<N>(luma), terms.colour);
-    const U16<N> alpha = (U16<N>)terms.alpha & 0xFF00;
-    even.last |= alpha, odd.last |= alpha;
-    store_columns4<N>(p, even, odd);
-}
-
-// The same from packed luma, and from luma in memory, all of which is read first.
-template <int N>
-ZIV_INLINE void store_pixels(uint8_t* p, PackedLuma<N> luma, const PixelTerms3<N>& terms) {
-    store_pixels<N>(p, luma.luma, terms);
-}
-template <int N>
-ZIV_INLINE void store_pixels(uint8_t* p, PackedLuma<N> luma, const PixelTerms4<N>& terms) {
-    store_pixels<N>(p, luma.luma, terms);
-}
-template <int N>
-ZIV_INLINE void store_pixels(uint8_t* p, const uint8_t* luma, const PixelTerms3<N>& terms) {
-    store_pixels<N>(p, load<N>(luma), terms);
-}
-template <int N>
-ZIV_INLINE void store_pixels(uint8_t* p, const uint8_t* luma, const PixelTerms4<N>& terms) {
-    store_pixels<N>(p, load<N>(luma), terms);
-}
-
-// ---- Terms of four-byte pixels straight from pairs of bytes, where bytes move anywhere in one step ----
-
-// Whether the target does well by the terms of this group.
-#if defined(ZIVCOLOR_TARGET_avx512)
-inline constexpr bool terms_by_bytes = true;
-#else
-inline constexpr bool terms_by_bytes = false;
-#endif
-
-// The signed bytes a, b of N / 2 pairs as 16-bit lanes, in an order that is the target's own, and products of these.
-template <int N>
-struct OuterLanes {
-    S16<N> part[2];
-};
-template <int N>
-ZIV_INLINE OuterLanes<N> outer_lanes_times_4(U8<N> pairs) {
-    return {{weigh_signed_bytes<N>(pairs, 4, 0), weigh_signed_bytes<N>(pairs, 0, 4)}};
-}
-template <int N>
-ZIV_INLINE OuterLanes<N> multiply_q15(const OuterLanes<N>& lanes, int weight_a, int weight_b) {
-    return {{multiply_q15<N>(lanes.part[0], weight_a), multiply_q15<N>(lanes.part[1], weight_b)}};
-}
-
-// The terms of channels 0 and 2 from the products of b and of a, those of channel 1 a pair a lane in the order of the pairs.
-template <int N>
-ZIV_INLINE PixelTerms4<N> pixel_terms(const OuterLanes<N>& outer, S16<N> middle, uint8_t alpha) {
-    const auto arranged = [](S16<N> v) ZIV_INLINE_BODY { return (S16<N>)arrange_pairs<N, 4>((U8<N>)v); };
-    return pixel_terms<N>(arranged(outer.part[1]), arranged(middle), arranged(outer.part[0]), alpha);
-}
-
-// Of the lanes with a bit in `lanes`, the lowest for lane 0, those that are not the word of the table that their bits 10 to 14
-// number.
-template <int N>
-ZIV_INLINE uint32_t unlisted_lanes(uint32_t lanes, U16<N> words, const uint16_t (&table)[32]) {
-    for (int i = 0; i < N / 2; i++)
-        if (table[words[i] >> 10 & 31] == words[i]) lanes &= ~(uint32_t{1} << i);
-    return lanes;
-}
-
-// ---- Packed 4:2:2 to four-byte pixels in lanes of 16 bits, where no two rows share chroma ----
-
-// Whether the target does well by the terms of this group.
-#if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
-inline constexpr bool packed_by_words = true;
-#else
-inline constexpr bool packed_by_words = false;
-#endif
-
-// The lanes a, b, a, b and so on.
-template <int N>
-ZIV_INLINE S16<N> constants(int a, int b) {
-    return (S16<N>)(S32<N>{} + static_cast<int32_t>((static_cast<uint32_t>(a) & 0xFFFF) | static_cast<uint32_t>(b) << 16));
-}
-
-// Lanes 2 i and 2 i + 1 exchanged.
-template <int N>
-ZIV_INLINE S16<N> swap_lanes(S16<N> v) {
-    return (S16<N>)((U32<N>)v << 16 | (U32<N>)v >> 16);
-}
-
-// N bytes Y0 U Y1 V, N / 4 pairs in an order that is the target's own: the lanes Y0 Y1, Y1 Y0, and u v, centred and times 256.
-template <int N>
-struct PackedWords {
-    S16<N> luma, swapped, chroma;
-};
-template <int N>
-ZIV_INLINE PackedWords<N> split_packed_words(S16<N> v) {
-    const S16<N> luma = v & constant<N>(255);
-    return {luma, swap_lanes<N>(luma), (v & constant<N>(-256)) ^ constant<N>(-32768)};
-}
-template <int N>
-ZIV_INLINE PackedWords<N> load_packed_words(const uint8_t* p) {
-    return split_packed_words<N>((S16<N>)load<N>(p));
-}
-
-// The channels of the same pixels, each a lane and to be saturated: that of u in the first and that of v in the second pixel of
-// a pair, the other way round, and green in both.
-template <int N>
-struct PackedSums {
-    S16<N> straight, crossed, green;
-};
-// Writes N pixels: the channel of u in byte u_byte of 0 and 2, that of v in the other.
-template <int N, int u_byte>
-ZIV_INLINE void store_packed_sums(uint8_t* p, const PackedSums<N> (&sums)[2], U8<N> alpha) {
-    Channels<N, 4> v;
-    v.c[3] = alpha;
-    for (int i = 0; i < N; i++) {
-        const PackedSums<N>& s = sums[i / (N / 2)];
-        const int lane = i % (N / 2), pair = lane & ~1;
-        const int of_u = lane == pair ? s.straight[pair] : s.crossed[pair];
-        const int of_v = lane == pair ? s.crossed[pair + 1] : s.straight[pair + 1];
-        const int channels[3] = {u_byte == 0 ? of_u : of_v, s.green[lane], u_byte == 0 ? of_v : of_u};
-        for (int k = 0; k < 3; k++)
-            v.c[k][i] = static_cast<uint8_t>(channels[k] < 0 ? 0 : channels[k] > 255 ? 255 : channels[k]);
-    }
-    store4<N>(p, v.c[0], v.c[1], v.c[2], v.c[3]);
 }
 
 // ---- Selection and quotients ----
@@ -583,34 +408,118 @@ ZIV_INLINE U16<N> multiply_high_unsigned(U16<N> a, U16<N> b) {
     return lane_by_lane<uint16_t>(a, b, [](uint32_t x, uint32_t y) { return (x * y) >> 16; });
 }
 
-// low + 256 * high, and weight * (a - b) for weights up to 127, both lane by lane in the order of widen().
+// ---- Repacking of chroma ----
+
+// N lanes of which the last is 0: reads N - 1 bytes.
 template <int N>
-ZIV_INLINE Wide<N> widen_joined(U8<N> low, U8<N> high) {
-    const Wide<N> l = widen<N>(low), h = widen<N>(high);
-    return {l.lo | (h.lo << 8), l.hi | (h.hi << 8)};
-}
-template <int N>
-ZIV_INLINE Wide<N> widen_difference(U8<N> a, U8<N> b, uint8_t weight) {
-    const Wide<N> x = widen<N>(a), y = widen<N>(b);
-    return {(x.lo - y.lo) * weight, (x.hi - y.hi) * weight};
+ZIV_INLINE U8<N> load_but_last(const uint8_t* p) {
+    static_assert(N == 16);
+    uint64_t first, last;
+    __builtin_memcpy(&first, p, 8);
+    __builtin_memcpy(&last, p + 7, 8);
+    return (U8<N>)U64<N>{first, last >> 8};
 }
 
-// 65536 / i truncated, 65535 for 1; for 0 anything. No quotient that is not whole comes nearer than 1 / 255 to a whole number,
-// which is more than binary32 rounds by, in whatever direction: its quotient truncates to the exact one. That of 1 wraps to 0
-// in 16 bits.
+// The two bytes of every pair exchanged.
 template <int N>
-ZIV_INLINE Wide<N> reciprocals(U8<N> divisors) {
+ZIV_INLINE U8<N> swap_pairs(U8<N> v) {
+    const U16<N> pairs = (U16<N>)v;
+    return (U8<N>)((pairs << 8) | (pairs >> 8));
+}
+
+// a0 b0 a2 b2 a4 b4 ...
+template <int N>
+ZIV_INLINE U8<N> even_pairs(U8<N> a, U8<N> b) {
+    return merge_bytes<N>(even_bytes<N>(a), (U16<N>)b);
+}
+
+// (kept & ~(255 >> n)) | (inserted >> n)
+template <int n, class V>
+ZIV_INLINE V shift_right_insert(V kept, V inserted) {
+    return (kept & static_cast<uint8_t>(~(255 >> n))) | (inserted >> n);
+}
+
+// ---- Runs of bytes ----
+
+// Four vectors that stand side by side in memory.
+template <int N>
+struct FourVectors {
+    U8<N> v[4];
+};
+template <int N>
+ZIV_INLINE FourVectors<N> load_four(const uint8_t* p) {
+    return {{load<N>(p), load<N>(p + N), load<N>(p + 2 * N), load<N>(p + 3 * N)}};
+}
+template <int N>
+ZIV_INLINE void store_four(uint8_t* p, const FourVectors<N>& four) {
+    for (int k = 0; k < 4; k++) {
+        store(p + k * N, four.v[k]);
+        asm volatile("" ::: "memory");  // in address order, whatever the compiler's scheduler thinks of it
+    }
+}
+
+template <int N>
+ZIV_INLINE void copy_four(uint8_t* dst, const uint8_t* src) {
+    store_four<N>(dst, load_four<N>(src));
+}
+
+// ---- Turning and mirroring. A vector of 32 or 64 bytes is parts of 16 bytes side by side, and the terms on parts treat each
+//      by itself. ----
+
+// 16 bytes from p, from p + distance and so on.
+template <int N>
+ZIV_INLINE U8<N> load_parts(const uint8_t* p, ptrdiff_t distance) {
+    U8<N> v;
+    for (int k = 0; k < N / 16; k++) __builtin_memcpy(reinterpret_cast<uint8_t*>(&v) + 16 * k, p + k * distance, 16);
+    return v;
+}
+
+// a0 b0 a1 b1 ... from the lower or upper halves of the parts, by bytes or by pairs of bytes.
+template <int N>
+U8<N> zip_parts_low(U8<N> a, U8<N> b);
+template <int N>
+U8<N> zip_parts_high(U8<N> a, U8<N> b);
+template <int N>
+U8<N> zip_pair_parts_low(U8<N> a, U8<N> b);
+template <int N>
+U8<N> zip_pair_parts_high(U8<N> a, U8<N> b);
+template <>
+ZIV_INLINE U8<16> zip_parts_low<16>(U8<16> a, U8<16> b) {
+    return __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+}
+template <>
+ZIV_INLINE U8<16> zip_parts_high<16>(U8<16> a, U8<16> b) {
+    return __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
+}
+template <>
+ZIV_INLINE U8<16> zip_pair_parts_low<16>(U8<16> a, U8<16> b) {
+    return (U8<16>)__builtin_shufflevector((U16<16>)a, (U16<16>)b, 0, 8, 1, 9, 2, 10, 3, 11);
+}
+template <>
+ZIV_INLINE U8<16> zip_pair_parts_high<16>(U8<16> a, U8<16> b) {
+    return (U8<16>)__builtin_shufflevector((U16<16>)a, (U16<16>)b, 4, 12, 5, 13, 6, 14, 7, 15);
+}
+
+// The pairs of bytes, or the bytes, from the last to the first.
+template <int N>
+ZIV_INLINE U8<N> reverse_pairs(U8<N> v) {
     static_assert(N == 16);
-    const Wide<N> v = widen<N>(lane_max(divisors, U8<N>{} + uint8_t{1}));
-    const auto reciprocals_of_quads = [](U32<N> quads) ZIV_INLINE_BODY {
-        return (U16<N>)__builtin_convertvector(65536.0f / __builtin_convertvector((S32<N>)quads, F32<N>), S32<N>);
-    };
-    const auto reciprocals_of_lanes = [&](U16<N> lanes) ZIV_INLINE_BODY {
-        const U16<N> lo = reciprocals_of_quads((U32<N>)__builtin_shufflevector(lanes, U16<N>{}, 0, 8, 1, 9, 2, 10, 3, 11));
-        const U16<N> hi = reciprocals_of_quads((U32<N>)__builtin_shufflevector(lanes, U16<N>{}, 4, 12, 5, 13, 6, 14, 7, 15));
-        return __builtin_shufflevector(lo, hi, 0, 2, 4, 6, 8, 10, 12, 14) + (U16<N>)(lanes == 1);
-    };
-    return {reciprocals_of_lanes(v.lo), reciprocals_of_lanes(v.hi)};
+    const U16<N> halves = (U16<N>)swap_halves<N>(v);
+    return (U8<N>)__builtin_shufflevector(halves, halves, 3, 2, 1, 0, 7, 6, 5, 4);
+}
+template <int N>
+ZIV_INLINE U8<N> reverse_bytes(U8<N> v) {
+    return swap_pairs<N>(reverse_pairs<N>(v));
+}
+
+// ---- Pairs of chroma samples made fewer or more ----
+
+// Interleaving store of pairs: a0 b0 a1 b1 ...
+template <int N>
+ZIV_INLINE void store2_pairs(uint8_t* p, U8<N> a, U8<N> b) {
+    static_assert(N == 16);
+    store(p, zip_pair_parts_low<16>(a, b));
+    store(p + 16, zip_pair_parts_high<16>(a, b));
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

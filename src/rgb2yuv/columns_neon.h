@@ -2,7 +2,7 @@
 // bytes. Over 16 columns, one.
 #pragma once
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 template <int c>
 struct Pixels<16, c> {
@@ -119,7 +119,7 @@ ZIV_INLINE uint8x16_t even_columns(const Luma<32>& luma) { return vuzp1q_u8(luma
 // Chroma saturates as a signed byte around 0; turning the top bit over then adds 128.
 ZIV_INLINE uint8x16_t centred(int8x16_t v) { return veorq_u8(vreinterpretq_u8_s8(v), vdupq_n_u8(128)); }
 
-template <Slope s>
+template <ShiftedWeight s>
 ZIV_INLINE uint8x16_t scaled_difference(uint8x16_t a, uint8x16_t luma) {
     // Where a product of scale 2^8 fits, its upper byte is the result.
     constexpr bool upper_byte = (s.weight << (8 - s.shift)) * s.most < 32768;
@@ -130,7 +130,7 @@ ZIV_INLINE uint8x16_t scaled_difference(uint8x16_t a, uint8x16_t luma) {
     else
         return centred(vqshrn_high_n_s16(vqshrn_n_s16(vreinterpretq_s16_u16(lo), s.shift), vreinterpretq_s16_u16(hi), s.shift));
 }
-template <Slope s0, Slope s2, int c>
+template <ShiftedWeight s0, ShiftedWeight s2, int c>
 ZIV_INLINE ChromaPairs<32> scaled_differences(const Pixels<32, c>& pixels, const Luma<32>& luma) {
     const uint8x16_t y = even_columns(luma);
     return {scaled_difference<s0>(even_columns(pixels, 0), y), scaled_difference<s2>(even_columns(pixels, 2), y)};
@@ -168,18 +168,18 @@ ZIV_INLINE ChromaPairs<32> fractional_differences_q15(const Pixels<32, 3>& pixel
 template <bool c2_first>
 ZIV_INLINE void store_pairs(uint8_t* p, const ChromaPairs<32>& chroma) {
     const uint8x16_t first = c2_first ? chroma.c2 : chroma.c0, second = c2_first ? chroma.c0 : chroma.c2;
-    store_in_turns(p, first, second);
+    store_interleaved(p, first, second);
 }
 ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<32>& chroma) {
     vst1q_u8(p0, chroma.c0);
     vst1q_u8(p2, chroma.c2);
 }
 template <bool luma_first, bool c2_first>
-ZIV_INLINE void store_packed(uint8_t* p, const Luma<32>& luma, const ChromaPairs<32>& chroma) {
+ZIV_INLINE void store_packed422(uint8_t* p, const Luma<32>& luma, const ChromaPairs<32>& chroma) {
     const uint8x16_t even = vuzp1q_u8(luma.part[0], luma.part[1]), odd = vuzp2q_u8(luma.part[0], luma.part[1]);
     const uint8x16_t first = c2_first ? chroma.c2 : chroma.c0, second = c2_first ? chroma.c0 : chroma.c2;
-    if constexpr (luma_first) store_in_turns(p, even, first, odd, second);
-    else store_in_turns(p, first, even, second, odd);
+    if constexpr (luma_first) store_interleaved(p, even, first, odd, second);
+    else store_interleaved(p, first, even, second, odd);
 }
 
 ZIV_INLINE uint8x8_t chroma_bytes(S16<16> v) { return veor_u8(vreinterpret_u8_s8(vqmovn_s16((int16x8_t)v)), vdup_n_u8(128)); }
@@ -194,4 +194,4 @@ ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<16>& ch
     vst1_u8(p2, chroma_bytes(chroma.c2));
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv

@@ -27,7 +27,7 @@ struct ToPlane {
     uint8_t* dst;
     template <int N, class Vectors>
     ZIV_INLINE void operator()(Step<N>, const Vectors& v, ptrdiff_t j) const {
-        expect_writes<N>(dst + j);
+        prefetch_writes<N>(dst + j);
         store(dst + j, v.c[channel]);
     }
 };
@@ -36,7 +36,7 @@ struct ToPairs {
     uint8_t* dst;
     template <int N, class Vectors>
     ZIV_INLINE void operator()(Step<N>, const Vectors& v, ptrdiff_t j) const {
-        expect_writes<2 * N>(dst + 2 * j);
+        prefetch_writes<2 * N>(dst + 2 * j);
         store2<N>(dst + 2 * j, v.c[first], v.c[second]);
     }
 };

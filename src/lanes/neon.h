@@ -3,7 +3,7 @@
 
 #include <arm_neon.h>
 
-#include "core/lanes_portable.h"
+#include "lanes/portable.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
@@ -41,18 +41,18 @@ ZIV_INLINE Channels<16, 4> load4<16>(const uint8_t* p) {
 // Interleaving stores of computed vectors. GCC 12 often collects the registers of such a store in memory first; told their
 // places, it computes into them. Vectors that are only moved stay where they were loaded, and their stores count up addresses.
 #if defined(__GNUC__) && !defined(__clang__)
-ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b) {
+ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b) {
     register uint8x16_t v0 asm("v28") = a;
     register uint8x16_t v1 asm("v29") = b;
     asm("st2 {%1.16b, %2.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[32]>(p)) : "w"(v0), "w"(v1));
 }
-ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c) {
+ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c) {
     register uint8x16_t v0 asm("v28") = a;
     register uint8x16_t v1 asm("v29") = b;
     register uint8x16_t v2 asm("v30") = c;
     asm("st3 {%1.16b, %2.16b, %3.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[48]>(p)) : "w"(v0), "w"(v1), "w"(v2));
 }
-ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c, uint8x16_t d) {
+ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c, uint8x16_t d) {
     register uint8x16_t v0 asm("v28") = a;
     register uint8x16_t v1 asm("v29") = b;
     register uint8x16_t v2 asm("v30") = c;
@@ -62,9 +62,11 @@ ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_
         : "w"(v0), "w"(v1), "w"(v2), "w"(v3));
 }
 #else
-ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b) { vst2q_u8(p, (uint8x16x2_t{{a, b}})); }
-ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c) { vst3q_u8(p, (uint8x16x3_t{{a, b, c}})); }
-ZIV_INLINE void store_in_turns(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c, uint8x16_t d) {
+ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b) { vst2q_u8(p, (uint8x16x2_t{{a, b}})); }
+ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c) {
+    vst3q_u8(p, (uint8x16x3_t{{a, b, c}}));
+}
+ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c, uint8x16_t d) {
     vst4q_u8(p, (uint8x16x4_t{{a, b, c, d}}));
 }
 #endif
@@ -75,11 +77,11 @@ ZIV_INLINE void store2<16>(uint8_t* p, U8<16> a, U8<16> b) {
 }
 template <>
 ZIV_INLINE void store3<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c) {
-    store_in_turns(p, (uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c);
+    store_interleaved(p, (uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c);
 }
 template <>
 ZIV_INLINE void store4<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c, U8<16> d) {
-    store_in_turns(p, (uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d);
+    store_interleaved(p, (uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d);
 }
 
 ZIV_INLINE U8<16> add_saturating(U8<16> a, U8<16> b) { return (U8<16>)vqaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
@@ -155,36 +157,6 @@ ZIV_INLINE uint64_t zero_lanes<16>(U16<16> v) {
     return vget_lane_u64(vreinterpret_u64_u8(vmovn_u16(vceqzq_u16((uint16x8_t)v))), 0);
 }
 
-// A term as two signed bytes that sum to it, d >> 1 and (d + 1) >> 1: two additions that saturate like one, as both go the same
-// way.
-template <>
-struct PixelTerms3<16> {
-    int8x16_t floor_half[3], ceil_half[3];
-};
-template <>
-ZIV_INLINE PixelTerms3<16> pixel_terms<16>(S16<16> d0, S16<16> d1, S16<16> d2) {
-    const S16<16> d[3] = {d0, d1, d2};
-    PixelTerms3<16> r;
-    for (int k = 0; k < 3; k++) {
-        const int8x16_t lower = (int8x16_t)vshrq_n_s16((int16x8_t)d[k], 1), upper = (int8x16_t)vrshrq_n_s16((int16x8_t)d[k], 1);
-        r.floor_half[k] = vtrn1q_s8(lower, lower);
-        r.ceil_half[k] = vtrn1q_s8(upper, upper);
-    }
-    return r;
-}
-ZIV_INLINE U8<16> apply_term(U8<16> luma, const PixelTerms3<16>& terms, int k) {
-    return (U8<16>)vsqaddq_u8(vsqaddq_u8((uint8x16_t)luma, terms.floor_half[k]), terms.ceil_half[k]);
-}
-template <>
-ZIV_INLINE void store_pixels<16>(uint8_t* p, U8<16> luma, const PixelTerms3<16>& terms) {
-    store3<16>(p, apply_term(luma, terms, 0), apply_term(luma, terms, 1), apply_term(luma, terms, 2));
-}
-template <>
-ZIV_INLINE void store_pixels<16>(uint8_t* p, U8<16> luma, const PixelTerms4<16>& terms) {
-    const PixelTerms3<16>& colour = terms.colour;
-    store4<16>(p, apply_term(luma, colour, 0), apply_term(luma, colour, 1), apply_term(luma, colour, 2), terms.alpha);
-}
-
 // ---- Repacking of chroma ----
 
 template <>
@@ -199,20 +171,6 @@ template <>
 ZIV_INLINE U8<16> even_pairs<16>(U8<16> a, U8<16> b) {
     return (U8<16>)vtrn1q_u8((uint8x16_t)a, (uint8x16_t)b);
 }
-template <>
-struct PackedChroma<16> {
-    U8<16> u, v;
-};
-template <>
-ZIV_INLINE PackedChroma<16> packed_chroma<16>(U8<16> pairs) {
-    const uint8x16_t p = (uint8x16_t)pairs;
-    return {(U8<16>)vtrn2q_u8(p, p), (U8<16>)vtrn1q_u8(p, p)};
-}
-template <>
-ZIV_INLINE void store_packed<16>(uint8_t* p, U8<16> luma, const PackedChroma<16>& chroma) {
-    store3<16>(p, luma, chroma.u, chroma.v);
-}
-
 // ---- Selection and quotients ----
 
 ZIV_INLINE U8<16> select(U8<16> mask, U8<16> a, U8<16> b) {
@@ -226,57 +184,7 @@ ZIV_INLINE U16<16> multiply_high_unsigned<16>(U16<16> a, U16<16> b) {
     return (U16<16>)vuzp2q_u16(vreinterpretq_u16_u32(lo), vreinterpretq_u16_u32(hi));
 }
 
-template <>
-ZIV_INLINE Wide<16> widen_joined<16>(U8<16> low, U8<16> high) {
-    return {(U16<16>)vzip1q_u8((uint8x16_t)low, (uint8x16_t)high), (U16<16>)vzip2q_u8((uint8x16_t)low, (uint8x16_t)high)};
-}
-template <>
-ZIV_INLINE Wide<16> widen_difference<16>(U8<16> a, U8<16> b, uint8_t weight) {
-    const uint8x16_t a8 = (uint8x16_t)a, b8 = (uint8x16_t)b, w = vdupq_n_u8(weight);
-    return {(U16<16>)vmlsl_u8(vmull_u8(vget_low_u8(a8), vget_low_u8(w)), vget_low_u8(b8), vget_low_u8(w)),
-            (U16<16>)vmlsl_high_u8(vmull_high_u8(a8, w), b8, w)};
-}
-
-// The low bytes of 65536 / i for i from 1 to 256 (65535 for 1), and the high bytes for i up to 64: above, these are 3 up to 85,
-// 2 up to 128, then 1.
-ZIV_INLINE uint8x16x4_t reciprocal_low_bytes(int quarter) {
-    const uint8_t* const bytes = byte_table<256>([](int n) { return n == 0 ? 0xFF : 65536 / (n + 1) & 0xFF; });
-    return vld1q_u8_x4(bytes + 64 * quarter);
-}
-ZIV_INLINE uint8x16x4_t reciprocal_high_bytes() {
-    return vld1q_u8_x4(byte_table<64>([](int n) { return n == 0 ? 0xFF : 65536 / (n + 1) >> 8; }));
-}
-template <>
-ZIV_INLINE Wide<16> reciprocals<16>(U8<16> divisors) {
-    const uint8x16_t i = (uint8x16_t)divisors, quarter = vdupq_n_u8(64);
-    const uint8x16_t at0 = vsubq_u8(i, vdupq_n_u8(1)), at1 = vsubq_u8(at0, quarter), at2 = vsubq_u8(at1, quarter);
-    uint8x16_t low = vqtbl4q_u8(reciprocal_low_bytes(0), at0);
-    low = vqtbx4q_u8(low, reciprocal_low_bytes(1), at1);
-    low = vqtbx4q_u8(low, reciprocal_low_bytes(2), at2);
-    low = vqtbx4q_u8(low, reciprocal_low_bytes(3), vsubq_u8(at2, quarter));
-    uint8x16_t high = vsubq_u8(vdupq_n_u8(1), vcgtq_u8(vdupq_n_u8(129), i));
-    high = vsubq_u8(high, vcgtq_u8(vdupq_n_u8(86), i));
-    high = vqtbx4q_u8(high, reciprocal_high_bytes(), at0);
-    return widen_joined<16>((U8<16>)low, (U8<16>)high);
-}
-
 // ---- Whole pixels moved from one byte layout to another ----
-
-template <int in, int... from>
-struct PixelMove<16, in, from...> {
-    template <int place>
-    ZIV_INLINE static U8<16> channel(const Channels<16, in>& v) {
-        if constexpr (place == ones) return U8<16>{} + uint8_t{255};
-        else return v.c[place];
-    }
-    ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
-        Channels<16, in> v;
-        if constexpr (in == 3) v = load3<16>(src);
-        else v = load4<16>(src);
-        if constexpr (sizeof...(from) == 3) vst3q_u8(dst, (uint8x16x3_t{{(uint8x16_t)channel<from>(v)...}}));
-        else vst4q_u8(dst, (uint8x16x4_t{{(uint8x16_t)channel<from>(v)...}}));
-    }
-};
 
 template <int n>
 ZIV_INLINE U8<16> shift_right_insert(U8<16> kept, U8<16> inserted) {
@@ -300,17 +208,6 @@ ZIV_INLINE void copy_four<16>(uint8_t* dst, const uint8_t* src) {
     vst1q_u8_x4(dst, vld1q_u8_x4(src));
 }
 template <>
-ZIV_INLINE Channels<16, 4> load_for_yuyv<16>(const uint8_t* luma, const uint8_t* u, const uint8_t* v) {
-    const Channels<16, 2> y = load2<16>(luma);
-    return {{y.c[0], load<16>(u), y.c[1], load<16>(v)}};
-}
-template <>
-ZIV_INLINE void store_yuyv<16>(uint8_t* p, const Channels<16, 4>& parts) {
-    vst4q_u8(p,
-             (uint8x16x4_t{{(uint8x16_t)parts.c[0], (uint8x16_t)parts.c[1], (uint8x16_t)parts.c[2], (uint8x16_t)parts.c[3]}}));
-}
-
-template <>
 ZIV_INLINE U8<16> reverse_bytes<16>(U8<16> v) {
     return __builtin_shufflevector(v, v, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
 }
@@ -322,13 +219,6 @@ ZIV_INLINE U8<16> reverse_pairs<16>(U8<16> v) {
 
 // ---- Pairs of chroma samples made fewer or more ----
 
-template <>
-ZIV_INLINE void store_square_means<16>(uint8_t* p, const uint8_t* upper, const uint8_t* lower) {
-    const uint8x16x2_t above = vld2q_u8(upper), below = vld2q_u8(lower);
-    uint8x8x2_t means;
-    for (int k = 0; k < 2; k++) means.val[k] = vrshrn_n_u16(vpadalq_u8(vpaddlq_u8(above.val[k]), below.val[k]), 2);
-    vst2_u8(p, means);
-}
 template <>
 ZIV_INLINE void store2_pairs<16>(uint8_t* p, U8<16> a, U8<16> b) {
     const uint16x8x2_t v = {{(uint16x8_t)a, (uint16x8_t)b}};

@@ -1,7 +1,7 @@
 // The terms over columns of RGB on x86-64: pixels of four bytes, summed by the multiply-adds of byte and of word pairs.
 #pragma once
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 // C pixels from memory of c bytes each, C / 4 to a vector in their order. Every pixel has four bytes: those of memory, or the
 // three of memory and its byte 1 once more. Where in_order holds, packing the four vectors to one leaves the pixels in order;
@@ -25,7 +25,7 @@ ZIV_INLINE U8<16> pack(S16<16> a, S16<16> b) { return (U8<16>)_mm_packus_epi16((
 // 4-byte lanes in the order of memory from what two packings of four vectors left.
 ZIV_INLINE U8<16> order_packed(U8<16> v) { return v; }
 // 4-byte lanes 0 and 2 of every 16 bytes of a, of b in turn.
-ZIV_INLINE U8<16> even_quads(U8<16> a, U8<16> b) { return (U8<16>)_mm_shuffle_ps((__m128)a, (__m128)b, 0x88); }
+ZIV_INLINE U8<16> even_pixels(U8<16> a, U8<16> b) { return (U8<16>)_mm_shuffle_ps((__m128)a, (__m128)b, 0x88); }
 // Bytes from within the same 16; 0x80 gives 0.
 ZIV_INLINE U8<16> shuffle(U8<16> v, __m128i index) { return (U8<16>)_mm_shuffle_epi8((__m128i)v, index); }
 
@@ -79,7 +79,7 @@ ZIV_INLINE __m128i double_mask() {
 }
 ZIV_INLINE S16<16> double_low_words(U16<16> v) { return (S16<16>)shuffle((U8<16>)v, double_mask()); }
 
-#if defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX2
 ZIV_INLINE S16<32> add_products(U8<32> a, S8<32> b) { return (S16<32>)_mm256_maddubs_epi16((__m256i)a, (__m256i)b); }
 ZIV_INLINE S32<32> add_products(S16<32> a, S16<32> b) { return (S32<32>)_mm256_madd_epi16((__m256i)a, (__m256i)b); }
 ZIV_INLINE U16<32> pack(S32<32> a, S32<32> b) { return (U16<32>)_mm256_packus_epi32((__m256i)a, (__m256i)b); }
@@ -88,7 +88,7 @@ ZIV_INLINE U8<32> pack(S16<32> a, S16<32> b) { return (U8<32>)_mm256_packus_epi1
 ZIV_INLINE U8<32> order_packed(U8<32> v) {
     return (U8<32>)_mm256_permutevar8x32_epi32((__m256i)v, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
 }
-ZIV_INLINE U8<32> even_quads(U8<32> a, U8<32> b) { return (U8<32>)_mm256_shuffle_ps((__m256)a, (__m256)b, 0x88); }
+ZIV_INLINE U8<32> even_pixels(U8<32> a, U8<32> b) { return (U8<32>)_mm256_shuffle_ps((__m256)a, (__m256)b, 0x88); }
 ZIV_INLINE U8<32> shuffle(U8<32> v, __m128i index) { return (U8<32>)_mm256_shuffle_epi8((__m256i)v, both_halves(index)); }
 
 // The halves hold 16 pixels each.
@@ -120,7 +120,7 @@ ZIV_INLINE U8<32> put_beside(U8<32> v, U16<32> low_words) {
 ZIV_INLINE S16<32> double_low_words(U16<32> v) { return (S16<32>)shuffle((U8<32>)v, double_mask()); }
 #endif
 
-#if defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX512_VBMI
 ZIV_INLINE S16<64> add_products(U8<64> a, S8<64> b) { return (S16<64>)_mm512_maddubs_epi16((__m512i)a, (__m512i)b); }
 ZIV_INLINE S32<64> add_products(S16<64> a, S16<64> b) { return (S32<64>)_mm512_madd_epi16((__m512i)a, (__m512i)b); }
 ZIV_INLINE U16<64> pack(S32<64> a, S32<64> b) { return (U16<64>)_mm512_packus_epi32((__m512i)a, (__m512i)b); }
@@ -130,7 +130,7 @@ ZIV_INLINE U8<64> order_packed(U8<64> v) {
     return (U8<64>)_mm512_permutexvar_epi32(_mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15),
                                             (__m512i)v);
 }
-ZIV_INLINE U8<64> even_quads(U8<64> a, U8<64> b) { return (U8<64>)_mm512_shuffle_ps((__m512)a, (__m512)b, 0x88); }
+ZIV_INLINE U8<64> even_pixels(U8<64> a, U8<64> b) { return (U8<64>)_mm512_shuffle_ps((__m512)a, (__m512)b, 0x88); }
 ZIV_INLINE U8<64> shuffle(U8<64> v, __m128i index) {
     return (U8<64>)_mm512_shuffle_epi8((__m512i)v, _mm512_broadcast_i32x4(index));
 }
@@ -157,7 +157,7 @@ ZIV_INLINE Pixels<64, 4> load_pixels<64, 4>(const uint8_t* p) {
 template <int channel>
 ZIV_INLINE void share_channel(Pixels<64, 4>& v) {
     const __m512i from_lower = bytes512([](int n) { return n & 31; });
-    const __mmask64 upper = kept_mask(mask512([](int n) { return n >= 32 && n % 4 == channel; }));
+    const __mmask64 upper = hidden_mask(mask512([](int n) { return n >= 32 && n % 4 == channel; }));
     const auto shared = [=](U8<64> q) ZIV_INLINE_BODY {
         return (U8<64>)_mm512_mask_permutexvar_epi8((__m512i)q, upper, from_lower, (__m512i)q);
     };
@@ -231,7 +231,7 @@ template <int N>
 ZIV_INLINE U16<N> middle_words(S32<N> a, S32<N> b) {
     return pack(a >> 8, b >> 8);
 }
-#if defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX512_VBMI
 template <>
 ZIV_INLINE U16<64> middle_words<64>(S32<64> a, S32<64> b) {
     const __m512i index = bytes512([](int n) { return n / 16 * 16 + n % 8 / 2 * 4 + n % 2 + 1; });
@@ -264,7 +264,7 @@ ZIV_INLINE U8<C> luma_bytes(const LumaWords<C, c, at>& luma) {
         at == 1 ? pack((S16<C>)(luma.lo >> 8), (S16<C>)(luma.hi >> 8)) : pack((S16<C>)luma.lo, (S16<C>)luma.hi);
     return in_order<C, c> ? packed : order_packed(packed);
 }
-#if defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX512_VBMI
 template <int c, int at>
 ZIV_INLINE U8<64> luma_bytes(const LumaWords<64, c, at>& luma) {
     const __m512i index = bytes512([](int n) { return n / 16 % 2 * 8 + n % 16 / 4 * 16 + n % 4 * 2 + at; });
@@ -291,13 +291,13 @@ ZIV_INLINE ChromaPairs<C, c> centred(S16<C> lo, S16<C> hi) {
 }
 
 // ((byte - luma) * weight) >> shift, by products of scale 2^7. The product fits 16 bits.
-template <Slope s0, Slope s2, int C, int c>
+template <ShiftedWeight s0, ShiftedWeight s2, int C, int c>
 ZIV_INLINE ChromaPairs<C, c> scaled_differences(const Pixels<C, c>& pixels, const LumaWords<C, c, 1>& luma) {
     constexpr int w0 = s0.weight << (7 - s0.shift), w2 = s2.weight << (7 - s2.shift);
     static_assert(w0 < 128 && w0 * s0.most < 32768 && w2 < 128 && w2 * s2.most < 32768);
     const S8<C> weights = byte_weights<C>(w0, -w0, w2, -w2);
-    const U8<C> lo = put_beside<1>(even_quads(pixels.q0, pixels.q1), luma.lo);
-    const U8<C> hi = put_beside<1>(even_quads(pixels.q2, pixels.q3), luma.hi);
+    const U8<C> lo = put_beside<1>(even_pixels(pixels.q0, pixels.q1), luma.lo);
+    const U8<C> hi = put_beside<1>(even_pixels(pixels.q2, pixels.q3), luma.hi);
     return centred<c, C>(add_products(lo, weights) >> 7, add_products(hi, weights) >> 7);
 }
 
@@ -306,8 +306,8 @@ template <OuterWeights w, int C>
 ZIV_INLINE ChromaPairs<C, 3> rounded_differences_q15(const Pixels<C, 3>& pixels, const LumaWords<C, 3, 0>& luma) {
     const S8<C> difference = byte_weights<C>(1, -1, 1, -1);
     const S16<C> weights = word_weights<C>(w.c0, w.c2);
-    const U8<C> lo = put_beside<0>(even_quads(pixels.q0, pixels.q1), luma.lo);
-    const U8<C> hi = put_beside<0>(even_quads(pixels.q2, pixels.q3), luma.hi);
+    const U8<C> lo = put_beside<0>(even_pixels(pixels.q0, pixels.q1), luma.lo);
+    const U8<C> hi = put_beside<0>(even_pixels(pixels.q2, pixels.q3), luma.hi);
     return centred<3, C>(multiply_round_high<C>(add_products(lo, difference), weights),
                          multiply_round_high<C>(add_products(hi, difference), weights));
 }
@@ -324,8 +324,8 @@ ZIV_INLINE S16<C> fractional_difference(U8<C> even, U16<C> luma) {
 }
 template <OuterWeights w, int C>
 ZIV_INLINE ChromaPairs<C, 3> fractional_differences_q15(const Pixels<C, 3>& pixels, const LumaQ7<C, 3>& luma) {
-    return centred<3, C>(fractional_difference<w, C>(even_quads(pixels.q0, pixels.q1), luma.lo),
-                         fractional_difference<w, C>(even_quads(pixels.q2, pixels.q3), luma.hi));
+    return centred<3, C>(fractional_difference<w, C>(even_pixels(pixels.q0, pixels.q1), luma.lo),
+                         fractional_difference<w, C>(even_pixels(pixels.q2, pixels.q3), luma.hi));
 }
 
 // The value from byte 0, then that from byte 2, or the other way round.
@@ -334,7 +334,7 @@ ZIV_INLINE U8<C> pairs_in_order(const ChromaPairs<C, c>& chroma) {
     const U8<C> pairs = c2_first ? shuffle(chroma.packed, swap_pairs_mask()) : chroma.packed;
     return in_order<C, c> ? pairs : order_packed(pairs);
 }
-#if defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX512_VBMI
 // Where packing leaves a byte of the even column number `even`.
 constexpr int place_of_even(int even) { return even % 8 / 2 * 16 + even / 16 * 8 + even / 8 % 2 * 4 + even % 2 * 2; }
 template <bool c2_first, int c>
@@ -356,7 +356,7 @@ ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<16, c>&
     const int64_t upper = _mm_extract_epi64(split, 1);
     __builtin_memcpy(p2, &upper, sizeof upper);
 }
-#if defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX2
 template <int c>
 ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<32, c>& chroma) {
     // Of every four 2-byte lanes the bytes 0 and the bytes 2, for a permutation of 4-byte lanes to end the work.
@@ -365,7 +365,7 @@ ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<32, c>&
     store_halves(p0, p2, _mm256_permute4x64_epi64((__m256i)shuffle(pairs, by_columns), 0xD8));
 }
 #endif
-#if defined(ZIVCOLOR_TARGET_avx512)
+#if ZIV_HAS_AVX512_VBMI
 template <int c>
 ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<64, c>& chroma) {
     const __m512i index = bytes512([](int n) { return place_of_even(n % 32) + n / 32; });
@@ -377,10 +377,10 @@ ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<64, c>&
 
 // Luma and chroma of a packed row in turn, luma first or chroma first.
 template <bool luma_first, bool c2_first, int C, int c, int at>
-ZIV_INLINE void store_packed(uint8_t* p, const LumaWords<C, c, at>& luma, const ChromaPairs<C, c>& chroma) {
+ZIV_INLINE void store_packed422(uint8_t* p, const LumaWords<C, c, at>& luma, const ChromaPairs<C, c>& chroma) {
     const U8<C> bytes = luma_bytes(luma), pairs = pairs_in_order<c2_first>(chroma);
     if constexpr (luma_first) store2<C>(p, bytes, pairs);
     else store2<C>(p, pairs, bytes);
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv

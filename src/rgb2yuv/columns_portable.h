@@ -1,7 +1,7 @@
 // The terms over columns of RGB in plain lane arithmetic.
 #pragma once
 
-namespace zivcolor::ZIVCOLOR_TARGET {
+namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 // The first three bytes of C pixels of c bytes, one channel each, a pixel a lane.
 template <int C, int c>
@@ -102,7 +102,7 @@ ZIV_INLINE S16<C> even_columns(const LumaQ7<C>& luma) {
 }
 
 // ((byte - luma) * weight) >> shift. The product fits 16 bits.
-template <Slope s0, Slope s2, int C, int c>
+template <ShiftedWeight s0, ShiftedWeight s2, int C, int c>
 ZIV_INLINE ChromaPairs<C> scaled_differences(const Pixels<C, c>& pixels, const Luma<C>& luma) {
     const S16<C> y = even_columns(luma);
     return {((even_columns(pixels, 0) - y) * int16_t{s0.weight}) >> s0.shift,
@@ -150,10 +150,10 @@ ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<C>& chr
 
 // Luma and chroma of a packed row in turn, luma first or chroma first.
 template <bool luma_first, bool c2_first, int C>
-ZIV_INLINE void store_packed(uint8_t* p, const Luma<C>& luma, const ChromaPairs<C>& chroma) {
+ZIV_INLINE void store_packed422(uint8_t* p, const Luma<C>& luma, const ChromaPairs<C>& chroma) {
     const U8<C> pairs = pairs_in_order<c2_first>(chroma);
     if constexpr (luma_first) store2<C>(p, luma.bytes, pairs);
     else store2<C>(p, pairs, luma.bytes);
 }
 
-}  // namespace zivcolor::ZIVCOLOR_TARGET
+}  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv

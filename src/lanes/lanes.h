@@ -1,13 +1,14 @@
 // The lane vocabulary: vectors of 16, 32 or 64 bytes and the operations that kernels are written in, each with one exact scalar
-// meaning. lanes_portable.h and lanes_portable_moves.h define every term in plain lane arithmetic; a target's file overloads
-// those that its instructions do better. Widening, shifting, wrapping arithmetic, comparison and selection are the vector
-// operators of the compiler.
+// meaning. portable.h defines every operation in plain lane arithmetic; the files of the instruction sets specialise those that
+// their instructions do better. Shifting, wrapping arithmetic and comparison are the vector operators of the compiler.
 //
 // A kernel names vectors by their size in bytes: U8<N> holds N lanes of 8 bits, S16<N> holds N / 2 lanes of 16 bits.
 #pragma once
 
 #include <stddef.h>
 #include <stdint.h>
+
+#include "core/capabilities.h"
 
 #define ZIV_INLINE [[gnu::always_inline]] inline
 #define ZIV_INLINE_BODY __attribute__((always_inline))  // for the lambdas that are a kernel's block bodies
@@ -52,38 +53,23 @@ struct Channels {
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET
 
-#include "core/lanes_portable.h"
-#include "core/lanes_portable_moves.h"
-
-#if defined(ZIVCOLOR_TARGET_neon)
-#include "core/lanes_neon.h"
-#elif defined(ZIVCOLOR_TARGET_sse4)
-#include "core/lanes_x86_16.h"
-#elif defined(ZIVCOLOR_TARGET_avx2)
-#include "core/lanes_x86_16.h"
-#include "core/lanes_x86_32.h"
-#elif defined(ZIVCOLOR_TARGET_avx512)
-#include "core/lanes_x86_16.h"
-#include "core/lanes_x86_32.h"
-#include "core/lanes_x86_64.h"
+#include "lanes/portable.h"
+#if ZIV_HAS_ADVANCED_SIMD
+#include "lanes/neon.h"
 #endif
-
-#if defined(ZIVCOLOR_TARGET_sse4) || defined(ZIVCOLOR_TARGET_avx2) || defined(ZIVCOLOR_TARGET_avx512)
-#include "core/lanes_packed_x86.h"
+#if ZIV_HAS_SSE4_2
+#include "lanes/x86_16.h"
 #endif
-#if defined(ZIVCOLOR_TARGET_avx512)
-#include "core/lanes_byte_pairs_x86_64.h"
+#if ZIV_HAS_AVX2
+#include "lanes/x86_32.h"
+#endif
+#if ZIV_HAS_AVX512_VBMI
+#include "lanes/x86_64.h"
 #endif
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
 // Bytes in the target's widest vector.
-#if defined(ZIVCOLOR_TARGET_avx512)
-inline constexpr int widest = 64;
-#elif defined(ZIVCOLOR_TARGET_avx2)
-inline constexpr int widest = 32;
-#else
-inline constexpr int widest = 16;
-#endif
+inline constexpr int widest = ZIV_HAS_AVX512_VBMI ? 64 : ZIV_HAS_AVX2 ? 32 : 16;
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

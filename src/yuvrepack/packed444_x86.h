@@ -1,0 +1,91 @@
+// Packed Y U V pixels on x86-64, for vectors of 16, 32 and 64 bytes.
+#pragma once
+
+namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
+
+template <>
+struct PackedChroma<16> {
+    __m128i part[3];
+};
+// Register k of packed pixels: V U pairs in the bytes of the channels 2 and 1, and zero in those of luma.
+template <int k>
+ZIV_INLINE __m128i packed_chroma_mask() {
+    return bytes128([](int n) {
+        const int channel = (16 * k + n) % 3, pair = (16 * k + n) / 6;
+        return channel == 0 ? 0x80 : 2 * pair + (channel == 1);
+    });
+}
+template <>
+ZIV_INLINE PackedChroma<16> packed_chroma<16>(U8<16> pairs) {
+    const __m128i p = (__m128i)pairs;
+    return {{_mm_shuffle_epi8(p, packed_chroma_mask<0>()), _mm_shuffle_epi8(p, packed_chroma_mask<1>()),
+             _mm_shuffle_epi8(p, packed_chroma_mask<2>())}};
+}
+template <>
+ZIV_INLINE void store_packed444<16>(uint8_t* p, U8<16> luma, const PackedChroma<16>& chroma) {
+    const __m128i y = (__m128i)luma;
+    store128(p, _mm_or_si128(_mm_shuffle_epi8(y, spread_mask<3, 0, 0>()), chroma.part[0]));
+    store128(p + 16, _mm_or_si128(_mm_shuffle_epi8(y, spread_mask<3, 1, 0>()), chroma.part[1]));
+    store128(p + 32, _mm_or_si128(_mm_shuffle_epi8(y, spread_mask<3, 2, 0>()), chroma.part[2]));
+}
+
+#if ZIV_HAS_AVX2
+
+// Of the six halves of packed pixels the first three come from the low half of a vector of luma or pairs, the others from the
+// high one.
+ZIV_INLINE __m256i masks256(__m128i low, __m128i high) { return _mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1); }
+template <>
+struct PackedChroma<32> {
+    __m256i part[3];
+};
+template <>
+ZIV_INLINE PackedChroma<32> packed_chroma<32>(U8<32> pairs) {
+    const __m256i p = (__m256i)pairs, low = _mm256_permute4x64_epi64(p, 0x44), high = _mm256_permute4x64_epi64(p, 0xEE);
+    const __m128i mask0 = packed_chroma_mask<0>(), mask1 = packed_chroma_mask<1>(), mask2 = packed_chroma_mask<2>();
+    return {{_mm256_shuffle_epi8(low, masks256(mask0, mask1)), _mm256_shuffle_epi8(p, masks256(mask2, mask0)),
+             _mm256_shuffle_epi8(high, masks256(mask1, mask2))}};
+}
+template <>
+ZIV_INLINE void store_packed444<32>(uint8_t* p, U8<32> luma, const PackedChroma<32>& chroma) {
+    const __m256i y = (__m256i)luma, low = _mm256_permute4x64_epi64(y, 0x44), high = _mm256_permute4x64_epi64(y, 0xEE);
+    const __m128i mask0 = spread_mask<3, 0, 0>(), mask1 = spread_mask<3, 1, 0>(), mask2 = spread_mask<3, 2, 0>();
+    store256(p, _mm256_or_si256(_mm256_shuffle_epi8(low, masks256(mask0, mask1)), chroma.part[0]));
+    store256(p + 32, _mm256_or_si256(_mm256_shuffle_epi8(y, masks256(mask2, mask0)), chroma.part[1]));
+    store256(p + 64, _mm256_or_si256(_mm256_shuffle_epi8(high, masks256(mask1, mask2)), chroma.part[2]));
+}
+
+#endif
+
+#if ZIV_HAS_AVX512_VBMI
+
+template <>
+struct PackedChroma<64> {
+    __m512i part[3];
+};
+// Register k of packed pixels: V U pairs in the bytes of the channels 2 and 1.
+template <int k>
+ZIV_INLINE __m512i packed_chroma_part(__m512i pairs) {
+    const __m512i index = bytes512([](int n) { return (64 * k + n) / 6 * 2 + ((64 * k + n) % 3 == 1); });
+    return _mm512_permutexvar_epi8(index, pairs);
+}
+template <>
+ZIV_INLINE PackedChroma<64> packed_chroma<64>(U8<64> pairs) {
+    const __m512i p = (__m512i)pairs;
+    return {{packed_chroma_part<0>(p), packed_chroma_part<1>(p), packed_chroma_part<2>(p)}};
+}
+template <int k>
+ZIV_INLINE void store_packed444_part(uint8_t* p, __m512i luma, const PackedChroma<64>& chroma) {
+    const __m512i pixel = bytes512([](int n) { return (64 * k + n) / 3; });
+    constexpr __mmask64 channel0 = mask512([](int n) { return (64 * k + n) % 3 == 0; });
+    store512(p + 64 * k, _mm512_mask_permutexvar_epi8(chroma.part[k], hidden_mask(channel0), pixel, luma));
+}
+template <>
+ZIV_INLINE void store_packed444<64>(uint8_t* p, U8<64> luma, const PackedChroma<64>& chroma) {
+    store_packed444_part<0>(p, (__m512i)luma, chroma);
+    store_packed444_part<1>(p, (__m512i)luma, chroma);
+    store_packed444_part<2>(p, (__m512i)luma, chroma);
+}
+
+#endif
+
+}  // namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack
