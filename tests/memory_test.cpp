@@ -8,6 +8,8 @@
 
 namespace {
 
+using namespace zivcolor;
+
 TEST(Memory, NullManagerIsTheHeap) {
     for (const int64_t size : {0, 1, 63, 64, 65, 100000}) {
         void* p = MemMgrAlloc(nullptr, size);

@@ -19,6 +19,7 @@
 namespace {
 
 using namespace harness;
+using namespace zivcolor;
 
 struct Context {
     void* handle = zivColorCvtInit_MultiThreads(nullptr);

@@ -19,6 +19,7 @@
 namespace {
 
 using namespace harness;
+using namespace zivcolor;
 
 struct Engine {
     void* handle;

@@ -106,11 +106,6 @@ int32_t start_workers(Engine& engine, int32_t wanted) {
 Engine* as_engine(void* handle) { return static_cast<Engine*>(handle); }
 
 }  // namespace
-}  // namespace zivcolor
-
-using namespace zivcolor;
-
-extern "C" {
 
 void* zivParallelInit(void*, int32_t tasks_per_core) noexcept {
     if (tasks_per_core > most_tasks_per_core) return nullptr;
@@ -190,4 +185,4 @@ int32_t zivParallelUninit(void* handle) noexcept {
     return 0;
 }
 
-}  // extern "C"
+}  // namespace zivcolor

@@ -8,10 +8,6 @@ namespace zivcolor {
 
 using TaskFunction = void (*)(void* argument);
 
-}  // namespace zivcolor
-
-extern "C" {
-
 // Starts an engine with one worker for each core, and room for tasks_per_core unfinished tasks for each of them (never less
 // than 64 in all). Cores are the CPUs that the calling thread may run on, from 1 to 8. If the system grants fewer threads, the
 // engine has fewer cores. The first argument is not read. Null if there is not one worker.
@@ -37,4 +33,4 @@ void zivTryRestoreCpu(void* engine) noexcept;
 // No other thread may be using the engine, nor may a task of its own call this.
 int32_t zivParallelUninit(void* engine) noexcept;
 
-}  // extern "C"
+}  // namespace zivcolor

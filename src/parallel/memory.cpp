@@ -3,13 +3,15 @@
 #include <stdlib.h>
 #include <string.h>
 
+namespace zivcolor {
+
 namespace {
 
 constexpr size_t heap_alignment = 64;  // the widest vector
 
 }  // namespace
 
-extern "C" void* MemMgrAlloc(void* hMemMgr, int64_t size) {
+void* MemMgrAlloc(void* hMemMgr, int64_t size) {
     if (size < 0) return nullptr;
     if (hMemMgr) {
         const MemMgrRecord& manager = *static_cast<const MemMgrRecord*>(hMemMgr);
@@ -23,17 +25,19 @@ extern "C" void* MemMgrAlloc(void* hMemMgr, int64_t size) {
     return pointer;
 }
 
-extern "C" void MemMgrFree(void* hMemMgr, void* pointer) {
+void MemMgrFree(void* hMemMgr, void* pointer) {
     if (!pointer) return;
     if (!hMemMgr) return free(pointer);
     const MemMgrRecord& manager = *static_cast<const MemMgrRecord*>(hMemMgr);
     if (manager.release) manager.release(manager.user, pointer);
 }
 
-extern "C" void MemMgrCpy(void* destination, const void* source, int64_t size) {
+void MemMgrCpy(void* destination, const void* source, int64_t size) {
     if (size > 0) memmove(destination, source, static_cast<size_t>(size));
 }
 
-extern "C" void MemMgrSet(void* destination, uint8_t value, int64_t size) {
+void MemMgrSet(void* destination, uint8_t value, int64_t size) {
     if (size > 0) memset(destination, value, static_cast<size_t>(size));
 }
+
+}  // namespace zivcolor

@@ -1,8 +1,10 @@
 // The memory service: the one place where the library takes and gives back memory, copies blocks and fills them.
-// Hidden in the shared library; the static one can be linked against it.
+// Its names stand in the library's namespace: a program's own MemMgrAlloc is another function.
 #pragma once
 
 #include <stdint.h>
+
+namespace zivcolor {
 
 // What a memory manager handle points to when it is not null: an allocator of the caller. A null handle is the C heap.
 struct MemMgrRecord {
@@ -12,8 +14,6 @@ struct MemMgrRecord {
     void (*release)(void* user, void* pointer);
     void* user;  // handed to both
 };
-
-extern "C" {
 
 // Memory of size bytes, not cleared; from the C heap it starts at a multiple of 64 bytes. Null when it cannot be had, when size
 // is negative, and when the record of hMemMgr has no allocate. 0 bytes are a valid request.
@@ -26,4 +26,4 @@ void MemMgrFree(void* hMemMgr, void* pointer);
 void MemMgrCpy(void* destination, const void* source, int64_t size);
 void MemMgrSet(void* destination, uint8_t value, int64_t size);
 
-}  // extern "C"
+}  // namespace zivcolor

@@ -37,9 +37,9 @@ constexpr zivcolor::BandTasks distinct_tasks(std::index_sequence<slot...>) {
 
 }  // namespace
 
-constexpr zivcolor::BandTasks zivcolor::band_tasks = distinct_tasks(std::make_index_sequence<46>{});
+namespace zivcolor {
 
-extern "C" {
+constexpr BandTasks band_tasks = distinct_tasks(std::make_index_sequence<46>{});
 
 void* zivParallelInit(void* reserved, int32_t tasks_per_core) noexcept {
     world.calls.push_back("init " + std::string(reserved ? "?" : "null") + " " + std::to_string(tasks_per_core));
@@ -74,11 +74,12 @@ void* MemMgrAlloc(void* hMemMgr, int64_t size) {
 void MemMgrFree(void* hMemMgr, void* pointer) {
     world.calls.push_back(hMemMgr == memory && pointer == &world.record ? "free" : "?");
 }
-int32_t zivColorCvtFunc(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN*) {
+
+}  // namespace zivcolor
+
+extern "C" int32_t zivColorCvtFunc(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN*) {
     return static_cast<int32_t>(srcImg->format);
 }
-
-}  // extern "C"
 
 namespace {
 

@@ -15,6 +15,8 @@
 
 namespace {
 
+using namespace zivcolor;
+
 constexpr int unlimited = std::numeric_limits<int>::max();
 std::atomic<int> threads_left{unlimited}, allocations_left{unlimited}, allocations{0};
 
