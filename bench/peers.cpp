@@ -14,6 +14,11 @@ namespace {
 
 using Image = __tag_KOBR_OFFSCREEN;
 
+#if defined(__x86_64__)
+constexpr int sse4_flags = libyuv::kCpuInitialized | libyuv::kCpuHasX86 | libyuv::kCpuHasSSE2 | libyuv::kCpuHasSSSE3 |
+                           libyuv::kCpuHasSSE41 | libyuv::kCpuHasSSE42;
+#endif
+
 #define S(k) s.plane[k], s.pitch[k]
 #define D(k) d.plane[k], d.pitch[k]
 #define PEER(kernel, call)                                            \
@@ -81,9 +86,27 @@ Peer peer_of(const std::string& kernel) {
     return found == peers().end() ? Peer{} : found->second;
 }
 
+const std::vector<PeerLevel>& peer_levels() {
+    static const std::vector<PeerLevel> levels = {
+        {"libyuv", -1},
+#if defined(__x86_64__)
+        {"libyuv_avx2", sse4_flags | libyuv::kCpuHasAVX | libyuv::kCpuHasAVX2 | libyuv::kCpuHasERMS | libyuv::kCpuHasFMA3},
+        {"libyuv_sse4", sse4_flags},
+#endif
+    };
+    return levels;
+}
+
+void hold_peer_to(int cpu_flags) { libyuv::MaskCpuFlags(cpu_flags); }
+
 #else
 
 Peer peer_of(const std::string&) { return {}; }
+const std::vector<PeerLevel>& peer_levels() {
+    static const std::vector<PeerLevel> none;
+    return none;
+}
+void hold_peer_to(int) {}
 
 #endif
 

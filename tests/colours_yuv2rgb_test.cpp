@@ -3,6 +3,7 @@
 #include <cstring>
 #include <map>
 
+#include "harness/options.h"
 #include "harness/picture.h"
 
 namespace {
@@ -47,10 +48,10 @@ public:
         for (uint8_t* p : places_of_u_) *p = static_cast<uint8_t>(u);
     }
     void run_reference() { run(reference::kernels, expected_); }
-    // False if the target differs from the reference.
-    bool run_target(const zivcolor::KernelTable& kernels) {
+    // How the target differs from the reference; empty if it does not.
+    std::string run_target(const zivcolor::KernelTable& kernels) {
         run(kernels, actual_);
-        return expected_.bytes[0] == actual_.bytes[0];
+        return difference(expected_, actual_);
     }
     // The reference's pixel of a triple.
     const uint8_t* pixel(int square, int luma_in_four) {
@@ -136,14 +137,15 @@ TEST_P(YuvColours, AllTriplesInBlockAndTail) {
     const Conversion& c = GetParam();
     Strip block(c, in_blocks), tail(c, in_tail);
     int differing = 0, differing_red_or_blue = 0;
-    for (int u = 0; u < 256; u++) {
+    for (const int u : first_components()) {
         for (Strip* strip : {&block, &tail}) {
             strip->set_u(u);
             strip->run_reference();
-            for (const zivcolor::Target& target : zivcolor::built_targets()) {
-                if (!target.runs_here()) continue;
-                ASSERT_TRUE(strip->run_target(*target.kernels))
-                    << target.name << ", U " << u << (strip == &tail ? ", tail" : ", block");
+            for (const zivcolor::Target& target : targets()) {
+                const std::string text = strip->run_target(*target.kernels);
+                ASSERT_TRUE(text.empty()) << target.name << ": " << c.name << ", U " << u
+                                          << (strip == &tail ? ", tail" : ", block") << "\n"
+                                          << text;
             }
         }
         for (int s = 0; s < squares; s++)
@@ -155,7 +157,9 @@ TEST_P(YuvColours, AllTriplesInBlockAndTail) {
                 if (c.alpha && (a[3] != 200 || b[3] != 200)) FAIL() << "alpha at U " << u << " V " << (s & 255);
             }
     }
-    EXPECT_EQ(differing, differing_triples(c));
+    if (all_colours()) {
+        EXPECT_EQ(differing, differing_triples(c));
+    }
     if (named(c, "zivColorNV21toBGRA8888u8")) {
         EXPECT_EQ(differing_red_or_blue, 0);
     }

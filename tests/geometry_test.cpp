@@ -47,7 +47,11 @@ std::vector<Room> rooms_of(const Geometry& g) {
         pitch = std::max<int64_t>(pitch, p < 0 ? -int64_t{p} : p);
     const int64_t rows = std::max({g.width, g.height, g.destination_height}) + 3;
     const size_t reach = size(pitch * rows + g.width + 64);
-    return {{reach, reach}, {reach, reach}, {reach, reach}, {reach, reach}};
+    const auto plane = [](const char* name, int step, int columns) { return Plane{name, step, columns, columns}; };
+    return {{reach, reach, plane("source luma", g.source_pitch[0], g.width)},
+            {reach, reach, plane("source chroma", g.source_pitch[1], g.width)},
+            {reach, reach, plane("destination luma", g.destination_pitch[0], g.height)},
+            {reach, reach, plane("destination chroma", g.destination_pitch[1], g.height)}};
 }
 
 std::string describe(const Geometry& g) {

@@ -10,6 +10,8 @@
 #include <stdexcept>
 
 #include "harness/conversions.h"
+#include "harness/fault.h"
+#include "harness/options.h"
 #include "reference/reference.h"
 
 namespace {
@@ -108,9 +110,10 @@ void expect_same_afar(const Call& call, const Planes& planes, uint64_t seed, con
     const int64_t status = call(reference::kernels, planes.at);
     const std::vector<uint8_t> expected = all.bytes();
     EXPECT_NE(before, expected) << what;
-    for (const zivcolor::Target& target : zivcolor::built_targets()) {
-        if (!target.runs_here()) continue;
+    for (const zivcolor::Target& target : targets()) {
         all.fill_all(seed);
+        const std::function<std::string()> in_words = [&] { return what; };
+        const Running running(target.name, in_words);
         EXPECT_EQ(call(*target.kernels, planes.at), status) << target.name << ": " << what;
         EXPECT_TRUE(all.bytes() == expected) << target.name << ": " << what;
     }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/targets.h"
+#include "harness/options.h"
 #include "reference/hsl.h"
 
 namespace {
@@ -41,19 +42,18 @@ void expect_both_walks(int32_t (*convert)(const uint8_t*, uint8_t*, uint32_t, ui
 }
 
 TEST(HslAllColours, Bgr888) {
-    // A quarter of the colours at a time: all of one green's blues and reds, for 64 greens.
-    std::vector<uint8_t> in(3 * 64 * colours_in_a_row), expected(in.size());
-    for (int quarter = 0; quarter < 4; ++quarter) {
+    // All blues and reds of a green at a time.
+    std::vector<uint8_t> in(3 * colours_in_a_row), expected(in.size());
+    for (const int g : harness::first_components()) {
         uint8_t* p = in.data();
         uint8_t* e = expected.data();
-        for (int g = 64 * quarter; g < 64 * quarter + 64; ++g)
-            for (int b = 0; b < 256; ++b)
-                for (int r = 0; r < 256; ++r, p += 3, e += 3) {
-                    p[0] = static_cast<uint8_t>(b), p[1] = static_cast<uint8_t>(g), p[2] = static_cast<uint8_t>(r);
-                    store_hsl(e, b, g, r);
-                }
-        for (const zivcolor::Target& target : zivcolor::built_targets())
-            if (target.runs_here()) expect_both_walks(target.kernels->zivColorBGR888toHSL888u8, in, 3, expected, target.name);
+        for (int b = 0; b < 256; ++b)
+            for (int r = 0; r < 256; ++r, p += 3, e += 3) {
+                p[0] = static_cast<uint8_t>(b), p[1] = static_cast<uint8_t>(g), p[2] = static_cast<uint8_t>(r);
+                store_hsl(e, b, g, r);
+            }
+        for (const zivcolor::Target& target : harness::targets())
+            expect_both_walks(target.kernels->zivColorBGR888toHSL888u8, in, 3, expected, target.name);
         if (HasFailure()) return;
     }
 }
@@ -68,8 +68,7 @@ TEST(HslAllColours, Words565) {
         store_hsl(&red_on_top[3 * at], low, middle, top);
         store_hsl(&blue_on_top[3 * at], top, middle, low);
     }
-    for (const zivcolor::Target& target : zivcolor::built_targets()) {
-        if (!target.runs_here()) continue;
+    for (const zivcolor::Target& target : harness::targets()) {
         expect_both_walks(target.kernels->zivColorBGR565toHSL888u8, in, 2, red_on_top, target.name);
         expect_both_walks(target.kernels->zivColorRGB565toHSL888u8, in, 2, blue_on_top, target.name);
     }

@@ -8,6 +8,7 @@
 
 #include "built_targets.h"
 #include "core/targets.h"
+#include "harness/options.h"
 #include "harness/workspace.h"
 #include "lanes/lane_terms.h"
 
@@ -360,8 +361,8 @@ void PrintTo(const Row& row, std::ostream* out) { *out << row.target << " " << r
 std::vector<Row> rows() {
     std::vector<Row> all;
     const auto collect = [&](const std::string& name, const harness::LaneTerms& terms) {
-        for (const zivcolor::Target& target : zivcolor::built_targets())
-            if (name == target.name && target.runs_here())
+        for (const zivcolor::Target& target : harness::targets())
+            if (name == target.name)
                 for (int i = 0; i < terms.count; i++) all.push_back({name, terms.rows[i]});
     };
 #define COLLECT(target, condition) collect(#target, zivcolor::target::lane_terms);

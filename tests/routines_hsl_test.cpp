@@ -55,10 +55,14 @@ protected:
         };
     }
     std::vector<Room> rooms(const Sizes& s) const {
-        const auto room = [&](size_t row) { return Room{64, (row + 64) * (s.height + 2) + 64}; };
-        std::vector<Room> all(static_cast<size_t>(GetParam().buffers), room(s.width / 2 + 1));
-        all.front() = room(s.width * static_cast<size_t>(GetParam().pixel_bytes));
-        all.back() = room(s.width * 3);
+        const auto room = [&](const char* name, size_t row, uint32_t gap) {
+            const auto bytes = static_cast<int>(row);
+            return Room{
+                64, (row + 64) * (s.height + 2) + 64, {name, bytes + static_cast<int>(gap), bytes, static_cast<int>(s.width)}};
+        };
+        std::vector<Room> all(static_cast<size_t>(GetParam().buffers), room("source chroma", s.width / 2 + 1, s.chroma_gap));
+        all.front() = room("source", s.width * static_cast<size_t>(GetParam().pixel_bytes), s.source_gap);
+        all.back() = room("destination", s.width * 3, s.destination_gap);
         return all;
     }
     std::string what(const Sizes& s) const {
@@ -97,8 +101,9 @@ TEST(HslOfI420, RowsThatOverlap) {
                 return kernels.zivColorI420toHSL888u8(b[0], b[1], b[2], width, 5, b[3], width, width, step);
             };
             const size_t room = 6 * (width + 1), destination = 8 * 3 * (width + 1);
-            expect_same_bytes(call, {{0, room}, {0, room}, {0, room}, {64, destination}}, random.next(),
-                              [&] { return std::to_string(width) + " columns, step " + std::to_string(step); });
+            expect_same_bytes(call, {{0, room}, {0, room}, {0, room}, {64, destination}}, random.next(), [&] {
+                return "zivColorI420toHSL888u8 " + std::to_string(width) + " columns, step " + std::to_string(step);
+            });
             if (HasFailure()) return;
         }
 }

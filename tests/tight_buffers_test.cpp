@@ -25,7 +25,7 @@ class TightBuffers : public testing::TestWithParam<TightKernel> {
 protected:
     static std::vector<Room> rooms(int width, int height) {
         const auto size = static_cast<size_t>(4 * (width + 16) * (height + 4) + 256);
-        return {{64, size}, {64, size}};
+        return {{64, size, {"source"}}, {64, size, {"destination"}}};
     }
     static std::string what(int width, int height) {
         return std::string(GetParam().name) + " " + std::to_string(width) + "x" + std::to_string(height);

@@ -139,18 +139,27 @@ Call call_of(const Conversion& c, const ImagePair& p) {
 std::vector<Room> rooms_of(const Conversion& c, const ImagePair& p) {
     const int columns = std::max({p.source_width, p.destination_width, 0});
     const int rows = std::max({p.source_height, p.destination_height, 0}) + 4;
-    const auto room = [&](uint32_t format, const int32_t* pitch) {
+    static constexpr const char* names[] = {"source plane 0",      "source plane 1",      "source plane 2",
+                                            "destination plane 0", "destination plane 1", "destination plane 2"};
+    std::vector<Room> rooms(6, Room{64, 64});
+    for (size_t k = 0; k < 6; k++) rooms[k].plane.name = names[k];
+    const auto give = [&](int first, uint32_t format, const int32_t* pitch, int width) {
         int step = 0;
         bool up = false;
         for (int k = 0; k < 3; k++) step = std::max(step, std::abs(pitch[k])), up = up || pitch[k] < 0;
         step = std::max(step, tight_pitch(format, 0, columns));
         const auto reach = static_cast<size_t>(2 * rows * step + 4 * columns + 256);
-        return Room{up ? reach : 256 + static_cast<size_t>(2 * step), reach};
+        for (int k = 0; k < plane_count(format); k++) {
+            Room& room = rooms[static_cast<size_t>(first + k)];
+            room.before = up ? reach : 256 + static_cast<size_t>(2 * step);
+            room.after = reach;
+            room.plane.pitch = pitch[k];
+            room.plane.row_bytes = tight_pitch(format, k, width);
+            room.plane.columns = width;
+        }
     };
-    std::vector<Room> rooms(6, Room{64, 64});
-    for (int k = 0; k < plane_count(c.source); k++) rooms[static_cast<size_t>(k)] = room(c.source, p.source_pitch);
-    for (int k = 0; k < plane_count(c.destination); k++)
-        rooms[static_cast<size_t>(3 + k)] = room(c.destination, p.destination_pitch);
+    give(0, c.source, p.source_pitch, p.source_width);
+    give(3, c.destination, p.destination_pitch, p.destination_width);
     return rooms;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "harness/conversions.h"
+#include "harness/options.h"
 #include "reference/reference.h"
 
 namespace harness {
@@ -43,6 +44,18 @@ struct Picture {
         return i;
     }
 };
+
+// The first plane in which two pictures of one shape differ; empty if none does.
+inline std::string difference(const Picture& expected, const Picture& actual) {
+    static constexpr const char* names[] = {"destination plane 0", "destination plane 1", "destination plane 2"};
+    for (int k = 0; k < plane_count(expected.format); k++) {
+        const Plane plane{names[k], expected.pitch[k], tight_pitch(expected.format, k, expected.width), expected.width};
+        const std::string text =
+            difference(plane, expected.bytes[k].data(), actual.bytes[k].data(), expected.bytes[k].size(), Picture::margin);
+        if (!text.empty()) return text;
+    }
+    return {};
+}
 
 // A picture of one colour, margins and all. c0, c1, c2 are the samples of a pixel: Y, U, V or R, G, B.
 inline void flood(Picture& picture, int c0, int c1, int c2) {
@@ -82,8 +95,7 @@ void on_every_table(Body body) {
         SCOPED_TRACE("reference");
         body(reference::kernels);
     }
-    for (const zivcolor::Target& target : zivcolor::built_targets()) {
-        if (!target.runs_here()) continue;
+    for (const zivcolor::Target& target : targets()) {
         SCOPED_TRACE(target.name);
         body(*target.kernels);
     }

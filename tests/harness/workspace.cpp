@@ -5,13 +5,20 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 
+#include "harness/fault.h"
+#include "harness/options.h"
 #include "reference/memory.h"
 #include "reference/reference.h"
 
 namespace harness {
+
+using zivcolor::Image;
+using zivcolor::KernelTable;
+using zivcolor::MaskedImage;
 
 uint32_t Random::next() {
     state = state * 6364136223846793005u + 1442695040888963407u;
@@ -56,17 +63,81 @@ struct Workspace {
     }
 };
 
-std::string first_difference(const Workspace& expected, const Workspace& actual, const std::vector<Room>& rooms) {
-    const auto at = std::mismatch(expected.memory.begin(), expected.memory.end(), actual.memory.begin());
-    auto offset = at.first - expected.memory.begin();
+std::string name_of(const std::vector<Room>& rooms, size_t k) {
+    const std::string name = rooms[k].plane.name;
+    return name == "buffer" ? name + " " + std::to_string(k) : name;
+}
+
+// Of all buffers; the rows are shown for the first that differs.
+std::string differences(const Workspace& expected, const Workspace& actual, const std::vector<Room>& rooms) {
+    std::string text;
+    size_t start = 0;
     for (size_t k = 0; k < rooms.size(); k++) {
-        const auto size = static_cast<ptrdiff_t>(rooms[k].before + rooms[k].after);
-        if (offset < size)
-            return "buffer " + std::to_string(k) + " byte " + std::to_string(offset - static_cast<ptrdiff_t>(rooms[k].before)) +
-                   ": expected " + std::to_string(*at.first) + ", got " + std::to_string(*at.second);
-        offset -= size;
+        const size_t size = rooms[k].before + rooms[k].after;
+        const std::string name = name_of(rooms, k);
+        Plane plane = rooms[k].plane;
+        plane.name = name.c_str();
+        const std::string more = difference(plane, expected.memory.data() + start, actual.memory.data() + start, size,
+                                            static_cast<ptrdiff_t>(rooms[k].before));
+        text += text.empty() ? more : more.substr(0, more.find('\n') + 1);
+        start += size;
     }
-    return "no difference";
+    return text;
+}
+
+// A table whose kernels do nothing but leave their names.
+const char* g_called = nullptr;
+
+template <class... Arguments>
+void ignore(const Arguments&...) {}
+
+constexpr KernelTable naming_kernels = [] {
+    KernelTable table{};
+#define ZIVCOLOR_NAME_Opaque(name)                           \
+    table.name = [](const Image*, const Image*) -> int32_t { \
+        g_called = #name;                                    \
+        return 0;                                            \
+    };
+#define ZIVCOLOR_NAME_Alpha(name)                                     \
+    table.name = [](const Image*, const Image*, uint8_t) -> int32_t { \
+        g_called = #name;                                             \
+        return 0;                                                     \
+    };
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task) ZIVCOLOR_NAME_##alpha(name)
+#define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) \
+    table.name = [] parameters -> result {                    \
+        ignore arguments;                                     \
+        g_called = #name;                                     \
+        return result();                                      \
+    };
+    ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
+    ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
+#undef ZIVCOLOR_ROUTINE
+#undef ZIVCOLOR_CONVERSION
+#undef ZIVCOLOR_NAME_Alpha
+#undef ZIVCOLOR_NAME_Opaque
+    return table;
+}();
+
+// The case in words, with the kernel's name in front of it.
+std::string named(const Call& call, uint8_t* const* buffers, const std::function<std::string()>& what) {
+    g_called = "";
+    call(naming_kernels, buffers);
+    const std::string text = what(), kernel = g_called;
+    return text.find(kernel) == std::string::npos ? kernel + " " + text : text;
+}
+
+// A test whose every image fails says enough with the first few.
+bool failed_enough() {
+    const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
+    return test && test->result()->total_part_count() >= 4;
+}
+
+std::string in_words(uint64_t seed, int64_t got, int64_t status) {
+    char text[128];
+    std::snprintf(text, sizeof text, "seed 0x%llx, status %lld%s", static_cast<unsigned long long>(seed),
+                  static_cast<long long>(got), got == status ? "" : (", expected " + std::to_string(status)).c_str());
+    return text;
 }
 
 struct ReachTrace final : reference::Trace {
@@ -141,16 +212,21 @@ void fill(uint8_t* p, size_t size, uint64_t seed) {
 
 void expect_same_bytes(const Call& call, const std::vector<Room>& rooms, uint64_t seed,
                        const std::function<std::string()>& what) {
+    if (failed_enough()) return;
     static Workspace expected, actual;
+    const std::function<std::string()> words = [&] { return named(call, actual.buffers.data(), what); };
     expected.lay_out(rooms, seed);
     const int64_t status = call(reference::kernels, expected.buffers.data());
-    for (const zivcolor::Target& target : zivcolor::built_targets()) {
-        if (!target.runs_here()) continue;
+    for (const zivcolor::Target& target : targets()) {
         actual.lay_out(rooms, seed);
-        const int64_t got = call(*target.kernels, actual.buffers.data());
+        int64_t got;
+        {
+            const Running running(target.name, words);
+            got = call(*target.kernels, actual.buffers.data());
+        }
         if (got != status || std::memcmp(expected.memory.data(), actual.memory.data(), expected.memory.size()) != 0)
-            ADD_FAILURE() << target.name << ": " << what() << ": status " << got << " (expected " << status << "), "
-                          << first_difference(expected, actual, rooms);
+            ADD_FAILURE() << target.name << ": " << words() << ", " << in_words(seed, got, status) << "\n"
+                          << differences(expected, actual, rooms);
     }
 }
 
@@ -170,13 +246,19 @@ std::vector<Reach> reach_of(const Call& call, const std::vector<Room>& rooms, ui
 
 void expect_in_bounds(const Call& call, const std::vector<Room>& rooms, uint64_t seed,
                       const std::function<std::string()>& what) {
+    if (failed_enough()) return;
     const std::vector<Reach> reach = reach_of(call, rooms, seed);
     for (const bool at_end : {true, false}) {
         std::vector<uint8_t*> buffers(rooms.size());
         std::vector<std::vector<uint8_t>> expected(rooms.size());
+        std::vector<std::string> names(rooms.size());
+        std::vector<Running::Area> areas;
+        const std::function<std::string()> words = [&] { return named(call, buffers.data(), what); };
         for (size_t k = 0; k < rooms.size(); k++) {
             const GuardedPages& pages = guarded_pages(k, static_cast<size_t>(reach[k].past - reach[k].first));
             buffers[k] = at_end ? pages.past() - reach[k].past : pages.first() - reach[k].first;
+            names[k] = name_of(rooms, k);
+            areas.push_back({names[k].c_str(), buffers[k] + reach[k].first, buffers[k] + reach[k].past});
         }
         const auto refill = [&] {
             for (size_t k = 0; k < rooms.size(); k++)
@@ -185,15 +267,23 @@ void expect_in_bounds(const Call& call, const std::vector<Room>& rooms, uint64_t
         refill();
         const int64_t status = call(reference::kernels, buffers.data());
         for (size_t k = 0; k < rooms.size(); k++) expected[k].assign(buffers[k] + reach[k].first, buffers[k] + reach[k].past);
-        for (const zivcolor::Target& target : zivcolor::built_targets()) {
-            if (!target.runs_here()) continue;
+        for (const zivcolor::Target& target : targets()) {
             refill();
-            const int64_t got = call(*target.kernels, buffers.data());  // a fault here is a read or write out of bounds
-            EXPECT_EQ(got, status) << target.name << ": " << what();
-            for (size_t k = 0; k < rooms.size(); k++)
-                if (!std::equal(expected[k].begin(), expected[k].end(), buffers[k] + reach[k].first))
-                    ADD_FAILURE() << target.name << ": " << what() << ": buffer " << k << " differs, flush against the page "
-                                  << (at_end ? "after it" : "before it");
+            int64_t got;
+            {
+                const Running running(target.name, words, &areas);
+                got = call(*target.kernels, buffers.data());  // a fault here is a read or write out of bounds
+            }
+            std::string text;
+            for (size_t k = 0; k < rooms.size(); k++) {
+                Plane plane = rooms[k].plane;
+                plane.name = names[k].c_str();
+                text += difference(plane, expected[k].data(), buffers[k] + reach[k].first, expected[k].size(), -reach[k].first);
+            }
+            if (got != status || !text.empty())
+                ADD_FAILURE() << target.name << ": " << words() << ", flush against the page "
+                              << (at_end ? "after it" : "before it") << ", " << in_words(seed, got, status) << "\n"
+                              << text;
         }
     }
 }

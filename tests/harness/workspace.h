@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/targets.h"
+#include "harness/difference.h"
 
 namespace harness {
 
@@ -18,10 +19,11 @@ using Call = std::function<int64_t(const zivcolor::KernelTable& kernels, uint8_t
 // Bytes that a buffer has before and from its pointer on.
 struct Room {
     size_t before, after;
+    Plane plane = {};
 };
 
 // Runs the call with the reference's table and with that of every target that runs here, on equal memory, and expects equal
-// statuses and equal memory afterwards. `what` says in words which case it is.
+// statuses and equal memory afterwards. `what` says in words which case it is: kernel, sizes, pitches.
 void expect_same_bytes(const Call& call, const std::vector<Room>& rooms, uint64_t seed,
                        const std::function<std::string()>& what);
 

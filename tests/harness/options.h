@@ -1,0 +1,28 @@
+// What the test program was asked for on its command line, beside the test framework's own flags.
+//   --kernel=NAME     only the tests of the kernels whose names contain NAME
+//   --target=NAME     only this target beside the reference
+//   --colours=sample  a sample of the 2^24 colours, not all of them
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/targets.h"
+
+namespace harness {
+
+// Takes these flags out of the arguments, before the test framework looks at them. False, and a line on the terminal, if one
+// has a value that means nothing here.
+bool take_options(int* argc, char** argv);
+
+// The test framework's filter that --kernel asks for; empty without it.
+std::string filter_of_options();
+
+// The targets to test: those that run here, or the one that was asked for.
+const std::vector<zivcolor::Target>& targets();
+
+// The values of the first component in walks over all colours: every one, or a sample with both ends.
+const std::vector<int>& first_components();
+bool all_colours();
+
+}  // namespace harness
