@@ -24,7 +24,8 @@ else()
     set(zivcolor_export_file ${PROJECT_BINARY_DIR}/zivcolor.map)
     file(CONFIGURE OUTPUT ${zivcolor_export_file}
          CONTENT "ZIVCOLOR_${ZIVCOLOR_ABI_VERSION} {\n    global:\n        @export_lines@;\n    local:\n        *;\n};\n" @ONLY)
-    set(zivcolor_export_options -Wl,--version-script=${zivcolor_export_file})
+    # Calls from inside stay inside, whatever a program calls its own functions.
+    set(zivcolor_export_options -Wl,--version-script=${zivcolor_export_file} -Wl,-Bsymbolic-functions)
 endif()
 
 # zivcolor_library(NAME KIND OBJECTS...): also known as zivcolor::static or zivcolor::shared.

@@ -5,19 +5,14 @@
 #include <string_view>
 
 #include "core/kernel_list.h"
+#include "core/layout_list.h"
 #include "kernel_facts.h"
 #include "zivcolor.h"
 
 namespace facts {
 
-struct Layout {
-    std::string_view name;
-    uint32_t format;
-    int planes;
-    int luma_bytes, luma_columns;
-    std::string_view luma;
-    int chroma_bytes, chroma_columns, chroma_rows;
-    std::string_view chroma;
+struct LayoutFacts {
+    std::string_view name, luma, chroma;
 };
 
 enum Set {
@@ -64,9 +59,8 @@ struct RoutineFacts {
     std::string_view name, from, to, blocks, memory, remark;
 };
 
-inline constexpr Layout layouts[] = {
-#define ZIVCOLOR_LAYOUT(name, planes, bytes, columns, luma, chroma_bytes, chroma_columns, chroma_rows, chroma) \
-    {#name, zivPixFmt_##name, planes, bytes, columns, luma, chroma_bytes, chroma_columns, chroma_rows, chroma},
+inline constexpr LayoutFacts layouts[] = {
+#define ZIVCOLOR_LAYOUT(name, luma, chroma) {#name, luma, chroma},
     ZIVCOLOR_LAYOUT_FACTS(ZIVCOLOR_LAYOUT)
 #undef ZIVCOLOR_LAYOUT
 };
@@ -109,7 +103,12 @@ ZIVCOLOR_CONVERSIONS(ZIVCOLOR_HAS_FACTS)
 ZIVCOLOR_ROUTINES(ZIVCOLOR_HAS_FACTS)
 #undef ZIVCOLOR_HAS_FACTS
 
+#define ZIVCOLOR_HAS_FACTS(name, ...) static_assert(count(layouts, #name) == 1, "needs one row in kernel_facts.h: " #name);
+ZIVCOLOR_LAYOUTS(ZIVCOLOR_HAS_FACTS)
+#undef ZIVCOLOR_HAS_FACTS
+
 #define ZIVCOLOR_ONE(...) +1
+static_assert(sizeof layouts / sizeof layouts[0] == 0 ZIVCOLOR_LAYOUTS(ZIVCOLOR_ONE), "a row without a layout");
 static_assert(sizeof conversions / sizeof conversions[0] == 0 ZIVCOLOR_CONVERSIONS(ZIVCOLOR_ONE), "a row without a kernel");
 static_assert(sizeof routines / sizeof routines[0] == 0 ZIVCOLOR_ROUTINES(ZIVCOLOR_ONE), "a row without a kernel");
 #undef ZIVCOLOR_ONE

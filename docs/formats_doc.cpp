@@ -56,15 +56,16 @@ void print_layouts() {
         "rows. Where a kernel touches more (an odd size with the note *one more* below), leave room for it.\n\n",
         "| Layout | Code | Planes | Plane 0 | Bytes a row | Rows | Chroma planes | Bytes a row, each | Rows, each |\n",
         "|---|---|---|---|---|---|---|---|---|\n");
-    for (const Layout& l : layouts) {
+    for (const zivcolor::Layout& l : zivcolor::layouts) {
+        const LayoutFacts& facts = *find(layouts, l.name);
         char code[16];
         std::snprintf(code, sizeof code, "0x%x", l.format);
-        print("| ", l.name, " | ", code, " | ", number(l.planes), " | ", l.luma, " | ", row_bytes(l.luma_bytes, l.luma_columns),
-              " | H | ");
+        print("| ", l.name, " | ", code, " | ", number(l.planes), " | ", facts.luma, " | ",
+              row_bytes(l.luma.bytes, l.luma.columns), " | H | ");
         if (l.planes == 1) {
             print("| | |\n");
         } else {
-            print(l.chroma, " | ", row_bytes(l.chroma_bytes, l.chroma_columns), " | ", units("H", l.chroma_rows), " |\n");
+            print(facts.chroma, " | ", row_bytes(l.chroma.bytes, l.chroma.columns), " | ", units("H", l.chroma.rows), " |\n");
         }
     }
     print("\nHSL888, which has no code, is three bytes a pixel: hue (0 to 212), saturation, lightness.\n\n");
@@ -143,7 +144,7 @@ const char* odd_height(int value) {
 template <size_t rows>
 void print_kernels(const char* title, const Kernel (&kernels)[rows]) {
     print("## ", title, "\n\n",
-          "| Pair | Kernel | Set | Blocks of columns | W and H of | MinimumSizes size | Pitches read: source; destination | "
+          "| Pair | Kernel | Set | Blocks of columns | W and H of | Least size | Pitches read: source; destination | "
           "Odd W | "
           "Odd H "
           "| Band task | Block and tail |\n|---|---|---|---|---|---|---|---|---|---|---|\n");
@@ -179,7 +180,7 @@ void print_all() {
         "- *Set*: the coefficients of the blocks; a tail with others is told in the notes below the table.\n"
         "- *Blocks of columns*: the block's width and when one is taken, then the columns of a tail step.\n"
         "- *W and H of*: the image whose size is walked. Sizes of the two images are never compared.\n"
-        "- *MinimumSizes size*: of both images, unless told otherwise; below it the status is -2 and nothing is written.\n"
+        "- *Least size*: of both images, unless told otherwise; below it the status is -2 and nothing is written.\n"
         "- *Pitches read*: those of other planes are not looked at; the notes say how their rows are found.\n"
         "- *Odd W*, *Odd H*: what becomes of the last column and row.\n"
         "- *Band task*: the index that `zivColorCvtFunc` gives for the pair; without one the pair has no multi-threaded form.\n"

@@ -4,31 +4,31 @@
 
 // clang-format off
 
-// Layouts: units of a plane's rows. A unit is so many bytes for so many columns; a plane has a row for so many image rows.
-//   LAYOUT(name, planes, plane 0: bytes, columns, "what they are"; chroma planes: bytes, columns, rows, "what they are")
+// Layouts: what src/core/layout_list.h does not tell.
+//   LAYOUT(name, "what the bytes of plane 0 are", "what those of the others are")
 #define ZIVCOLOR_LAYOUT_FACTS(LAYOUT) \
-    LAYOUT(BGR565,   1, 2, 1, "little-endian word: blue in bits 15-11, green in 10-5, red in 4-0", 0, 0, 0, "") \
-    LAYOUT(RGB565,   1, 2, 1, "little-endian word: red in bits 15-11, green in 10-5, blue in 4-0", 0, 0, 0, "") \
-    LAYOUT(BGR888,   1, 3, 1, "B G R",       0, 0, 0, "") \
-    LAYOUT(RGB888,   1, 3, 1, "R G B",       0, 0, 0, "") \
-    LAYOUT(BGRA8888, 1, 4, 1, "B G R A",     0, 0, 0, "") \
-    LAYOUT(ARGB8888, 1, 4, 1, "A R G B",     0, 0, 0, "") \
-    LAYOUT(RGBA8888, 1, 4, 1, "R G B A",     0, 0, 0, "") \
-    LAYOUT(YUV,      1, 3, 1, "Y U V",       0, 0, 0, "") \
-    LAYOUT(YUYV,     1, 4, 2, "Y0 U Y1 V",   0, 0, 0, "") \
-    LAYOUT(YVYU,     1, 4, 2, "Y0 V Y1 U",   0, 0, 0, "") \
-    LAYOUT(UYVY,     1, 4, 2, "U Y0 V Y1",   0, 0, 0, "") \
-    LAYOUT(VYUY,     1, 4, 2, "V Y0 U Y1",   0, 0, 0, "") \
-    LAYOUT(I420,     3, 1, 1, "Y",           1, 2, 2, "U; V") \
-    LAYOUT(I422V,    3, 1, 1, "Y",           1, 1, 2, "U; V, rows without gaps") \
-    LAYOUT(I422H,    3, 1, 1, "Y",           1, 2, 1, "U; V") \
-    LAYOUT(I444,     3, 1, 1, "Y",           1, 1, 1, "U; V") \
-    LAYOUT(YV12,     3, 1, 1, "Y",           1, 2, 2, "V; U") \
-    LAYOUT(YV24,     3, 1, 1, "Y",           1, 1, 1, "V; U") \
-    LAYOUT(NV12,     2, 1, 1, "Y",           2, 2, 2, "U V") \
-    LAYOUT(NV21,     2, 1, 1, "Y",           2, 2, 2, "V U") \
-    LAYOUT(LPI422H,  2, 1, 1, "Y",           2, 2, 1, "U V") \
-    LAYOUT(NV41,     2, 1, 1, "Y",           2, 4, 4, "V U")
+    LAYOUT(BGR565,   "little-endian word: blue in bits 15-11, green in 10-5, red in 4-0", "") \
+    LAYOUT(RGB565,   "little-endian word: red in bits 15-11, green in 10-5, blue in 4-0", "") \
+    LAYOUT(BGR888,   "B G R", "") \
+    LAYOUT(RGB888,   "R G B", "") \
+    LAYOUT(BGRA8888, "B G R A", "") \
+    LAYOUT(ARGB8888, "A R G B", "") \
+    LAYOUT(RGBA8888, "R G B A", "") \
+    LAYOUT(YUV,      "Y U V", "") \
+    LAYOUT(YUYV,     "Y0 U Y1 V", "") \
+    LAYOUT(YVYU,     "Y0 V Y1 U", "") \
+    LAYOUT(UYVY,     "U Y0 V Y1", "") \
+    LAYOUT(VYUY,     "V Y0 U Y1", "") \
+    LAYOUT(I420,     "Y", "U; V") \
+    LAYOUT(I422V,    "Y", "U; V, rows without gaps") \
+    LAYOUT(I422H,    "Y", "U; V") \
+    LAYOUT(I444,     "Y", "U; V") \
+    LAYOUT(YV12,     "Y", "V; U") \
+    LAYOUT(YV24,     "Y", "V; U") \
+    LAYOUT(NV12,     "Y", "U V") \
+    LAYOUT(NV21,     "Y", "V U") \
+    LAYOUT(LPI422H,  "Y", "U V") \
+    LAYOUT(NV41,     "Y", "V U")
 
 // Coefficient sets.
 //   SET(id, "name", "first output", "second output", "third output")
@@ -90,10 +90,10 @@
     FACTS(zivColorYV12toRGB888u8,      ToRgbCoarse,    16, Fits, 1, Dst, Dst, Both2x2, P012, P0,   Exact,   RowOne,  Same, \
           "Every row goes to row 1 of the destination, one over the other; no other row is touched.") \
     FACTS(zivColorYUYVtoBGR888u8,      ToRgbFine,      16, Fits, 2, Dst, Dst, Both2x1, P0,   P0,   Past,    Exact,   Differ, \
-          "Tail: bytes R G B without a lower limit, each at most 255 and cut to 8 bits; byte 0 loses its upper limit where " \
+          "Tail: bytes R G B without a lower limit, each at most 255 and truncated to 8 bits; byte 0 loses its upper limit where " \
           "B < 0, byte 2 where R < 0.") \
     FACTS(zivColorYUYVtoRGB888u8,      ToRgbCoarse,    16, Fits, 2, Dst, Dst, Both2x1, P0,   P0,   Past,    Exact,   Differ, \
-          "Tail: no lower limit; each byte at most 255 and cut to 8 bits.") \
+          "Tail: no lower limit; each byte at most 255 and truncated to 8 bits.") \
     FACTS(zivColorYUYVtoRGBA8888u8,    ToRgbCoarse,    16, Fits, 2, Dst, Dst, Both2x1, P0,   P0,   Past,    Exact,   Same, "") \
     FACTS(zivColorLPI422HtoBGRA8888u8, ToRgbCoarse,    16, Fits, 2, Dst, Dst, Both2x2, None, None, LeftOut, Exact,   Same, \
           "Every row starts where the one before it ended, on all planes: after W columns, or W - 1 with an odd W.") \

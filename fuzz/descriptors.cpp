@@ -1,4 +1,5 @@
 // Two image descriptors through the dispatcher and to the kernels of every target, against the reference.
+#include "core/layout_list.h"
 #include "input.h"
 #include "reference/reference.h"
 #include "reference/work_buffer.h"
@@ -9,30 +10,12 @@ using namespace harness;
 using fuzz::Input;
 using zivcolor::KernelTable;
 
-constexpr uint32_t codes[] = {zivPixFmt_BGR565,
-                              zivPixFmt_RGB565,
-                              zivPixFmt_BGR888,
-                              zivPixFmt_RGB888,
-                              zivPixFmt_BGRA8888,
-                              zivPixFmt_ARGB8888,
-                              zivPixFmt_RGBA8888,
-                              zivPixFmt_YUV,
-                              zivPixFmt_YUYV,
-                              zivPixFmt_YVYU,
-                              zivPixFmt_UYVY,
-                              zivPixFmt_VYUY,
-                              zivPixFmt_I420,
-                              zivPixFmt_I422V,
-                              zivPixFmt_I422H,
-                              zivPixFmt_I444,
-                              zivPixFmt_YV12,
-                              zivPixFmt_YV24,
-                              zivPixFmt_NV12,
-                              zivPixFmt_NV21,
-                              zivPixFmt_LPI422H,
-                              zivPixFmt_NV41,
-                              0,
-                              0x10802};
+// A layout's code, or one that no layout has.
+uint32_t code(Input& in) {
+    constexpr uint32_t others[] = {0, 0x10802};
+    const int known = static_cast<int>(codes().size()), choice = in.between(0, known + 1);
+    return choice < known ? codes()[static_cast<size_t>(choice)] : others[choice - known];
+}
 
 // Half of all cases name a conversion, among them those that the dispatcher does not pick; the others name two codes. The first
 // generation of NV41 to NV21 ends the process.
@@ -42,7 +25,7 @@ const Conversion& choose(Input& in) {
         const Conversion& c = conversions()[static_cast<size_t>(in.between(0, static_cast<int>(conversions().size()) - 1))];
         if (c.dispatched || c.destination != zivPixFmt_NV21) return c;
     }
-    const uint32_t source = codes[in.between(0, 23)], destination = codes[in.between(0, 23)];
+    const uint32_t source = code(in), destination = code(in);
     for (const Conversion& c : conversions())
         if (c.dispatched && c.source == source && c.destination == destination) return c;
     none = {"no conversion",
@@ -57,8 +40,9 @@ const Conversion& choose(Input& in) {
     return none;
 }
 
-bool has_layout(uint32_t format) { return format != 0 && format != 0x10802; }
-int pitch_of(uint32_t format, int plane, int width) { return has_layout(format) ? tight_pitch(format, plane, width) : width; }
+int pitch_of(uint32_t format, int plane, int width) {
+    return zivcolor::layout_of(format) ? tight_pitch(format, plane, width) : width;
+}
 
 // Whether the result is the same whatever an uncleared work buffer holds.
 bool is_determined(const Call& call, const std::vector<Room>& rooms, uint64_t seed) {

@@ -178,7 +178,7 @@ ZIVCOLOR_API int32_t zivColorYV12toRGB888u8(const __tag_KOBR_OFFSCREEN* srcImg, 
 /* YUYV (Y0 U Y1 V) to RGB. Least size 2 by 1, rows one by one. The tail takes a group of 4 bytes and writes two pixels: with an
  * odd W it reads 2 bytes and writes one pixel past the row, which the next row overwrites if it starts there. Reads pitch[0] of
  * both images.
- *   YUYVtoBGR888     fine set. Tail: bytes R G B without a lower limit, each at most 255 and cut to 8 bits; byte 0 loses its
+ *   YUYVtoBGR888     fine set. Tail: bytes R G B without a lower limit, each at most 255 and truncated to 8 bits; byte 0 loses its
  *                    upper limit where B < 0, byte 2 where R < 0.
  *   YUYVtoRGB888     coarse set. Tail: the same bytes without a lower limit, each at most 255 and cut to 8 bits.
  *   YUYVtoRGBA8888   coarse set in blocks and tail */
@@ -419,7 +419,7 @@ ZIVCOLOR_API int32_t zivColorI422VtoYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, c
 /* To Y; pairs U V with a chroma row for each row, by pitch[0] and pitch[1]. Otherwise as to YUYV. */
 ZIVCOLOR_API int32_t zivColorI422VtoLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
-/* Planar 4:4:4 downward. The chroma of the even columns stays and that of the odd columns is dropped; but for LPI422H, that of
+/* Planar 4:4:4, subsampled. The chroma of the even columns stays and that of the odd columns is dropped; but for LPI422H, that of
  * the odd rows too. W and H are the destination's; whole pairs of rows and columns are converted, so an odd last row or column
  * stays unwritten, and chroma behind the last even column is not read. There are no blocks. Formats, destination sizes and the
  * source's height are tested; the source's width is not.
@@ -563,7 +563,7 @@ ZIVCOLOR_API int32_t zivColorRGB565toHSL888u8(const uint8_t* pBgr565, uint8_t* p
 /* I420 to HSL888 by way of B, G, R; the four pixels of a 2 by 2 square share their chroma. Full range, scale 2^14, u and v
  * centred: B = (16384 Y + 29049 u + 8192) >> 14, G = (16384 Y - 5636 u - 11698 v + 8192) >> 14, R = (16384 Y + 22987 v +
  * 8192) >> 14, each clamped. y_step1 and hsl_step1 are bytes per luma and HSL row, cbcr_step1 bytes per row of either chroma
- * plane; a small hsl_step1 does not wrap as it does above, rows then lie over each other. Works on two rows and two columns at
+ * plane; a small hsl_step1 does not wrap as it does above, rows then overlap. Works on two rows and two columns at
  * a time: an odd lHeight reads and writes the row after the last, an odd lWidth one pixel beyond each row, and the chroma
  * sample that goes with it. */
 ZIVCOLOR_API int32_t zivColorI420toHSL888u8(const uint8_t* pY, const uint8_t* pCb, const uint8_t* pCr, uint32_t lWidth,
@@ -633,7 +633,7 @@ ZIVCOLOR_API int64_t _SkinWhitenByMask_YUV420_VUVU(const _TAG_OFFSCREEN* pImg, c
                                                    const int32_t* plYContrastTable);
 
 /* Blocks of 16 columns in wrapping 16-bit lanes: only the low 16 bits of lRedLevel and of the table's entries count, r is
- * unsigned and cut to 16 bits, V may grow by 9, and from V = 227 on 332 * (V - 128) reads as negative. The columns after the
+ * unsigned and truncated to 16 bits, V may grow by 9, and from V = 227 on 332 * (V - 128) reads as negative. The columns after the
  * blocks (all of them below a width of 16) go one cell at a time in 64 bits, with tU = 127 - U and tV = 128 - V: there V stays
  * under a positive lRedLevel. */
 ZIVCOLOR_API int64_t _SkinWhitenByMask_YUV420_VUVU_neon(const _TAG_OFFSCREEN* pImg, const uint8_t* pMskData, int64_t lMskLine,
@@ -674,7 +674,7 @@ ZIVCOLOR_API void* zivColorCvtInit_MultiThreads(void* hMemMgr);
  * that is halved vertically.
  *
  * The result is that of zivColorCvt if both images have the same height, if no kernel writes past the end of its rows (an even
- * width is enough), if destination rows do not lie over each other, if no row offset wraps, and if the pitches agree with what
+ * width is enough), if destination rows do not overlap, if no row offset wraps, and if the pitches agree with what
  * the kernel assumes where it does not read them:
  *   BGRA8888 to LPI422H, LPI422H to BGRA8888, I444 to LPI422H   every pitch is the tight row of its plane
  *   I422V and I444 to all                                       the source's chroma pitches are its width

@@ -10,7 +10,7 @@ namespace {
 
 using namespace harness;
 
-// What the work buffer of the upward NV41 kernel holds where nothing was written to it is not determined, and its first
+// What the work buffer of the upsampling NV41 kernel holds where nothing was written to it is not determined, and its first
 // generation ends the process: both have tests of their own.
 std::vector<Conversion> determined_conversions() {
     std::vector<Conversion> rows;
@@ -95,7 +95,7 @@ TEST_P(Conversions, NegativePitches) {
     });
 }
 
-// Destination rows that lie over each other show the order in which they are written, and the fewer bytes they are apart, the
+// Destination rows that overlap show the order in which they are written, and the fewer bytes they are apart, the
 // order within a block.
 TEST_P(Conversions, RowsThatOverlap) {
     const Conversion& c = GetParam();

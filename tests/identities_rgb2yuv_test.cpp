@@ -45,7 +45,7 @@ TEST(RgbIdentities, SteepVSaturatesFrom23On) {
     EXPECT_GT(steep(-22), 0);
 }
 
-// Nothing saturates in the rounding narrow: what is too wide is cut.
+// Nothing saturates in the rounding narrow: what is too wide is truncated.
 TEST(RgbIdentities, RoundingNarrowCuts) {
     EXPECT_EQ(rounding_narrow_15(65535 * 32768), -1);
     EXPECT_EQ(rounding_narrow_15(16384), 1);
@@ -115,8 +115,9 @@ TEST(RgbIdentities, FloatSetIsExactOffWholeNumbers) {
         luma_off += block_y != y / 1000 && !(y % 1000 == 0 && block_y == y / 1000 - 1);
         tail_luma_off += FloatSet::tail_luma(p) != y / 1000;
         const auto chroma_is = [](int byte, int exact) {
-            const int cut = exact / 10000, step = exact > 0 ? -1 : 1;
-            return byte == clamped(cut + 128) || (exact % 10000 == 0 && exact != 0 && byte == clamped(cut + step + 128));
+            const int truncated = exact / 10000, step = exact > 0 ? -1 : 1;
+            return byte == clamped(truncated + 128) ||
+                   (exact % 10000 == 0 && exact != 0 && byte == clamped(truncated + step + 128));
         };
         chroma_off += !chroma_is(block.u, u) + !chroma_is(block.v, v);
     });

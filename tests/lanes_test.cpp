@@ -110,7 +110,7 @@ void packed_pixels(int N, const uint8_t* in, uint8_t* out) {
     }
 }
 
-// Sums in binary32, each product and each sum rounded by itself, cut towards 0.
+// Sums in binary32, each product and each sum rounded by itself, truncated towards 0.
 struct Float3 {
     float c0, c1, c2;
 };

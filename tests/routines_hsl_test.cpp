@@ -91,7 +91,7 @@ TEST_P(Hsl, WideImages) {
         for (uint32_t width = edge - 2; width <= edge + 9; ++width) expect_same({width, 3, 0, 0, 0}, random.next());
 }
 
-// Only here is a destination step below a row's bytes a plain distance: rows lie over each other and show the order of stores.
+// Only here is a destination step below a row's bytes a plain distance: rows overlap and show the order of stores.
 TEST(HslOfI420, RowsThatOverlap) {
     Random random{base_seed + 3};
     for (uint32_t width = 8; width <= 140; ++width)

@@ -26,4 +26,21 @@ TEST(Targets, TheFirstThatRunsIsChosen) {
         }
 }
 
+// A target that builds one family takes the kernels of the others from the target that it extends.
+TEST(Targets, FamiliesThatATargetDoesNotBuildAreThoseOfItsBase) {
+    const zivcolor::Target *dot = nullptr, *base = nullptr;
+    for (const zivcolor::Target& target : zivcolor::built_targets()) {
+        if (target.name == std::string("neon_dot")) dot = &target;
+        if (target.name == std::string("neon")) base = &target;
+    }
+    if (!dot) return;  // not of this architecture
+    ASSERT_NE(base, nullptr);
+    EXPECT_NE(dot->kernels->zivColorRGB888toNV21u8, base->kernels->zivColorRGB888toNV21u8);
+    EXPECT_EQ(dot->kernels->zivColorNV21toRGB888u8, base->kernels->zivColorNV21toRGB888u8);
+    EXPECT_EQ(dot->kernels->zivColorI420toNV21u8, base->kernels->zivColorI420toNV21u8);
+    EXPECT_EQ(dot->kernels->zivColorRGB888toBGR888u8, base->kernels->zivColorRGB888toBGR888u8);
+    EXPECT_EQ(dot->kernels->zivColorI420toHSL888u8, base->kernels->zivColorI420toHSL888u8);
+    EXPECT_EQ(dot->kernels->zivRotate, base->kernels->zivRotate);
+}
+
 }  // namespace

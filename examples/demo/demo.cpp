@@ -66,9 +66,9 @@ struct Demo {
 
     void convert_every_pair() {
         std::printf("%-22s %11s %6s %9s %10s %6s\n", "pair", "size", "status", "ms", "Mpixel/s", "peak");
-        for (const Layout& from : layouts()) {
+        for (const zivcolor::Layout& from : zivcolor::layouts) {
             Frame source;
-            for (const Layout& to : layouts()) {
+            for (const zivcolor::Layout& to : zivcolor::layouts) {
                 if (!converts(from.format, to.format)) continue;
                 if (source.memory.empty()) source = in_layout(original, from.format);
                 Frame destination(to.format, original.width, original.height);
@@ -172,8 +172,8 @@ struct Demo {
         std::printf("\n%-22s %9s %9s %9s\n", "on all cores", "one, ms", "all, ms", "speed-up");
         double log_sum = 0;
         int pairs = 0;
-        for (const Layout& from : layouts())
-            for (const Layout& to : layouts()) {
+        for (const zivcolor::Layout& from : zivcolor::layouts)
+            for (const zivcolor::Layout& to : zivcolor::layouts) {
                 __tag_KOBR_OFFSCREEN s{}, d{};
                 s.format = from.format;
                 d.format = to.format;

@@ -14,35 +14,19 @@ struct Plane {
 };
 
 std::vector<Plane> planes_of(uint32_t format, int w, int h) {
-    switch (format) {
-        case zivPixFmt_BGR565:
-        case zivPixFmt_RGB565:
-        case zivPixFmt_YUYV:
-        case zivPixFmt_YVYU:
-        case zivPixFmt_UYVY:
-        case zivPixFmt_VYUY: return {{2 * w, h}};
-        case zivPixFmt_BGR888:
-        case zivPixFmt_RGB888:
-        case zivPixFmt_YUV: return {{3 * w, h}};
-        case zivPixFmt_BGRA8888:
-        case zivPixFmt_ARGB8888:
-        case zivPixFmt_RGBA8888: return {{4 * w, h}};
-        case zivPixFmt_I420:
-        case zivPixFmt_YV12: return {{w, h}, {w / 2, h / 2}, {w / 2, h / 2}};
-        case zivPixFmt_I422H: return {{w, h}, {w / 2, h}, {w / 2, h}};
-        case zivPixFmt_I422V: return {{w, h}, {w, h / 2}, {w, h / 2}};
-        case zivPixFmt_I444:
-        case zivPixFmt_YV24: return {{w, h}, {w, h}, {w, h}};
-        case zivPixFmt_LPI422H: return {{w, h}, {w, h}};
-        default: return {{w, h}, {w, h / 2}};
-    }
+    // The kernels from and to NV41 take its chroma at the pitch of NV21's.
+    if (format == zivPixFmt_NV41) format = zivPixFmt_NV21;
+    const zivcolor::Layout& layout = *zivcolor::layout_of(format);
+    std::vector<Plane> planes;
+    for (int k = 0; k < layout.planes; k++) planes.push_back({layout.row_bytes(k, w), layout.rows(k, h)});
+    return planes;
 }
 
 // The next layout on a shortest way from one layout to another; 0 if there is none.
 uint32_t step_towards(uint32_t from, uint32_t to) {
     std::map<uint32_t, uint32_t> next{{to, to}};
     for (std::deque<uint32_t> open{to}; !open.empty(); open.pop_front())
-        for (const Layout& layout : layouts())
+        for (const zivcolor::Layout& layout : zivcolor::layouts)
             if (!next.count(layout.format) && converts(layout.format, open.front())) {
                 next[layout.format] = open.front();
                 open.push_back(layout.format);
@@ -110,24 +94,6 @@ Frame as_yuyv(const Frame& frame) {
 
 }  // namespace
 
-const std::vector<Layout>& layouts() {
-#define LAYOUT(name) \
-    { zivPixFmt_##name, #name }
-    static const std::vector<Layout> all = {
-        LAYOUT(NV21),     LAYOUT(NV12),     LAYOUT(I420),    LAYOUT(YV12),   LAYOUT(I422H),  LAYOUT(I422V),
-        LAYOUT(I444),     LAYOUT(YV24),     LAYOUT(LPI422H), LAYOUT(NV41),   LAYOUT(YUYV),   LAYOUT(YVYU),
-        LAYOUT(UYVY),     LAYOUT(VYUY),     LAYOUT(YUV),     LAYOUT(RGB888), LAYOUT(BGR888), LAYOUT(RGBA8888),
-        LAYOUT(BGRA8888), LAYOUT(ARGB8888), LAYOUT(RGB565),  LAYOUT(BGR565)};
-#undef LAYOUT
-    return all;
-}
-
-const char* name_of(uint32_t format) {
-    for (const Layout& layout : layouts())
-        if (layout.format == format) return layout.name;
-    return "?";
-}
-
 Frame::Frame(uint32_t format, int width, int height) {
     const std::vector<Plane> planes = planes_of(format, width, height);
     size_t size = 0;
@@ -176,7 +142,7 @@ Frame in_layout(const Picture& picture, uint32_t format) {
             std::memcpy(frame.image.plane[2] + y * w, yv24.image.plane[1] + 2 * y * w, static_cast<size_t>(w));
         }
     } else {
-        throw std::logic_error(std::string("no way to ") + name_of(format));
+        throw std::logic_error(std::string("no way to ") + zivcolor::layout_of(format)->name);
     }
     return frame;
 }

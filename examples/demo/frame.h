@@ -4,17 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "core/layout_list.h"
 #include "picture.h"
-#include "zivcolor.h"
 
 namespace demo {
-
-struct Layout {
-    uint32_t format;
-    const char* name;
-};
-const std::vector<Layout>& layouts();
-const char* name_of(uint32_t format);
 
 struct Frame {
     __tag_KOBR_OFFSCREEN image{};

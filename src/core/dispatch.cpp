@@ -1,15 +1,14 @@
 // zivColorCvt: from a pair of format codes to the one kernel written for it.
-#include "core/image.h"
-#include "core/kernel_list.h"
+#include "core/chosen_kernels.h"
+#include "core/layout_list.h"
 
 namespace zivcolor {
 namespace {
 
-constexpr uint64_t pair_of(uint32_t source, uint32_t destination) { return uint64_t{source} << 32 | destination; }
-
-int32_t dispatch(const Image* srcImg, const Image* dstImg, [[maybe_unused]] uint8_t alpha) {
-#define ZIVCOLOR_CALL_Opaque(name) name(srcImg, dstImg)
-#define ZIVCOLOR_CALL_Alpha(name) name(srcImg, dstImg, alpha)
+int32_t dispatch(const Image* srcImg, const Image* dstImg, uint8_t alpha) {
+    const KernelTable& kernels = kernels_here();
+#define ZIVCOLOR_CALL_Opaque(name) kernels.name(srcImg, dstImg)
+#define ZIVCOLOR_CALL_Alpha(name) kernels.name(srcImg, dstImg, alpha)
 #define ZIVCOLOR_ROW_Direct(source, destination, call)
 #define ZIVCOLOR_ROW_Dispatched(source, destination, call)     \
     case pair_of(zivPixFmt_##source, zivPixFmt_##destination): \
@@ -21,6 +20,10 @@ int32_t dispatch(const Image* srcImg, const Image* dstImg, [[maybe_unused]] uint
         default: return zivStatus_BadArgument;
     }
 #undef ZIVCOLOR_CONVERSION
+#undef ZIVCOLOR_ROW_Dispatched
+#undef ZIVCOLOR_ROW_Direct
+#undef ZIVCOLOR_CALL_Alpha
+#undef ZIVCOLOR_CALL_Opaque
 }
 
 }  // namespace

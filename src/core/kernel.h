@@ -10,7 +10,7 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
-// The least sizes that a kernel takes; unchecked where it does not look.
+// The smallest sizes that a kernel takes; unchecked where it does not look.
 struct MinimumSizes {
     int32_t source_width, source_height, destination_width, destination_height;
 };

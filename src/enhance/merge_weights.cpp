@@ -4,7 +4,11 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::enhance {
 
+namespace {
+
 constexpr ptrdiff_t entries_per_column = 20;
+
+}  // namespace
 
 void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, int64_t lImgNum) {
     if (lImgNum < 2) return;

@@ -5,6 +5,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::enhance {
 
+namespace {
+
 // The memory of a pair of rows. The chroma plane follows a luma plane of width times height bytes, whatever the pitch of luma.
 struct RowPair {
     uint8_t* luma[2];
@@ -91,6 +93,8 @@ ZIV_INLINE void whiten_block(const RowPair& rows, ptrdiff_t x, const Lift& lift)
     store(rows.luma[1] + x, brighten<N>(luma1, share, lift.brightened));
     store(rows.chroma + x, merge_bytes<N>((U16<N>)lifted_v & 0xFF, (U16<N>)lifted_u & 0xFF));
 }
+
+}  // namespace
 
 int64_t _SkinWhitenByMask_YUV420_VUVU(const MaskedImage* pImg, const uint8_t* pMskData, int64_t lMskLine,
                                       const int32_t* plBrightenTab, int64_t lRedLevel, const int32_t*) {

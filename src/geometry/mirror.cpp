@@ -4,6 +4,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::geometry {
 
+namespace {
+
 template <bool mirrored>
 ZIV_INLINE void mirror(const Image* srcImg, const PlaneRuns& dst) {
     const ptrdiff_t width = srcImg->width, height = srcImg->height;
@@ -20,6 +22,8 @@ ZIV_INLINE int32_t check_mirror(const Image* srcImg) {
 // The destination is not looked at then.
 ZIV_INLINE bool is_empty(const Image* srcImg) { return srcImg->width <= 0 || srcImg->height <= 0; }
 
+}  // namespace
+
 // The destination's chroma rows step by the source's chroma pitch. Column 0 ends at the end of the destination's pitch.
 int32_t zivflip_horizontal_nv21(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_mirror(srcImg)) return status;
@@ -32,7 +36,7 @@ int32_t zivflip_horizontal_nv21(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
-// The destination is stepped by the source's pitches, upward.
+// The destination is stepped by the source's pitches, from its last row to its first.
 int32_t zivflip_vertical_nv21(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_mirror(srcImg)) return status;
     if (is_empty(srcImg)) return zivStatus_OK;

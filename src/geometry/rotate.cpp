@@ -4,8 +4,11 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::geometry {
 
-// Turned clockwise, source column x becomes row x of the destination from its last byte backwards: the source is read upward.
-// Turned counter-clockwise, it becomes row W - 1 - x: the destination is written upward.
+namespace {
+
+// Turned clockwise, source column x becomes row x of the destination from its last byte backwards: the source is read from its
+// last row to its first. Turned counter-clockwise, it becomes row W - 1 - x: the destination is written from its last row to
+// its first.
 ZIV_INLINE void quarter_turn(const Image* srcImg, const Image* dstImg, bool clockwise) {
     if (srcImg->width < 8 || srcImg->height < 8) return;
     const ptrdiff_t width = srcImg->width, src_pitch = srcImg->pitch[0], dst_pitch = dstImg->pitch[0];
@@ -58,6 +61,8 @@ ZIV_INLINE void half_turn(const Image* srcImg, const Image* dstImg) {
                         {dstImg->plane[1] + ((chroma_pitch * height) >> 1) - columns, -dst_pitch}};
     move_row_pairs<true>(src, dst, (height + 1) >> 1, columns, columns);
 }
+
+}  // namespace
 
 void zivRotate(const Image* srcImg, const Image* dstImg, int32_t lmode) {
     if (!srcImg) return;

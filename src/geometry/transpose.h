@@ -99,7 +99,7 @@ ZIV_INLINE void copy_run(uint8_t* dst, const uint8_t* src, ptrdiff_t bytes) {
 }
 
 // The square with its source brought together: every line of it is touched once, and in pairs, however few places in a cache
-// its rows share. Asks for the lines at its right.
+// its rows share. Prefetches the lines at its right.
 template <int sample>
 [[gnu::noinline]] inline Square gathered_square(const Square& square, SquareBuffer& buffer) {
     const uint8_t* src = square.at.src;
@@ -112,7 +112,7 @@ template <int sample>
     return {{buffer.bytes, side, square.at.dst, square.at.dst_pitch}, square.columns, square.rows};
 }
 
-// 16 bytes of each source row. The last tile lies over another.
+// 16 bytes of each source row. The last tile overlaps another.
 template <int N, int sample>
 ZIV_INLINE void transpose_strip(const Transposition& strip, ptrdiff_t rows) {
     Transposition tile = strip;
@@ -137,7 +137,7 @@ template <int N, int sample>
 
 // How a destination is written.
 struct Writing {
-    bool expected;     // hints are given ahead
+    bool prefetched;
     bool whole_lines;  // squares start at lines of the cache
     bool by_lines;     // by way of a copy
 };
@@ -153,11 +153,11 @@ struct Writing {
     }
 }
 
-// Strip by strip, of which the last lies over another. Hints are given for the next.
+// Strip by strip, of which the last overlaps another. The next one is prefetched.
 template <int N, int sample>
 ZIV_INLINE void transpose_square(const Square& square, Writing writing) {
     for (ptrdiff_t x = 0; x < square.columns; x += 16) {
-        if (writing.expected)
+        if (writing.prefetched)
             prefetch_runs(part_at<sample>(square.at, x + 16, 0).dst, square.at.dst_pitch, 16 / sample, writing.whole_lines);
         const Transposition strip = part_at<sample>(square.at, at_most(x, square.columns - 16), 0);
         if (writing.by_lines) transpose_strip_by_lines<N, sample>(strip, square.rows);
@@ -183,7 +183,7 @@ template <int sample, int N>
                           t.dst_pitch % 64 == 0 && reinterpret_cast<uintptr_t>(t.dst + row_lead) % 64 == 0,
                           N < 64 && gathered && t.dst_pitch % 4096 == 0};
     for (ptrdiff_t y = 0, y_end; y < rows; y = y_end) {
-        y_end = at_most(y < row_lead ? row_lead : y + (writing.expected ? side : 512), rows);
+        y_end = at_most(y < row_lead ? row_lead : y + (writing.prefetched ? side : 512), rows);
         for (ptrdiff_t x = 0, x_end; x < columns; x = x_end) {
             x_end = at_most(x < column_lead ? column_lead : x + side, columns);
             const ptrdiff_t width = at_least(x_end - x, 16), height = at_least(y_end - y, N);

@@ -4,6 +4,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::hsl {
 
+namespace {
+
 ZIV_INLINE int term_b(int cb, int) { return (29049 * cb + 8192) >> 14; }
 ZIV_INLINE int term_g(int cb, int cr) { return (-5636 * cb - 11698 * cr + 8192) >> 14; }
 ZIV_INLINE int term_r(int, int cr) { return (22987 * cr + 8192) >> 14; }
@@ -51,6 +53,8 @@ ZIV_INLINE void convert_block<8>(const uint8_t* luma0, const uint8_t* luma1, con
     __builtin_memcpy(dst1, bgr_line, 24);
 }
 
+}  // namespace
+
 int32_t zivColorI420toHSL888u8(const uint8_t* pY, const uint8_t* pCb, const uint8_t* pCr, uint32_t lWidth, uint32_t lHeight,
                                uint8_t* pHSL, uint32_t y_step1, uint32_t cbcr_step1, uint32_t hsl_step1) {
     if (!pY || !pCb || !pCr || !pHSL) return zivStatus_NullPointer;
@@ -58,7 +62,7 @@ int32_t zivColorI420toHSL888u8(const uint8_t* pY, const uint8_t* pCb, const uint
     const ptrdiff_t width = static_cast<ptrdiff_t>(lWidth), height = static_cast<ptrdiff_t>(lHeight);
     const ptrdiff_t luma_step = static_cast<ptrdiff_t>(y_step1), chroma_step = static_cast<ptrdiff_t>(cbcr_step1);
     const ptrdiff_t dst_step = static_cast<ptrdiff_t>(hsl_step1);
-    // Rows that lie over each other show the order of stores: by 8 columns, of which the last of a row are never a block.
+    // Rows that overlap show the order of stores: by 8 columns, of which the last of a row are never a block.
     const bool overlapping = dst_step < 3 * width;
     const ptrdiff_t blocked = hsl_blocked_columns(lWidth) - (overlapping && width % 8 == 0 ? 8 : 0);
     // An odd height converts the row after the last, an odd width the pixel after the last.

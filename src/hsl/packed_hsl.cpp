@@ -3,6 +3,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::hsl {
 
+namespace {
+
 ZIV_INLINE int32_t check_hsl(const uint8_t* src, const uint8_t* dst, uint32_t height, uint32_t width) {
     if (!src || !dst) return zivStatus_NullPointer;
     return height < 3 || width < 3 ? zivStatus_BadArgument : zivStatus_OK;
@@ -11,6 +13,8 @@ ZIV_INLINE int32_t check_hsl(const uint8_t* src, const uint8_t* dst, uint32_t he
 // From the end of a row of 3 bytes a pixel to the next row: the gap is zero-extended, so that a stride below the row's bytes
 // goes forward by nearly 2^32.
 ZIV_INLINE ptrdiff_t gap(uint32_t line_bytes, uint32_t width) { return static_cast<ptrdiff_t>(line_bytes - 3 * width); }
+
+}  // namespace
 
 int32_t zivColorBGR888toHSL888u8(const uint8_t* bgr, uint8_t* hsl, uint32_t lHeight, uint32_t lWidth, uint32_t lineBytesBgr,
                                  uint32_t lineBytesHsl) {
@@ -24,6 +28,8 @@ int32_t zivColorBGR888toHSL888u8(const uint8_t* bgr, uint8_t* hsl, uint32_t lHei
     }
     return zivStatus_OK;
 }
+
+namespace {
 
 // The channels blue, green, red of N words: 5 or 6 bits each at the byte's upper end, zeros below them. red_high: red in the
 // word's top five bits and blue in the low five, or the other way about.
@@ -65,6 +71,8 @@ ZIV_INLINE int32_t words_to_hsl(const uint8_t* words, uint8_t* hsl, uint32_t hei
     }
     return zivStatus_OK;
 }
+
+}  // namespace
 
 int32_t zivColorBGR565toHSL888u8(const uint8_t* pBgr565, uint8_t* pHsl, uint32_t lHeight, uint32_t lWidth,
                                  uint32_t lineBytesBgr, uint32_t lineBytesHsl) {

@@ -12,7 +12,7 @@ namespace zivcolor::ZIVCOLOR_TARGET {
     ptrdiff_t j = 0;
     if constexpr (widest > 16) {
         // A store that crosses a cache line costs the most: a vector over the start, aligned ones from then on, and one over
-        // the end. The lines ahead, in this row or most likely in the next one, are asked for.
+        // the end. The lines ahead, in this row or most likely in the next one, are prefetched.
         constexpr int ahead = 1024;
         const uintptr_t distance = reinterpret_cast<uintptr_t>(dst) - reinterpret_cast<uintptr_t>(src);
         const uintptr_t overlap = static_cast<uintptr_t>(count);

@@ -21,7 +21,7 @@ struct ShortLoad {
     }
 };
 
-// Where a pass stores to: one of its channels sample by sample, or two of them in turns.
+// Where a pass stores to: one of its channels, or two of them interleaved.
 template <int channel>
 struct ToPlane {
     uint8_t* dst;

@@ -12,7 +12,10 @@ template <>
 ZIV_INLINE U8<16> load<16>(const uint8_t* p) {
     return (U8<16>)vld1q_u8(p);
 }
-ZIV_INLINE void store(uint8_t* p, U8<16> v) { vst1q_u8(p, (uint8x16_t)v); }
+template <>
+ZIV_INLINE void store(uint8_t* p, U8<16> v) {
+    vst1q_u8(p, (uint8x16_t)v);
+}
 
 template <>
 ZIV_INLINE U16<16> load_widened<16>(const uint8_t* p) {
@@ -84,9 +87,18 @@ ZIV_INLINE void store4<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c, U8<16> d) {
     store_interleaved(p, (uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d);
 }
 
-ZIV_INLINE U8<16> add_saturating(U8<16> a, U8<16> b) { return (U8<16>)vqaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
-ZIV_INLINE U8<16> subtract_saturating(U8<16> a, U8<16> b) { return (U8<16>)vqsubq_u8((uint8x16_t)a, (uint8x16_t)b); }
-ZIV_INLINE U8<16> average_up(U8<16> a, U8<16> b) { return (U8<16>)vrhaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
+template <>
+ZIV_INLINE U8<16> add_saturating(U8<16> a, U8<16> b) {
+    return (U8<16>)vqaddq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+template <>
+ZIV_INLINE U8<16> subtract_saturating(U8<16> a, U8<16> b) {
+    return (U8<16>)vqsubq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+template <>
+ZIV_INLINE U8<16> average_up(U8<16> a, U8<16> b) {
+    return (U8<16>)vrhaddq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
 
 template <>
 ZIV_INLINE U8<16> merge_bytes<16>(U16<16> even, U16<16> odd) {
@@ -171,8 +183,9 @@ template <>
 ZIV_INLINE U8<16> even_pairs<16>(U8<16> a, U8<16> b) {
     return (U8<16>)vtrn1q_u8((uint8x16_t)a, (uint8x16_t)b);
 }
-// ---- Selection and quotients ----
+// ---- Selection and unsigned products ----
 
+template <>
 ZIV_INLINE U8<16> select(U8<16> mask, U8<16> a, U8<16> b) {
     return (U8<16>)vbslq_u8((uint8x16_t)mask, (uint8x16_t)a, (uint8x16_t)b);
 }
@@ -186,9 +199,13 @@ ZIV_INLINE U16<16> multiply_high_unsigned<16>(U16<16> a, U16<16> b) {
 
 // ---- Whole pixels moved from one byte layout to another ----
 
-template <int n>
-ZIV_INLINE U8<16> shift_right_insert(U8<16> kept, U8<16> inserted) {
-    return (U8<16>)vsriq_n_u8((uint8x16_t)kept, (uint8x16_t)inserted, n);
+template <>
+ZIV_INLINE U8<16> shift_right_insert<3>(U8<16> kept, U8<16> inserted) {
+    return (U8<16>)vsriq_n_u8((uint8x16_t)kept, (uint8x16_t)inserted, 3);
+}
+template <>
+ZIV_INLINE U8<16> shift_right_insert<5>(U8<16> kept, U8<16> inserted) {
+    return (U8<16>)vsriq_n_u8((uint8x16_t)kept, (uint8x16_t)inserted, 5);
 }
 
 // ---- Runs of bytes ----
@@ -217,7 +234,7 @@ ZIV_INLINE U8<16> reverse_pairs<16>(U8<16> v) {
     return __builtin_shufflevector(v, v, 14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1);
 }
 
-// ---- Pairs of chroma samples made fewer or more ----
+// ---- Pairs of chroma samples ----
 
 template <>
 ZIV_INLINE void store2_pairs<16>(uint8_t* p, U8<16> a, U8<16> b) {

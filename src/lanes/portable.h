@@ -1,6 +1,6 @@
-// Every term of the lane vocabulary in plain lane arithmetic: its definition, and the code of targets that have nothing better.
-// Written for what every vector unit has: shifts, masks, minima, halves zipped, and bytes narrowed from 16-bit lanes. A term
-// that only wider vectors would need in another form is for 16 bytes.
+// Every lane operation in plain lane arithmetic: its definition, and the code of targets that have nothing better. Written for
+// what every vector unit has: shifts, masks, minima, halves zipped, and bytes narrowed from 16-bit lanes. An operation that
+// only wider vectors would need in another form is for 16 bytes.
 #pragma once
 
 #include "lanes/lanes.h"
@@ -47,7 +47,7 @@ ZIV_INLINE void prefetch_reads([[maybe_unused]] const uint8_t* p) {
     }
 }
 
-// ---- Rearrangements that the memory terms are made of ----
+// ---- Rearrangements that loads and stores are made of ----
 
 // a0 b0 a1 b1 ... from the lower halves, or from the upper halves.
 template <int N>
@@ -394,7 +394,7 @@ ZIV_INLINE uint64_t zero_lanes(U16<N> v) {
     return lanes;
 }
 
-// ---- Selection and quotients ----
+// ---- Selection and unsigned products ----
 
 // a where the mask's bits are set, b elsewhere.
 template <class V>
@@ -463,7 +463,8 @@ ZIV_INLINE void copy_four(uint8_t* dst, const uint8_t* src) {
     store_four<N>(dst, load_four<N>(src));
 }
 
-// ---- Turning and mirroring. A vector of 32 or 64 bytes is parts of 16 bytes side by side, and the terms on parts treat each
+// ---- Turning and mirroring. A vector of 32 or 64 bytes is parts of 16 bytes side by side, and the operations on parts treat
+// each
 //      by itself. ----
 
 // 16 bytes from p, from p + distance and so on.
@@ -512,7 +513,7 @@ ZIV_INLINE U8<N> reverse_bytes(U8<N> v) {
     return swap_pairs<N>(reverse_pairs<N>(v));
 }
 
-// ---- Pairs of chroma samples made fewer or more ----
+// ---- Pairs of chroma samples ----
 
 // Interleaving store of pairs: a0 b0 a1 b1 ...
 template <int N>

@@ -22,9 +22,18 @@ ZIV_INLINE void store_low_bytes<16>(uint8_t* p, U16<16> v) {
     store64(p, _mm_packus_epi16(low, low));
 }
 
-ZIV_INLINE U8<16> add_saturating(U8<16> a, U8<16> b) { return (U8<16>)_mm_adds_epu8((__m128i)a, (__m128i)b); }
-ZIV_INLINE U8<16> subtract_saturating(U8<16> a, U8<16> b) { return (U8<16>)_mm_subs_epu8((__m128i)a, (__m128i)b); }
-ZIV_INLINE U8<16> average_up(U8<16> a, U8<16> b) { return (U8<16>)_mm_avg_epu8((__m128i)a, (__m128i)b); }
+template <>
+ZIV_INLINE U8<16> add_saturating(U8<16> a, U8<16> b) {
+    return (U8<16>)_mm_adds_epu8((__m128i)a, (__m128i)b);
+}
+template <>
+ZIV_INLINE U8<16> subtract_saturating(U8<16> a, U8<16> b) {
+    return (U8<16>)_mm_subs_epu8((__m128i)a, (__m128i)b);
+}
+template <>
+ZIV_INLINE U8<16> average_up(U8<16> a, U8<16> b) {
+    return (U8<16>)_mm_avg_epu8((__m128i)a, (__m128i)b);
+}
 
 template <>
 ZIV_INLINE U8<16> double_bytes<16>(U16<16> v) {
@@ -190,8 +199,9 @@ ZIV_INLINE U8<16> swap_pairs<16>(U8<16> v) {
     return (U8<16>)_mm_shuffle_epi8((__m128i)v, bytes128([](int n) { return n ^ 1; }));
 }
 
-// ---- Selection and quotients ----
+// ---- Selection and unsigned products ----
 
+template <>
 ZIV_INLINE U8<16> select(U8<16> mask, U8<16> a, U8<16> b) {
     return (U8<16>)_mm_blendv_epi8((__m128i)b, (__m128i)a, (__m128i)mask);
 }
@@ -211,7 +221,5 @@ template <>
 ZIV_INLINE U8<16> reverse_pairs<16>(U8<16> v) {
     return (U8<16>)__builtin_shufflevector((U16<16>)v, (U16<16>)v, 7, 6, 5, 4, 3, 2, 1, 0);
 }
-
-// ---- Pairs of chroma samples made fewer or more ----
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -33,9 +33,18 @@ ZIV_INLINE void store_low_bytes<32>(uint8_t* p, U16<32> v) {
     store128(p, _mm256_castsi256_si128(_mm256_permute4x64_epi64(packed, 0x08)));
 }
 
-ZIV_INLINE U8<32> add_saturating(U8<32> a, U8<32> b) { return (U8<32>)_mm256_adds_epu8((__m256i)a, (__m256i)b); }
-ZIV_INLINE U8<32> subtract_saturating(U8<32> a, U8<32> b) { return (U8<32>)_mm256_subs_epu8((__m256i)a, (__m256i)b); }
-ZIV_INLINE U8<32> average_up(U8<32> a, U8<32> b) { return (U8<32>)_mm256_avg_epu8((__m256i)a, (__m256i)b); }
+template <>
+ZIV_INLINE U8<32> add_saturating(U8<32> a, U8<32> b) {
+    return (U8<32>)_mm256_adds_epu8((__m256i)a, (__m256i)b);
+}
+template <>
+ZIV_INLINE U8<32> subtract_saturating(U8<32> a, U8<32> b) {
+    return (U8<32>)_mm256_subs_epu8((__m256i)a, (__m256i)b);
+}
+template <>
+ZIV_INLINE U8<32> average_up(U8<32> a, U8<32> b) {
+    return (U8<32>)_mm256_avg_epu8((__m256i)a, (__m256i)b);
+}
 
 template <>
 ZIV_INLINE U8<32> double_bytes<32>(U16<32> v) {
@@ -194,8 +203,9 @@ ZIV_INLINE U8<32> swap_pairs<32>(U8<32> v) {
     return (U8<32>)_mm256_shuffle_epi8((__m256i)v, both_halves(bytes128([](int n) { return n ^ 1; })));
 }
 
-// ---- Selection and quotients ----
+// ---- Selection and unsigned products ----
 
+template <>
 ZIV_INLINE U8<32> select(U8<32> mask, U8<32> a, U8<32> b) {
     return (U8<32>)_mm256_blendv_epi8((__m256i)b, (__m256i)a, (__m256i)mask);
 }
@@ -238,7 +248,7 @@ ZIV_INLINE U8<32> reverse_pairs<32>(U8<32> v) {
     return (U8<32>)_mm256_permute4x64_epi64(_mm256_shuffle_epi8((__m256i)v, within), 0x4E);
 }
 
-// ---- Pairs of chroma samples made fewer or more ----
+// ---- Pairs of chroma samples ----
 
 template <>
 ZIV_INLINE void store2_pairs<32>(uint8_t* p, U8<32> a, U8<32> b) {

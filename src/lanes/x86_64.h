@@ -29,9 +29,18 @@ ZIV_INLINE void store_low_bytes<64>(uint8_t* p, U16<64> v) {
     store256(p, _mm512_cvtepi16_epi8((__m512i)v));
 }
 
-ZIV_INLINE U8<64> add_saturating(U8<64> a, U8<64> b) { return (U8<64>)_mm512_adds_epu8((__m512i)a, (__m512i)b); }
-ZIV_INLINE U8<64> subtract_saturating(U8<64> a, U8<64> b) { return (U8<64>)_mm512_subs_epu8((__m512i)a, (__m512i)b); }
-ZIV_INLINE U8<64> average_up(U8<64> a, U8<64> b) { return (U8<64>)_mm512_avg_epu8((__m512i)a, (__m512i)b); }
+template <>
+ZIV_INLINE U8<64> add_saturating(U8<64> a, U8<64> b) {
+    return (U8<64>)_mm512_adds_epu8((__m512i)a, (__m512i)b);
+}
+template <>
+ZIV_INLINE U8<64> subtract_saturating(U8<64> a, U8<64> b) {
+    return (U8<64>)_mm512_subs_epu8((__m512i)a, (__m512i)b);
+}
+template <>
+ZIV_INLINE U8<64> average_up(U8<64> a, U8<64> b) {
+    return (U8<64>)_mm512_avg_epu8((__m512i)a, (__m512i)b);
+}
 
 template <>
 ZIV_INLINE U8<64> double_bytes<64>(U16<64> v) {
@@ -208,8 +217,9 @@ ZIV_INLINE U8<64> swap_pairs<64>(U8<64> v) {
     return (U8<64>)_mm512_shuffle_epi8((__m512i)v, _mm512_broadcast_i32x4(bytes128([](int n) { return n ^ 1; })));
 }
 
-// ---- Selection and quotients ----
+// ---- Selection and unsigned products ----
 
+template <>
 ZIV_INLINE U8<64> select(U8<64> mask, U8<64> a, U8<64> b) {
     return (U8<64>)_mm512_ternarylogic_epi32((__m512i)mask, (__m512i)a, (__m512i)b, 0xCA);
 }
@@ -254,7 +264,7 @@ ZIV_INLINE U8<64> reverse_pairs<64>(U8<64> v) {
     return (U8<64>)_mm512_permutexvar_epi8(bytes512([](int n) { return 62 - n / 2 * 2 + n % 2; }), (__m512i)v);
 }
 
-// ---- Pairs of chroma samples made fewer or more ----
+// ---- Pairs of chroma samples ----
 
 template <>
 ZIV_INLINE void store2_pairs<64>(uint8_t* p, U8<64> a, U8<64> b) {

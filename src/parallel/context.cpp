@@ -1,4 +1,4 @@
-// The multi-threaded front: a conversion is cut into bands of rows, which the parallel engine runs.
+// The multi-threaded front: a conversion is divided into bands of rows, which the parallel engine runs.
 #include "parallel/context.h"
 
 #include <algorithm>

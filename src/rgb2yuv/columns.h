@@ -1,6 +1,6 @@
-// The vocabulary's terms over C columns of RGB: weighted sums of the bytes of a pixel, the colour differences of the even
+// Operations over C columns of RGB: weighted sums of the bytes of a pixel, the colour differences of the even
 // columns, and the stores of what they give. C is the bytes of a vector; Advanced SIMD also has C = 32. Luma and chroma between
-// the terms are in whatever form the target likes.
+// them are in whatever form the target likes.
 #pragma once
 
 #include "core/kernel.h"

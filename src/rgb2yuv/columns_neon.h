@@ -1,5 +1,5 @@
-// The terms over 32 columns of RGB on Advanced SIMD: two de-interleaved loads, so that the 16 even columns fill one vector of
-// bytes. Over 16 columns, one.
+// The operations over 32 columns of RGB on Advanced SIMD: two de-interleaved loads, so that the 16 even columns fill one vector
+// of bytes. Over 16 columns, one.
 #pragma once
 
 namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {

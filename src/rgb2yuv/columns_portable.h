@@ -1,4 +1,4 @@
-// The terms over columns of RGB in plain lane arithmetic.
+// The operations over columns of RGB in plain lane arithmetic.
 #pragma once
 
 namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
@@ -32,7 +32,7 @@ template <int C>
 struct LumaQ7 {
     U16<C> even, odd;
 };
-// The upper bytes of the lanes in turn.
+// The upper bytes of the lanes, interleaved.
 template <int C>
 ZIV_INLINE Luma<C> luma_of_upper_bytes(U16<C> even, U16<C> odd) {
     return {(U8<C>)(even >> 8 | (odd & 0xFF00))};
@@ -148,7 +148,7 @@ ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<C>& chr
     __builtin_memcpy(p2, &c2, sizeof c2);
 }
 
-// Luma and chroma of a packed row in turn, luma first or chroma first.
+// Luma and chroma of a packed row, interleaved, luma first or chroma first.
 template <bool luma_first, bool c2_first, int C>
 ZIV_INLINE void store_packed422(uint8_t* p, const Luma<C>& luma, const ChromaPairs<C>& chroma) {
     const U8<C> pairs = pairs_in_order<c2_first>(chroma);

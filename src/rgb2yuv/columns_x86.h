@@ -1,4 +1,4 @@
-// The terms over columns of RGB on x86-64: pixels of four bytes, summed by the multiply-adds of byte and of word pairs.
+// The operations over columns of RGB on x86-64: pixels of four bytes, summed by the multiply-adds of byte and of word pairs.
 #pragma once
 
 namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
@@ -375,7 +375,7 @@ ZIV_INLINE void store_planes(uint8_t* p0, uint8_t* p2, const ChromaPairs<64, c>&
 }
 #endif
 
-// Luma and chroma of a packed row in turn, luma first or chroma first.
+// Luma and chroma of a packed row, interleaved, luma first or chroma first.
 template <bool luma_first, bool c2_first, int C, int c, int at>
 ZIV_INLINE void store_packed422(uint8_t* p, const LumaWords<C, c, at>& luma, const ChromaPairs<C, c>& chroma) {
     const U8<C> bytes = luma_bytes(luma), pairs = pairs_in_order<c2_first>(chroma);

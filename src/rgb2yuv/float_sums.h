@@ -1,4 +1,4 @@
-// The vocabulary's terms over 4-byte pixels in binary32: weighted sums cut to integers, every product and every sum rounded by
+// Operations over 4-byte pixels in binary32: weighted sums truncated to integers, every product and every sum rounded by
 // itself. N pixels stand in four vectors.
 #pragma once
 
@@ -14,7 +14,7 @@ struct FloatWeights {
 // A weighted sum in integers that is never below the exact one and less than 2^-whole_bits above it, over 2^scale:
 // low * (blue * blue_weight + green * green_beside_blue) + high * (red * red_weight + green * green_beside_red), where both
 // factors of a product fit 16 bits. Unless the whole_bits below the point are all 0, which they are of every sum that binary32
-// rounds to the other side of a whole number, both are cut to the same integer: the proof over all colours says so.
+// rounds to the other side of a whole number, both are truncated to the same integer: the proof over all colours says so.
 struct ApproximateWeights {
     int low, high, blue_weight, green_beside_blue, red_weight, green_beside_red, scale, whole_bits;
     constexpr int whole_mask() const { return ((1 << whole_bits) - 1) << (scale - whole_bits); }
@@ -66,7 +66,9 @@ template <int N>
 ZIV_INLINE U8<16> narrow_even_lanes(S32<16> a, S32<16> b) {
     return (U8<16>)__builtin_shufflevector((U16<16>)a, (U16<16>)b, 0, 2, 4, 6, 8, 10, 12, 14);
 }
-ZIV_INLINE U8<16> even_pixels(U8<16> a, U8<16> b) { return (U8<16>)__builtin_shufflevector((U32<16>)a, (U32<16>)b, 0, 2, 4, 6); }
+ZIV_INLINE U8<16> even_pixels(U8<16> a, U8<16> b) {
+    return (U8<16>)__builtin_shufflevector((U32<16>)a, (U32<16>)b, 0, 2, 4, 6);
+}
 #endif
 
 // ---- Weighted sums ----
@@ -131,7 +133,7 @@ ZIV_INLINE PixelVectors<N> load_pixel_vectors(const uint8_t* p) {
     return {{load<N>(p), load<N>(p + N), load<N>(p + 2 * N), load<N>(p + 3 * N)}};
 }
 
-// The weighted sum of every pixel, cut to an integer of 0 to 255. Red is byte `red` of 0 and 2.
+// The weighted sum of every pixel, truncated to an integer of 0 to 255. Red is byte `red` of 0 and 2.
 template <int N, int red>
 ZIV_INLINE U8<N> luma_f32(const PixelVectors<N>& v, FloatWeights w) {
     S32<N> sum[4];
@@ -139,8 +141,8 @@ ZIV_INLINE U8<N> luma_f32(const PixelVectors<N>& v, FloatWeights w) {
     return narrow_lanes<N>(sum[0], sum[1], sum[2], sum[3]);
 }
 
-// Two weighted sums of the even columns' pixels, within 127.5 of 0, each cut towards 0 and centred at 128: first, second, first
-// and so on.
+// Two weighted sums of the even columns' pixels, within 127.5 of 0, each truncated towards 0 and centred at 128: first,
+// second, first and so on.
 template <int N, int red>
 ZIV_INLINE U8<N> chroma_pairs_f32(const PixelVectors<N>& v, FloatWeights first, FloatWeights second) {
     S32<N> pairs[2];
@@ -179,13 +181,13 @@ struct FarFromWhole {
     ZIV_INLINE void add(S32<N> sums, ApproximateWeights w) { near |= (S32<N>)((sums & w.whole_mask()) == 0); }
     ZIV_INLINE bool all() const { return !any_lane<N>(near); }
 };
-// Pairs of sums cut down to integers.
+// Pairs of sums floored to integers.
 template <int N>
 ZIV_INLINE S16<N> truncate_pairs(S32<N> a, S32<N> b, ApproximateWeights wa, ApproximateWeights wb) {
     const S16<N> low = (S16<N>)(S32<N>{} + 0xFFFF);
     return ((S16<N>)(a >> wa.scale) & low) | ((S16<N>)(b >> (wb.scale - 16)) & ~low);
 }
-// Bytes that were cut down as if cut towards 0, as none of them was whole, and centred at 128.
+// Floored bytes as if truncated towards 0, as none of them was whole, and centred at 128.
 template <int N>
 ZIV_INLINE U8<N> truncate_towards_0(U8<N> bytes) {
     return (bytes + (bytes >> 7)) ^ 128;
@@ -229,8 +231,8 @@ ZIV_INLINE U8<64> truncate_luma<64>(S32<64> a, S32<64> b, S32<64> c, S32<64> d, 
 // Stores the luma of N pixels and, on request, first and second of the even columns, as luma_f32 and chroma_pairs_f32 give
 // them, and returns what it left because a sum is too near to a whole number.
 template <int N, int red, bool has_chroma>
-ZIV_INLINE Undecided store_approximated(uint8_t* luma, uint8_t* chroma, const PixelVectors<N>& v, ApproximateWeights w, ApproximateWeights first,
-                           ApproximateWeights second) {
+ZIV_INLINE Undecided store_approximated(uint8_t* luma, uint8_t* chroma, const PixelVectors<N>& v, ApproximateWeights w,
+                                        ApproximateWeights first, ApproximateWeights second) {
     const U8<N> q0 = repeat_green(v.q[0]), q1 = repeat_green(v.q[1]), q2 = repeat_green(v.q[2]), q3 = repeat_green(v.q[3]);
     const S32<N> y0 = approximate_sums<N, red>(q0, w), y1 = approximate_sums<N, red>(q1, w);
     const S32<N> y2 = approximate_sums<N, red>(q2, w), y3 = approximate_sums<N, red>(q3, w);
@@ -243,9 +245,9 @@ ZIV_INLINE Undecided store_approximated(uint8_t* luma, uint8_t* chroma, const Pi
         const S32<N> first_lo = approximate_sums<N, red>(lo, first), second_lo = approximate_sums<N, red>(lo, second);
         const S32<N> first_hi = approximate_sums<N, red>(hi, first), second_hi = approximate_sums<N, red>(hi, second);
         far.add(first_lo, first), far.add(second_lo, second), far.add(first_hi, first), far.add(second_hi, second);
-        const U8<N> cut =
-            pack_signed(truncate_pairs<N>(first_lo, second_lo, first, second), truncate_pairs<N>(first_hi, second_hi, first, second));
-        pairs = pairs_in_order<false>(ChromaPairs<N, 4>{truncate_towards_0<N>(cut)});
+        const U8<N> floored = pack_signed(truncate_pairs<N>(first_lo, second_lo, first, second),
+                                          truncate_pairs<N>(first_hi, second_hi, first, second));
+        pairs = pairs_in_order<false>(ChromaPairs<N, 4>{truncate_towards_0<N>(floored)});
     }
     if (__builtin_expect(!far.all(), 0)) {
         if (!has_chroma || !luma_far.all()) return Undecided::all;
@@ -271,7 +273,8 @@ ZIV_INLINE S32<N> approximate_sums(U8<N> quads, ApproximateWeights w) {
            ((v >> (16 - 8 * red)) & 0xFF) * (w.low * w.blue_weight);
 }
 template <int N, int red, bool has_chroma>
-ZIV_INLINE Undecided store_approximated(uint8_t*, uint8_t*, const PixelVectors<N>&, ApproximateWeights, ApproximateWeights, ApproximateWeights) {
+ZIV_INLINE Undecided store_approximated(uint8_t*, uint8_t*, const PixelVectors<N>&, ApproximateWeights, ApproximateWeights,
+                                        ApproximateWeights) {
     return Undecided::all;
 }
 #endif

@@ -26,7 +26,7 @@ ZIV_INLINE Pixel load_pixel(const uint8_t* p) {
     return {p[in.red], p[1], p[in.blue]};
 }
 
-// The pixels of C columns. What stands a few steps ahead, in this row or most likely in the next one, is asked for.
+// The pixels of C columns. What stands a few steps ahead, in this row or most likely in the next one, is prefetched.
 template <PixelLayout in, int C>
 ZIV_INLINE auto load_columns(const uint8_t* src) {
     const auto pixels = load_pixels<C, in.bytes>(src);
@@ -39,7 +39,7 @@ enum class PairOrder { uv, vu };
 template <PixelLayout in, PairOrder order>
 inline constexpr bool c2_first = (in.red == 0) == (order == PairOrder::uv);
 
-// Luma of scale 64, cut: (19 R + 38 G + 7 B) >> 6. Chroma is the difference times a weight, cut by a shift. B - Y runs from
+// Luma of scale 64, truncated: (19 R + 38 G + 7 B) >> 6. Chroma is the difference times a weight, shifted. B - Y runs from
 // -227 to 228 and R - Y from -179 to 180, so that everything fits 16 bits. With blue_of_first_8 the vector form takes the blue
 // of columns 8 to 15 of every 16 for their luma from columns 0 to 7.
 template <int weight_u, int shift_u, int weight_v, int shift_v, bool blue_of_first_8 = false>

@@ -4,6 +4,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
+namespace {
+
 // Where the four bytes of a pair of pixels stand.
 struct PackedLayout {
     int y0, u, v;
@@ -36,6 +38,8 @@ int32_t rgb_to_packed422(const Image* srcImg, const Image* dstImg, uint32_t sour
     }
     return zivStatus_OK;
 }
+
+}  // namespace
 
 int32_t zivColorRGBA8888toYUYVu8(const Image* srcImg, const Image* dstImg) {
     return rgb_to_packed422<ShortSet, rgba8888, yuyv>(srcImg, dstImg, zivPixFmt_RGBA8888, zivPixFmt_YUYV);

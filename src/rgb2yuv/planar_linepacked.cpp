@@ -32,6 +32,8 @@ int32_t zivColorRGB888toYV24u8(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
+namespace {
+
 // The tail takes pairs of pixels: an odd width reads the pixel past the row and writes its luma past the row.
 template <PixelLayout in>
 int32_t rgb_to_planar422(const Image* srcImg, const Image* dstImg, uint32_t source, const Image* width_of) {
@@ -61,6 +63,8 @@ int32_t rgb_to_planar422(const Image* srcImg, const Image* dstImg, uint32_t sour
     return zivStatus_OK;
 }
 
+}  // namespace
+
 int32_t zivColorRGB888toI422Hu8(const Image* srcImg, const Image* dstImg) {
     return rgb_to_planar422<rgb888>(srcImg, dstImg, zivPixFmt_RGB888, dstImg);
 }
@@ -69,6 +73,8 @@ int32_t zivColorRGB888toI422Hu8(const Image* srcImg, const Image* dstImg) {
 int32_t zivColorBGR888toI422Hu8(const Image* srcImg, const Image* dstImg) {
     return rgb_to_planar422<bgr888>(srcImg, dstImg, zivPixFmt_BGR888, srcImg);
 }
+
+namespace {
 
 // One row to luma and pairs U, V. An odd width writes a whole pair for its last column.
 template <class Set, PixelLayout in>
@@ -89,6 +95,8 @@ ZIV_INLINE void convert_line_packed_row(const uint8_t* src, uint8_t* luma, uint8
         chroma[j + 1] = static_cast<uint8_t>(Set::v(p));
     }
 }
+
+}  // namespace
 
 // Both sizes are those of the source. No pitch is read: each pointer runs on from where the row before left it.
 int32_t zivColorBGRA8888toLPI422Hu8(const Image* srcImg, const Image* dstImg) {

@@ -5,6 +5,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
+namespace {
+
 inline constexpr FloatWeights weights_y{0.299f, 0.587f, 0.114f};
 inline constexpr FloatWeights weights_u{-0.1678f, -0.3313f, 0.5f}, weights_v{0.5f, -0.4187f, -0.0813f};
 
@@ -81,13 +83,13 @@ struct FourColours {
           g((S32<16>)((U32<16>)pixels >> 16) & 0xFF),
           b((S32<16>)((U32<16>)pixels >> (8 * in.blue + 8)) & 0xFF) {}
 };
-// Luma is the binary64 sum rounded to binary32, then cut: it lies on a whole number where the exact sum does, and so is the
-// exact sum cut, to which no near sum adds enough to tell.
+// Luma is the binary64 sum rounded to binary32, then truncated: it lies on a whole number where the exact sum does, and so is
+// the exact sum truncated, to which no approximate sum adds enough to tell.
 template <PixelLayout in>
 ZIV_INLINE S32<16> tail_luma(U8<16> pixels) {
     return approximate_sums<16, in.red>(repeat_green((U8<16>)((U32<16>)pixels >> 8)), approximate_y) >> approximate_y.scale;
 }
-// V below U, in 16 bits: binary64 sums that are cut as they are.
+// V below U, in 16 bits: binary64 sums that are truncated as they are.
 template <PixelLayout in>
 ZIV_INLINE S32<16> tail_chroma(U8<16> pixels) {
     const FourColours<in> c(pixels);
@@ -152,6 +154,8 @@ int32_t rgb_to_nv21_by_float(const Image* srcImg, const Image* dstImg, uint32_t 
     }
     return zivStatus_OK;
 }
+
+}  // namespace
 
 int32_t zivColorBGRA8888toNV21u8(const Image* srcImg, const Image* dstImg) {
     return rgb_to_nv21_by_float<bgra8888>(srcImg, dstImg, zivPixFmt_BGRA8888);

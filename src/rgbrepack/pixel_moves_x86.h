@@ -80,7 +80,7 @@ template <int high, int low, int first>
 ZIV_INLINE __m128i mask_565() {
     return bytes128([](int n) { return n % 4 == 3 ? 0x80 : first + n / 4 * 3 + (n % 4 == 0 ? low : n % 4 == 1 ? 1 : high); });
 }
-// Those lanes, cut to 5, 6 and 5 bits, to words: 8 times a word is low + 64 middle + 2048 high.
+// Those lanes, truncated to 5, 6 and 5 bits, to words: 8 times a word is low + 64 middle + 2048 high.
 ZIV_INLINE __m128i words_565(__m128i lanes0, __m128i lanes1) {
     const __m128i kept = _mm_set1_epi32(0x00F8FCF8), bytes = _mm_set1_epi32(0x00404001), words = _mm_set1_epi32(0x00200001);
     lanes0 = _mm_madd_epi16(_mm_maddubs_epi16(_mm_and_si128(lanes0, kept), bytes), words);

@@ -6,6 +6,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::rgbrepack {
 
+namespace {
+
 // Calls row(source, destination, pixels) for every row of the destination; rows that follow each other without a gap on both
 // sides are one run of pixels. in and out are the bytes of a pixel.
 template <int in, int out, class Row>
@@ -53,6 +55,8 @@ ZIV_INLINE void swap_row(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) {
     }
 }
 
+}  // namespace
+
 int32_t zivColorRGB888toBGR888u8_2(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_sizes(srcImg, dstImg, destination_1x1)) return status;
     for_rows<3, 3>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) { swap_row(src, dst, pixels); });
@@ -86,6 +90,8 @@ int32_t zivColorRGBA8888toBGR888u8(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
+namespace {
+
 // r and b are the places of the two channels in a source pixel.
 template <int r, int b>
 ZIV_INLINE int32_t to_argb(const Image* srcImg, const Image* dstImg, uint32_t source) {
@@ -103,6 +109,8 @@ ZIV_INLINE int32_t to_argb(const Image* srcImg, const Image* dstImg, uint32_t so
     return zivStatus_OK;
 }
 
+}  // namespace
+
 int32_t zivColorBGR888toARGB8888u8(const Image* srcImg, const Image* dstImg) {
     return to_argb<2, 0>(srcImg, dstImg, zivPixFmt_BGR888);
 }
@@ -112,6 +120,8 @@ int32_t zivColorRGB888toARGB8888u8(const Image* srcImg, const Image* dstImg) {
 }
 
 // ---- 16-bit words: the top 5, 6 and 5 bits of the channels, the rest dropped ----
+
+namespace {
 
 // high and low are the places in a source pixel of the channels that go to the word's high and low end.
 template <int high, int low>
@@ -130,6 +140,8 @@ ZIV_INLINE int32_t to_565(const Image* srcImg, const Image* dstImg, uint32_t sou
     });
     return zivStatus_OK;
 }
+
+}  // namespace
 
 int32_t zivColorRGB888toBGR565u8(const Image* srcImg, const Image* dstImg) {
     return to_565<2, 0>(srcImg, dstImg, zivPixFmt_RGB888, zivPixFmt_BGR565);

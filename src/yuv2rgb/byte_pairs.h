@@ -5,7 +5,7 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
-// Whether the target does well by the terms of this group.
+// Whether the target does well by them.
 inline constexpr bool terms_by_bytes = ZIV_HAS_AVX512_VBMI;
 
 // The signed bytes a, b of N / 2 pairs as 16-bit lanes, in an order that is the target's own, and products of these.

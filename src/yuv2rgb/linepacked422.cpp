@@ -3,6 +3,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
+namespace {
+
 // One row; an odd last column stays unwritten.
 template <Rgb order>
 ZIV_INLINE void convert_linepacked_row(const uint8_t* luma, PairedChroma<PairOrder::uv> chroma, uint8_t* dst, ptrdiff_t width,
@@ -16,6 +18,8 @@ ZIV_INLINE void convert_linepacked_row(const uint8_t* luma, PairedChroma<PairOrd
         store_clamped<order>(dst + 4 * (j + 1), luma1 + d, alpha);
     }
 }
+
+}  // namespace
 
 // Reads no pitch: every row starts where the one before it ended, on all planes, so that the image is one long row. With an odd
 // width a row ends one column early.

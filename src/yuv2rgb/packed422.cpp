@@ -5,6 +5,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
+namespace {
+
 template <class Set, Rgb order, int N>
 ZIV_INLINE void convert_packed(const uint8_t* src, uint8_t* dst, uint8_t alpha) {
     prefetch_writes<pixel_bytes<order> * N>(dst);
@@ -65,6 +67,8 @@ ZIV_INLINE int32_t yuyv_to_rgb(const Image* srcImg, const Image* dstImg, uint32_
 }
 
 ZIV_INLINE int at_most_255(int value) { return value > 255 ? 255 : value; }
+
+}  // namespace
 
 // The tail stores red first and blue last, without a lower limit; each loses its upper limit where the other is negative.
 int32_t zivColorYUYVtoBGR888u8(const Image* srcImg, const Image* dstImg) {

@@ -51,13 +51,13 @@ ZIV_INLINE S16<64> swap_lanes<64>(S16<64> v) {
 // ---- Terms ----
 
 template <int N>
-requires packed_by_words ZIV_INLINE PackedWords<N> load_packed_words(const uint8_t* p) {
+ZIV_INLINE PackedWords<N> load_packed_words(const uint8_t* p) {
     return split_packed_words<N>(halves_in_parts((S16<N>)load<N>(p)));
 }
 
-// In a part: the channels of u and v in turn for eight pixels in their order, then green and alpha in turn, then both.
+// In a part: the channels of u and v interleaved for eight pixels in their order, then green and alpha, then both.
 template <int N, int u_byte>
-requires packed_by_words ZIV_INLINE void store_packed_sums(uint8_t* p, const PackedSums<N> (&sums)[2], U8<N> alpha) {
+ZIV_INLINE void store_packed_sums(uint8_t* p, const PackedSums<N> (&sums)[2], U8<N> alpha) {
     // Narrowed, the straight lanes' bytes come before the crossed ones': byte 2 i + 0 of pixel i is of u or of v.
     const __m128i by_pixel = bytes128([](int n) {
         const int pixel = n / 2, of_v = n % 2 != u_byte / 2, pair = pixel / 2;

@@ -150,7 +150,7 @@ ZIV_INLINE void store_pixels<32>(uint8_t* p, PackedLuma<32> luma, const PixelTer
 }
 
 // Four channels: vector k holds pixels 8 k to 8 k + 7, four in each half, and is stored whole, as halves cost as much. So the
-// two pairs of four pixels stay together and go to the halves by turns, and luma stands in both halves.
+// two pairs of four pixels stay together and go to the two halves alternately, and luma stands in both halves.
 ZIV_INLINE __m256i load_twice(const uint8_t* p) { return both_halves(load128(p)); }
 template <>
 ZIV_INLINE U8<32> arrange_pairs<32, 4>(U8<32> pairs) {

@@ -5,6 +5,8 @@ namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 // ---- I420: blocks of 16 columns, then column pairs. An odd last row or column stays unwritten. ----
 
+namespace {
+
 ZIV_INLINE PlanarChroma i420_chroma_at(const Image* srcImg, ptrdiff_t row) {
     return {row_at_wrapped(srcImg->plane[1], row, srcImg->pitch[1]), row_at_wrapped(srcImg->plane[2], row, srcImg->pitch[2])};
 }
@@ -21,6 +23,8 @@ ZIV_INLINE int32_t i420_to_rgb(const Image* srcImg, const Image* dstImg, uint32_
     });
     return zivStatus_OK;
 }
+
+}  // namespace
 
 int32_t zivColorI420toRGB888u8(const Image* srcImg, const Image* dstImg) {
     return i420_to_rgb<Rgb::rgb>(srcImg, dstImg, zivPixFmt_RGB888, 0);
@@ -51,9 +55,13 @@ int32_t zivColorI420toBGR888u8(const Image* srcImg, const Image* dstImg) {
 
 // ---- YV12: blocks of 16 columns, then single columns ----
 
+namespace {
+
 ZIV_INLINE PlanarChroma yv12_chroma_at(const Image* srcImg, ptrdiff_t row) {
     return {row_at(srcImg->plane[2], row, srcImg->pitch[2]), row_at(srcImg->plane[1], row, srcImg->pitch[1])};
 }
+
+}  // namespace
 
 // Two rows a pass where there are two, and where the destination's do not overlap: of those that do the lower one stays. The
 // tail never reads V: red is luma, and green lacks the share of V.

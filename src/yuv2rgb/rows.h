@@ -82,7 +82,7 @@ ZIV_INLINE void store_clamped(uint8_t* p, Colour colour, uint8_t alpha) {
 }
 
 // What some tails do in place of a clamp: red and blue take their lower test from each other, and a value that passes both
-// tests is cut to 8 bits.
+// tests is truncated to 8 bits.
 ZIV_INLINE uint8_t clamp_crossed(int value, int other) {
     return static_cast<uint8_t>(other < 0 ? 0 : value > 255 ? 255 : value);
 }
@@ -117,7 +117,7 @@ ZIV_INLINE RowPair row_pair_at(const Image* srcImg, const Image* dstImg, ptrdiff
 struct StepOrder {};
 struct HalfBlockOrder {};
 
-// Calls convert(order, rows, row of chroma) for all pairs of rows. The order shows where destination rows lie over each other,
+// Calls convert(order, rows, row of chroma) for all pairs of rows. The order shows where destination rows overlap,
 // as their pitch is less than a row.
 template <class Convert>
 [[gnu::noinline, gnu::cold]] static void for_overlapping_row_pairs(const Image* srcImg, const Image* dstImg, Convert convert) {

@@ -4,6 +4,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
+namespace {
+
 template <PairOrder order>
 int32_t semiplanar_to_bgr(const Image* srcImg, const Image* dstImg, uint32_t source) {
     if (const int32_t status = check(srcImg, dstImg, source, zivPixFmt_BGR888, both_2x2)) return status;
@@ -15,6 +17,8 @@ int32_t semiplanar_to_bgr(const Image* srcImg, const Image* dstImg, uint32_t sou
     });
     return zivStatus_OK;
 }
+
+}  // namespace
 
 int32_t zivColorNV12toBGR888u8(const Image* srcImg, const Image* dstImg) {
     return semiplanar_to_bgr<PairOrder::uv>(srcImg, dstImg, zivPixFmt_NV12);

@@ -25,6 +25,8 @@ int32_t zivColorNV21toRGBA8888u8(const Image* srcImg, const Image* dstImg, uint8
     return zivStatus_OK;
 }
 
+namespace {
+
 // The tail stops one pair early and takes the luma of its second column from the other row.
 template <Rgb order, class StorePixel>
 ZIV_INLINE int32_t nv12_to_rgb32(const Image* srcImg, const Image* dstImg, uint32_t destination, uint8_t alpha,
@@ -41,6 +43,8 @@ ZIV_INLINE int32_t nv12_to_rgb32(const Image* srcImg, const Image* dstImg, uint3
     });
     return zivStatus_OK;
 }
+
+}  // namespace
 
 int32_t zivColorNV12toRGBA8888u8(const Image* srcImg, const Image* dstImg, uint8_t alpha) {
     return nv12_to_rgb32<Rgb::rgba>(srcImg, dstImg, zivPixFmt_RGBA8888, alpha,

@@ -1,11 +1,13 @@
-// From planar 4:4:4, and between packed Y U V and NV21. Downward the chroma of the even columns, and of the even rows, stays;
-// upward it is repeated.
+// From planar 4:4:4, and between packed Y U V and NV21. Subsampling keeps the chroma of the even columns and of the even rows;
+// upsampling repeats it.
 #include "yuvrepack/packed444.h"
 #include "yuvrepack/rows.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
 
 // ---- Planar 4:4:4 ----
+
+namespace {
 
 ZIV_INLINE int32_t check_planar444(const Image* srcImg, const Image* dstImg, uint32_t destination) {
     return check(srcImg, dstImg, zivPixFmt_I444, destination, destination_2x2_source_height_2);
@@ -37,6 +39,8 @@ ZIV_INLINE int32_t convert_444_to_420(const Image* srcImg, const Image* dstImg, 
     });
     return zivStatus_OK;
 }
+
+}  // namespace
 
 int32_t zivColorI444toI420u8(const Image* srcImg, const Image* dstImg) {
     return convert_444_to_420(srcImg, dstImg, zivPixFmt_I420,
@@ -80,6 +84,8 @@ int32_t zivColorI444toLPI422Hu8(const Image* srcImg, const Image* dstImg) {
 
 // ---- Packed Y U V: two rows a pass, block by block over both; odd sizes are rounded up to whole pairs. ----
 
+namespace {
+
 // Columns j to j + count - 1, of the last one luma alone.
 template <int count>
 ZIV_INLINE void unpack_columns(const uint8_t* src0, const uint8_t* src1, uint8_t* luma0, uint8_t* luma1, uint8_t* chroma,
@@ -94,6 +100,8 @@ ZIV_INLINE void unpack_columns(const uint8_t* src0, const uint8_t* src1, uint8_t
     __builtin_memcpy(luma1 + j, lower, count);
     __builtin_memcpy(chroma + j, pairs, count);
 }
+
+}  // namespace
 
 // Blocks of 8 columns read their pixels whole; the tail ends with the luma of its second column.
 int32_t zivColorYUVtoNV21u8(const Image* srcImg, const Image* dstImg) {
@@ -124,6 +132,8 @@ int32_t zivColorYUVtoNV21u8(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
+namespace {
+
 template <int count>
 ZIV_INLINE void pack_columns(const uint8_t* luma0, const uint8_t* luma1, const uint8_t* chroma, uint8_t* dst0, uint8_t* dst1,
                              ptrdiff_t j) {
@@ -137,6 +147,8 @@ ZIV_INLINE void pack_columns(const uint8_t* luma0, const uint8_t* luma1, const u
     __builtin_memcpy(dst0 + 3 * j, upper, 3 * count);
     __builtin_memcpy(dst1 + 3 * j, lower, 3 * count);
 }
+
+}  // namespace
 
 int32_t zivColorNV21toYUVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_YUV, both_2x2)) return status;

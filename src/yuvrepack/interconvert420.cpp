@@ -3,6 +3,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
 
+namespace {
+
 // Whether the rows of the chroma follow each other without a gap.
 ZIV_INLINE bool chroma_is_tight(const Image* img, ptrdiff_t columns) {
     if (img->format == zivPixFmt_I420) return img->pitch[1] == columns >> 1 && img->pitch[2] == columns >> 1;
@@ -21,6 +23,8 @@ ZIV_INLINE void convert_row_pairs(const Image* srcImg, const Image* dstImg, Chro
         for (ptrdiff_t i = 0; i < rows; i++) chroma_row(i, columns >> 1);
     }
 }
+
+}  // namespace
 
 int32_t zivColorI420toNV21u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_I420, zivPixFmt_NV21, both_2x2)) return status;

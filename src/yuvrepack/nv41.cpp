@@ -1,10 +1,13 @@
-// NV21 from and to NV41, whose chroma is quartered in both directions. Sizes are the source's. Upward the second generation may
-// have the same memory as source and destination; downward the tail's U reads the start of a row again after it was written.
+// NV21 from and to NV41, whose chroma is quartered in both directions. Sizes are the source's. Where it upsamples the second
+// generation may have the same memory as source and destination; where it subsamples the tail's U reads the start of a row
+// again after it was written.
 #include "core/kernel.h"
 #include "parallel/memory.h"
 #include "yuvrepack/square_means.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
+
+namespace {
 
 // One block, luma pitch of the destination by height, unless the images share their luma.
 ZIV_INLINE void copy_luma(const Image* srcImg, const Image* dstImg) {
@@ -55,12 +58,16 @@ int32_t nv21_to_nv41(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
+}  // namespace
+
 int32_t zivColorNV21toNV41(const Image* srcImg, const Image* dstImg) { return nv21_to_nv41<Unused::kept>(srcImg, dstImg); }
 
 // Clears the rest of every row, and the half of a chroma plane of NV21's size that NV41 leaves over.
 int32_t zivColorNV21toNV41_2(const Image* srcImg, const Image* dstImg) { return nv21_to_nv41<Unused::cleared>(srcImg, dstImg); }
 
 // ---- Up: each chroma sample becomes four, interpolated to the right and to the row above. ----
+
+namespace {
 
 // (a + b + c + d + 2) >> 2: the mean of the rounded means is one too much where it was rounded up again after one of them was.
 template <int N>
@@ -119,6 +126,8 @@ ZIV_INLINE void spread_row(uint8_t* upper, uint8_t* lower, const uint8_t* row, c
     }
 }
 
+}  // namespace
+
 // From the last row to the first, so that a shared plane is read before it is overwritten; the first row's output, which would
 // fall on its input, goes through a work buffer. That pass is found by its distance from the end, so that with a height that
 // is no multiple of 4 it never comes, and the last passes go on above the plane.
@@ -130,8 +139,8 @@ int32_t zivColorNV41toNV21_2(const Image* srcImg, const Image* dstImg) {
     const ptrdiff_t src_pitch = srcImg->pitch[1], dst_pitch = dstImg->pitch[1];
     const bool wide = wide_steps_allowed(srcImg, dstImg);
 
-    // Two source rows are asked for and copied back. The rows stand at the destination's pitch, so that there is room for what
-    // they reach beyond that on either side too. A negative pitch asks for less than nothing and is refused.
+    // The buffer is for two source rows, which are copied back. The rows stand at the destination's pitch, so that there is
+    // room for what they reach beyond that on either side too. A negative pitch makes its size negative and is refused.
     const ptrdiff_t row_bytes = width > 0 ? (width + 3) & ~ptrdiff_t{3} : 0, copied = 2 * src_pitch;
     const ptrdiff_t before = dst_pitch < 0 ? -dst_pitch : 0, lower_end = (dst_pitch > 0 ? dst_pitch : 0) + row_bytes;
     const ptrdiff_t room = before + (copied > lower_end ? copied : lower_end);
@@ -153,8 +162,8 @@ int32_t zivColorNV41toNV21_2(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
-// The first generation interpolates to the left, goes downward, and has no U side in its tail: it traps there, in the first
-// pass, whose row is its own upper neighbour. Only a source without columns gets past it.
+// The first generation interpolates to the left, goes from the first row to the last, and has no U side in its tail: it traps
+// there, in the first pass, whose row is its own upper neighbour. Only a source without columns gets past it.
 int32_t zivColorNV41toNV21(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV41, zivPixFmt_NV21, destination_2x2_source_height_2))
         return status;

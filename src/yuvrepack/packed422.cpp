@@ -1,5 +1,5 @@
-// Between 4:2:0 and packed Y0 U Y1 V. Upward a chroma row serves two rows; downward the chroma of the even rows stays and that
-// of the odd rows is dropped.
+// Between 4:2:0 and packed Y0 U Y1 V. Upsampling, a chroma row serves two rows; subsampling, the chroma of the even rows
+// stays and that of the odd rows is dropped.
 #include "yuvrepack/rows.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
@@ -90,6 +90,8 @@ int32_t zivColorI420toYUYVu8(const Image* srcImg, const Image* dstImg) {
 
 // ---- Packed to semi-planar 4:2:0 ----
 
+namespace {
+
 // Luma and pairs V U of one row.
 [[gnu::noinline]] inline void unpack_row_vu(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     ptrdiff_t j = move_row<2>(
@@ -125,6 +127,8 @@ ZIV_INLINE int32_t unpack(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
+}  // namespace
+
 int32_t zivColorYUYVtoNV21u8_v2(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_sizes(srcImg, dstImg, destination_2x2)) return status;
     return unpack<PairOrder::vu>(srcImg, dstImg);
@@ -135,6 +139,8 @@ int32_t zivColorYUYVtoNV12u8_v2(const Image* srcImg, const Image* dstImg) {
     return unpack<PairOrder::uv>(srcImg, dstImg);
 }
 
+namespace {
+
 // Tight buffers; the pointers run on from row to row by the columns walked.
 template <PairOrder order>
 ZIV_INLINE void unpack_tight(const uint8_t* src, uint8_t* dst, ptrdiff_t area, ptrdiff_t columns, ptrdiff_t height) {
@@ -144,6 +150,8 @@ ZIV_INLINE void unpack_tight(const uint8_t* src, uint8_t* dst, ptrdiff_t area, p
         if (!(i & 1)) chroma += columns;
     }
 }
+
+}  // namespace
 
 // Walks whole pairs: with an odd width each row starts a column further.
 int32_t zivColorYUYVtoNV21u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth, int32_t lHeight) {
@@ -162,6 +170,8 @@ int32_t zivColorYUYVtoNV12u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth,
 }
 
 // ---- Packed to planar 4:2:0 ----
+
+namespace {
 
 // Luma and both planes of chroma of one row.
 [[gnu::noinline]] inline void unpack_row_planar(const uint8_t* src, uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t pairs) {
@@ -205,6 +215,8 @@ ZIV_INLINE void unpack_step(const uint8_t* src0, const uint8_t* src1, uint8_t* l
     for (int k = 0; k < count; k++) u[j + k] = upper[4 * k + 1];
     for (int k = 0; k < count; k++) v[j + k] = upper[4 * k + 3];
 }
+
+}  // namespace
 
 // Two rows a pass; the lower row of luma lands one width, not one pitch, below the upper. Blocks of 16 columns leave 1 to 16
 // columns, and the tail takes a step of a whole pair for each of them: both rows run as many columns past their end.

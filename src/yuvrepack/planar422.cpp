@@ -4,6 +4,8 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
 
+namespace {
+
 ZIV_INLINE int32_t check_planar422(const Image* srcImg, const Image* dstImg, uint32_t source, uint32_t destination) {
     return check(srcImg, dstImg, source, destination, destination_2x2_source_height_2);
 }
@@ -16,9 +18,11 @@ ZIV_INLINE void copy_luma_by_row_pairs(const Image* srcImg, const Image* dstImg,
     copy_row_pairs<16>(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], columns, rows);
 }
 
-ZIV_INLINE bool chroma_is_tight(const Image* srcImg, ptrdiff_t pairs) {
+ZIV_INLINE bool planar_chroma_is_tight(const Image* srcImg, ptrdiff_t pairs) {
     return srcImg->pitch[1] == pairs && srcImg->pitch[2] == pairs;
 }
+
+}  // namespace
 
 // ---- I422H: every plane at its pitch. An odd last column stays unwritten. ----
 
@@ -33,6 +37,8 @@ int32_t zivColorI422HtoI420u8(const Image* srcImg, const Image* dstImg) {
     return zivStatus_OK;
 }
 
+namespace {
+
 // dst_chroma_pitch is the distance between the chroma of two even rows.
 template <PairOrder order>
 ZIV_INLINE void i422h_to_semiplanar420(const Image* srcImg, const Image* dstImg, ptrdiff_t dst_chroma_pitch) {
@@ -43,6 +49,8 @@ ZIV_INLINE void i422h_to_semiplanar420(const Image* srcImg, const Image* dstImg,
         interleave_row(plane_row(srcImg, first, i), plane_row(srcImg, second, i),
                        dstImg->plane[1] + (i >> 1) * dst_chroma_pitch, pairs);
 }
+
+}  // namespace
 
 // Steps the destination's chroma by its luma pitch.
 int32_t zivColorI422HtoNV21u8(const Image* srcImg, const Image* dstImg) {
@@ -62,7 +70,7 @@ int32_t zivColorI422HtoYUYVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_YUYV)) return status;
     ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
     // A tight image is one long row.
-    if (chroma_is_tight(srcImg, pairs) && srcImg->pitch[0] == 2 * pairs && dstImg->pitch[0] == 4 * pairs)
+    if (planar_chroma_is_tight(srcImg, pairs) && srcImg->pitch[0] == 2 * pairs && dstImg->pitch[0] == 4 * pairs)
         pairs *= height, height = 1;
     for (ptrdiff_t i = 0; i < height; i++)
         yuyv_row(plane_row(srcImg, 0, i), plane_row(srcImg, 1, i), plane_row(srcImg, 2, i), plane_row(dstImg, 0, i), pairs);
@@ -73,7 +81,7 @@ int32_t zivColorI422HtoLPI422Hu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_LPI422H)) return status;
     ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
     copy_luma(srcImg, dstImg, 2 * pairs, height);
-    if (chroma_is_tight(srcImg, pairs) && dstImg->pitch[1] == 2 * pairs) pairs *= height, height = 1;
+    if (planar_chroma_is_tight(srcImg, pairs) && dstImg->pitch[1] == 2 * pairs) pairs *= height, height = 1;
     for (ptrdiff_t i = 0; i < height; i++)
         interleave_row(plane_row(srcImg, 1, i), plane_row(srcImg, 2, i), plane_row(dstImg, 1, i), pairs);
     return zivStatus_OK;
@@ -82,6 +90,8 @@ int32_t zivColorI422HtoLPI422Hu8(const Image* srcImg, const Image* dstImg) {
 // ---- I422V: two rows share one row of each chroma plane; these rows follow one another without gaps. The chroma of odd
 // columns
 //      is dropped, and an odd last row stays unwritten. ----
+
+namespace {
 
 // With an odd width it covers one column past the row, in both rows: what the upper row writes there may be the lower row's
 // first sample, so that the tail goes column by column over both.
@@ -108,6 +118,8 @@ ZIV_INLINE void i422v_to_i420_odd_width(const Image* srcImg, const Image* dstImg
         u += columns, v += columns, dst_u += columns >> 1, dst_v += columns >> 1;
     }
 }
+
+}  // namespace
 
 int32_t zivColorI422VtoI420u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422V, zivPixFmt_I420)) return status;

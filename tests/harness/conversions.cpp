@@ -5,6 +5,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "core/layout_list.h"
+
 namespace harness {
 
 using zivcolor::Image;
@@ -36,73 +38,32 @@ const Conversion& conversion(const std::string& name) {
     throw std::invalid_argument("no conversion " + name);
 }
 
-int plane_count(uint32_t format) {
-    switch (format >> 8) {
-        case 6: return 3;
-        case 8: return 2;
-        default: return 1;
-    }
+namespace {
+
+const zivcolor::Layout& layout(uint32_t format) {
+    const zivcolor::Layout* found = zivcolor::layout_of(format);
+    if (!found) throw std::invalid_argument("unknown format");
+    return *found;
 }
 
-int tight_pitch(uint32_t format, int plane, int width) {
-    const int w = std::max(width, 0), even = (w + 1) / 2 * 2;
-    switch (format) {
-        case zivPixFmt_BGR565:
-        case zivPixFmt_RGB565: return 2 * w;
-        case zivPixFmt_BGR888:
-        case zivPixFmt_RGB888:
-        case zivPixFmt_YUV: return 3 * w;
-        case zivPixFmt_BGRA8888:
-        case zivPixFmt_ARGB8888:
-        case zivPixFmt_RGBA8888: return 4 * w;
-        case zivPixFmt_YUYV:
-        case zivPixFmt_YVYU:
-        case zivPixFmt_UYVY:
-        case zivPixFmt_VYUY: return 2 * even;
-        case zivPixFmt_I420:
-        case zivPixFmt_YV12:
-        case zivPixFmt_I422H: return plane == 0 ? w : even / 2;
-        case zivPixFmt_I422V:
-        case zivPixFmt_I444:
-        case zivPixFmt_YV24: return w;
-        case zivPixFmt_NV12:
-        case zivPixFmt_NV21:
-        case zivPixFmt_LPI422H: return plane == 0 ? w : even;
-        case zivPixFmt_NV41: return plane == 0 ? w : (w + 3) / 4 * 2;
-        default: throw std::invalid_argument("unknown format");
-    }
-}
+}  // namespace
 
-int plane_rows(uint32_t format, int plane, int height) {
-    const int h = std::max(height, 0);
-    if (plane == 0) return h;
-    switch (format) {
-        case zivPixFmt_I420:
-        case zivPixFmt_YV12:
-        case zivPixFmt_I422V:
-        case zivPixFmt_NV12:
-        case zivPixFmt_NV21: return (h + 1) / 2;
-        case zivPixFmt_NV41: return (h + 3) / 4;
-        default: return h;
-    }
-}
+int plane_count(uint32_t format) { return layout(format).planes; }
+int tight_pitch(uint32_t format, int plane, int width) { return layout(format).row_bytes(plane, std::max(width, 0)); }
+int plane_rows(uint32_t format, int plane, int height) { return layout(format).rows(plane, std::max(height, 0)); }
 
 const char* format_name(uint32_t format) {
-    struct Named {
-        uint32_t format;
-        const char* name;
-    };
-#define NAMED(layout) \
-    { zivPixFmt_##layout, #layout }
-    static constexpr Named all[] = {NAMED(BGR565),   NAMED(RGB565),   NAMED(BGR888), NAMED(RGB888), NAMED(BGRA8888),
-                                    NAMED(ARGB8888), NAMED(RGBA8888), NAMED(YUV),    NAMED(YUYV),   NAMED(YVYU),
-                                    NAMED(UYVY),     NAMED(VYUY),     NAMED(I420),   NAMED(I422V),  NAMED(I422H),
-                                    NAMED(I444),     NAMED(YV12),     NAMED(YV24),   NAMED(NV12),   NAMED(NV21),
-                                    NAMED(LPI422H),  NAMED(NV41)};
-#undef NAMED
-    for (const Named& row : all)
-        if (row.format == format) return row.name;
-    return "unknown";
+    const zivcolor::Layout* found = zivcolor::layout_of(format);
+    return found ? found->name : "unknown";
+}
+
+const std::vector<uint32_t>& codes() {
+    static const std::vector<uint32_t> all = [] {
+        std::vector<uint32_t> formats;
+        for (const zivcolor::Layout& one : zivcolor::layouts) formats.push_back(one.format);
+        return formats;
+    }();
+    return all;
 }
 
 ImagePair tight(const Conversion& c, int width, int height) {

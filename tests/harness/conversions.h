@@ -32,6 +32,9 @@ int plane_rows(uint32_t format, int plane, int height);
 
 const char* format_name(uint32_t format);
 
+// The codes of all layouts.
+const std::vector<uint32_t>& codes();
+
 // One conversion's sizes and pitches.
 struct ImagePair {
     int32_t source_width, source_height, destination_width, destination_height;

@@ -8,7 +8,7 @@ namespace reference {
 
 namespace {
 
-// 65536 / i, cut.
+// 65536 / i, truncated.
 int32_t reciprocal(int32_t i) { return i < 2 ? 65535 : 65536 / i; }
 
 int clamp_byte(int64_t value) { return value < 0 ? 0 : value > 255 ? 255 : static_cast<int>(value); }

@@ -1,0 +1,43 @@
+// How the library's own code reaches a kernel: by the table of the best target that runs here. It never goes by an exported
+// name, where an application's function of that name could stand in for the library's.
+#pragma once
+
+#include "core/targets.h"
+
+#include "built_targets.h"
+
+#if defined(ZIVCOLOR_ONLY_TARGET)
+
+#define ZIVCOLOR_FAMILY(family, FAMILY) ZIVCOLOR_DECLARE_KERNELS(ZIVCOLOR_ONLY_TARGET, family, FAMILY)
+ZIVCOLOR_FAMILIES(ZIVCOLOR_FAMILY)
+#undef ZIVCOLOR_FAMILY
+
+namespace zivcolor {
+
+namespace only_target {
+#define ZIVCOLOR_FAMILY(family, FAMILY) using namespace zivcolor::ZIVCOLOR_ONLY_TARGET::family;
+ZIVCOLOR_FAMILIES(ZIVCOLOR_FAMILY)
+#undef ZIVCOLOR_FAMILY
+}  // namespace only_target
+
+// Known to the compiler, so that it calls the kernels directly.
+inline constexpr KernelTable only_kernels = {
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task) only_target::name,
+#define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) only_target::name,
+    ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION) ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
+#undef ZIVCOLOR_ROUTINE
+#undef ZIVCOLOR_CONVERSION
+};
+constexpr const KernelTable& kernels_here() { return only_kernels; }
+
+}  // namespace zivcolor
+
+#else
+
+namespace zivcolor {
+
+inline const KernelTable& kernels_here() { return chosen_kernels(); }
+
+}  // namespace zivcolor
+
+#endif
