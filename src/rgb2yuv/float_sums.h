@@ -155,11 +155,14 @@ ZIV_INLINE U8<N> chroma_pairs_f32(const PixelVectors<N>& v, FloatWeights first, 
 
 // ---- The same by integers, where they tell ----
 
+// Two forms: has_approximate_sums, where store_approximated does a step, and has_approximate_rows, where store_approximated_row
+// does the blocked columns of a row.
+
 // What store_approximated leaves to binary32.
 enum class Undecided { nothing, chroma, all };
 
 #if ZIV_HAS_SSE4_2
-inline constexpr bool has_approximate_sums = true;
+inline constexpr bool has_approximate_sums = true, has_approximate_rows = false;
 
 // Four-byte pixels with green in byte 3 too, where approximate_sums wants it.
 template <class V>
@@ -259,8 +262,6 @@ ZIV_INLINE Undecided store_approximated(uint8_t* luma, uint8_t* chroma, const Pi
     return Undecided::nothing;
 }
 #else
-inline constexpr bool has_approximate_sums = false;
-
 template <class V>
 ZIV_INLINE V repeat_green(V pixels) {
     return pixels;
@@ -277,6 +278,14 @@ ZIV_INLINE Undecided store_approximated(uint8_t*, uint8_t*, const PixelVectors<N
                                         ApproximateWeights) {
     return Undecided::all;
 }
+inline constexpr bool has_approximate_sums = false;
+#if !ZIV_HAS_ADVANCED_SIMD
+inline constexpr bool has_approximate_rows = false;
+#endif
 #endif
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv
+
+#if ZIV_HAS_ADVANCED_SIMD
+#include "rgb2yuv/float_sums_neon.h"
+#endif

@@ -56,7 +56,14 @@ template <PixelLayout in, bool has_chroma, int N = widest>
 ZIV_INLINE void convert_blocks(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     if constexpr (N > 16)
         if (columns < N) return convert_blocks<in, has_chroma, N / 2>(src, luma, chroma, columns);
-    if constexpr (has_approximate_sums) convert_steps_approximated<in, has_chroma, N>(src, luma, chroma, columns);
+    if constexpr (has_approximate_rows)
+        store_approximated_row<in.red, has_chroma>(
+            luma, chroma, src, columns, [=](ptrdiff_t j, bool y, bool uv) ZIV_INLINE_BODY {
+                if (!uv) convert_columns<N, in, false>(src + 4 * j, luma + j, chroma + j);
+                else if (!y) convert_columns<N, in, true, false>(src + 4 * j, luma + j, chroma + j);
+                else convert_columns<N, in, true>(src + 4 * j, luma + j, chroma + j);
+            });
+    else if constexpr (has_approximate_sums) convert_steps_approximated<in, has_chroma, N>(src, luma, chroma, columns);
     else convert_steps<in, has_chroma, N>(src, luma, chroma, columns);
 }
 
