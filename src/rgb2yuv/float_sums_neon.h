@@ -38,7 +38,7 @@ ZIV_INLINE ApproximateLuma approximate_luma(uint8x16_t r, uint8x16_t g, uint8x16
     return {vuzp2q_u8(sum0, sum1), vuzp1q_u8(sum0, sum1)};
 }
 
-// A half of `plus` less two products, in 16 bits: the upper byte is the whole part cut down, `fraction` holds 16 fractional
+// A half of `plus` less two products, in 16 bits: the upper byte is the whole part floored, `fraction` holds 16 fractional
 // bits.
 struct ApproximateDifference {
     uint8x16_t sum;
@@ -82,7 +82,7 @@ ZIV_INLINE Told store_approximated(uint8_t* luma, uint8_t* chroma, const uint8_t
     constexpr int most = 22;
     const ApproximateDifference u = approximate_difference<10997, 21712, 10>(even_b, even_r, even_g);
     const ApproximateDifference v = approximate_difference<27440, 5328, 0>(even_r, even_g, even_b);
-    // Cut down to cut towards 0, as none is whole.
+    // Floored to truncated towards 0, as none is whole.
     const uint8x16_t pairs = vtrn2q_u8(v.sum, u.sum);
     vst1q_u8(chroma, veorq_u8(vsraq_n_u8(pairs, pairs, 7), vdupq_n_u8(128)));
     return {y.fraction, vreinterpretq_u8_u16(vcgtq_u16(vminq_u16(u.fraction, v.fraction), vdupq_n_u16(most)))};
