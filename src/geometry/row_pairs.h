@@ -61,13 +61,19 @@ ZIV_INLINE U8<N> reversed(U8<N> v) {
 // Byte x of the source goes to byte bytes - 1 - x of the destination; pairs keep their own order. bytes is even. A vector may
 // go over bytes that are already written, with the same values.
 template <Samples samples>
-[[gnu::noinline]] inline void reverse_row(const uint8_t* src, uint8_t* dst, ptrdiff_t bytes) {
+ZIV_INLINE void reverse_row(const uint8_t* src, uint8_t* dst, ptrdiff_t bytes) {
     constexpr int stride = 4 * widest;
     // The vector at byte j of the destination.
     const auto step = [&](auto size, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = size.value;
         store(dst + j, reversed<samples, N>(load<N>(src + bytes - j - N)));
     };
+    if (bytes >= widest && bytes <= stride) {
+        // From both ends, without a loop.
+        if (bytes > 2 * widest) step(Step<widest>{}, widest), step(Step<widest>{}, bytes - 2 * widest);
+        step(Step<widest>{}, 0);
+        return step(Step<widest>{}, bytes - widest);
+    }
     ptrdiff_t j = 0;
     if constexpr (widest > 16)
         if (bytes >= stride) {
@@ -78,10 +84,7 @@ template <Samples samples>
     for (; j + stride <= bytes; j += stride) {
         const uint8_t* from = src + bytes - j - stride;
         if constexpr (widest > 16)
-            for (int k = 0; k < stride; k += 64) {
-                __builtin_prefetch(from + k - 1024);
-                __builtin_prefetch(dst + j + k + 1024, 1);
-            }
+            for (int k = 0; k < stride; k += 64) __builtin_prefetch(dst + j + k + 1024, 1);
         const FourVectors<widest> in = load_four<widest>(from);
         FourVectors<widest> out;
         for (int k = 0; k < 4; k++) out.v[k] = reversed<samples, widest>(in.v[3 - k]);
@@ -97,6 +100,13 @@ template <Samples samples>
     }
 }
 
+// The same of rows, each a pitch further.
+template <Samples samples>
+[[gnu::noinline]] void reverse_rows(const uint8_t* src, ptrdiff_t src_pitch, uint8_t* dst, ptrdiff_t dst_pitch, ptrdiff_t bytes,
+                                    ptrdiff_t rows) {
+    for (ptrdiff_t i = 0; i < rows; i++) reverse_row<samples>(src + i * src_pitch, dst + i * dst_pitch, bytes);
+}
+
 // One step of 8 or of 2 columns when the order is seen: three loads, then the stores.
 template <int N, bool mirrored>
 ZIV_INLINE void step_in_order(const uint8_t* const (&src)[3], uint8_t* const (&dst)[3], ptrdiff_t j, ptrdiff_t bytes) {
@@ -110,25 +120,30 @@ ZIV_INLINE void step_in_order(const uint8_t* const (&src)[3], uint8_t* const (&d
 }
 
 // Moves passes runs of bytes bytes. blocked: the columns that go in steps of 8 when the order is seen; the rest, up to bytes,
-// goes in steps of 2.
+// goes in steps of 2. Where the order is free, luma goes as one plane where its rows are equally far from each other.
 template <bool mirrored>
 ZIV_INLINE void move_row_pairs(const PlaneRuns& src, const PlaneRuns& dst, ptrdiff_t passes, ptrdiff_t blocked,
                                ptrdiff_t bytes) {
-    const bool free = order_is_free(src, dst, passes, bytes);
+    if (order_is_free(src, dst, passes, bytes)) {
+        const bool one_plane = src.luma.step == 2 * src.to_lower && dst.luma.step == 2 * dst.to_lower;
+        const ptrdiff_t rows = one_plane ? 2 * passes : 2;
+        for (ptrdiff_t i = 0; i < 2 * passes; i += rows) {
+            const uint8_t* from = src.luma.at(i >> 1);
+            uint8_t* to = dst.luma.at(i >> 1);
+            if constexpr (mirrored) reverse_rows<Samples::bytes>(from, src.to_lower, to, dst.to_lower, bytes, rows);
+            else copy_plane(from, src.to_lower, to, dst.to_lower, bytes, rows);
+        }
+        const Runs from = src.chroma, to = dst.chroma;
+        if constexpr (mirrored) reverse_rows<Samples::pairs>(from.first, from.step, to.first, to.step, bytes, passes);
+        else copy_plane(from.first, from.step, to.first, to.step, bytes, passes);
+        return;
+    }
     for (ptrdiff_t pass = 0; pass < passes; pass++) {
         const uint8_t* const from[3] = {src.luma.at(pass), src.luma.at(pass) + src.to_lower, src.chroma.at(pass)};
         uint8_t* const to[3] = {dst.luma.at(pass), dst.luma.at(pass) + dst.to_lower, dst.chroma.at(pass)};
-        if (!free) {
-            ptrdiff_t j = 0;
-            for (; j < blocked; j += 8) step_in_order<8, mirrored>(from, to, j, bytes);
-            for (; j < bytes; j += 2) step_in_order<2, mirrored>(from, to, j, bytes);
-        } else if constexpr (mirrored) {
-            reverse_row<Samples::bytes>(from[0], to[0], bytes);
-            reverse_row<Samples::bytes>(from[1], to[1], bytes);
-            reverse_row<Samples::pairs>(from[2], to[2], bytes);
-        } else {
-            for (int k = 0; k < 3; k++) copy_row(from[k], to[k], bytes);
-        }
+        ptrdiff_t j = 0;
+        for (; j < blocked; j += 8) step_in_order<8, mirrored>(from, to, j, bytes);
+        for (; j < bytes; j += 2) step_in_order<2, mirrored>(from, to, j, bytes);
     }
 }
 

@@ -5,25 +5,46 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
-// Reads and writes exactly count bytes, in ascending order; where the two runs are apart or the same, the first and the last of
-// them perhaps twice.
-[[gnu::noinline]] inline void copy_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) {
+// From this many bytes on a copy is left to the C library, which knows the machine: vectors wider than the target's, and how to
+// overwrite a line without reading it first. Below, its call costs more than it brings.
+inline constexpr ptrdiff_t long_row = ZIV_HAS_ADVANCED_SIMD ? PTRDIFF_MAX : widest > 16 ? 1024 : 128;
+
+// Reads and writes exactly count bytes, in ascending order; where the two runs are apart or the same, in any order and the
+// first and the last of them perhaps twice.
+ZIV_INLINE void copy_one_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) {
     constexpr int stride = 4 * widest;
     ptrdiff_t j = 0;
+    const uintptr_t distance = reinterpret_cast<uintptr_t>(dst) - reinterpret_cast<uintptr_t>(src);
+    const uintptr_t overlap = static_cast<uintptr_t>(count);
+    const bool apart = distance >= overlap && 0 - distance >= overlap;
+    if (count >= long_row && apart) {
+        __builtin_memcpy(dst, src, overlap);
+        return;
+    }
+    if (count >= widest && count <= stride && (distance == 0 || apart)) {
+        // From both ends, without a loop.
+        const uint8_t* const src_end = src + count;
+        uint8_t* const dst_end = dst + count;
+        const U8<widest> first = load<widest>(src), last = load<widest>(src_end - widest);
+        if (count > 2 * widest) {
+            const U8<widest> second = load<widest>(src + widest), third = load<widest>(src_end - 2 * widest);
+            store(dst + widest, second);
+            store(dst_end - 2 * widest, third);
+        }
+        store(dst, first);
+        store(dst_end - widest, last);
+        return;
+    }
     if constexpr (widest > 16) {
         // A store that crosses a cache line costs the most: a vector over the start, aligned ones from then on, and one over
-        // the end. The lines ahead, in this row or most likely in the next one, are prefetched.
+        // the end. The lines ahead that will be written, in this row or most likely in the next one, are prefetched; those read
+        // need no hint, and behind the row there may be one that is left out.
         constexpr int ahead = 1024;
-        const uintptr_t distance = reinterpret_cast<uintptr_t>(dst) - reinterpret_cast<uintptr_t>(src);
-        const uintptr_t overlap = static_cast<uintptr_t>(count);
-        if (count >= stride && (distance == 0 || (distance >= overlap && 0 - distance >= overlap))) {
+        if (count >= stride && (distance == 0 || apart)) {
             store(dst, load<widest>(src));
             j = widest - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) & (widest - 1));
             for (; j + stride <= count; j += stride) {
-                for (int k = 0; k < stride; k += 64) {
-                    __builtin_prefetch(src + j + k + ahead);
-                    __builtin_prefetch(dst + j + k + ahead, 1);
-                }
+                for (int k = 0; k < stride; k += 64) __builtin_prefetch(dst + j + k + ahead, 1);
                 copy_four<widest>(dst + j, src + j);
             }
             for (; j + widest <= count; j += widest) store(dst + j, load<widest>(src + j));
@@ -36,12 +57,13 @@ namespace zivcolor::ZIVCOLOR_TARGET {
                    [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY { store(dst + j + k, load<step.value>(src + j + k)); });
     for (; j < count; j++) dst[j] = src[j];
 }
+[[gnu::noinline]] inline void copy_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) { copy_one_row(src, dst, count); }
 
 // The same of a plane. Rows that follow each other without a gap on both sides are one run.
-ZIV_INLINE void copy_plane(const uint8_t* src, int32_t src_pitch, uint8_t* dst, int32_t dst_pitch, ptrdiff_t columns,
-                           ptrdiff_t rows) {
+[[gnu::noinline]] inline void copy_plane(const uint8_t* src, ptrdiff_t src_pitch, uint8_t* dst, ptrdiff_t dst_pitch,
+                                         ptrdiff_t columns, ptrdiff_t rows) {
     if (src_pitch == columns && dst_pitch == columns) columns *= rows, rows = 1;
-    for (ptrdiff_t i = 0; i < rows; i++) copy_row(src + i * src_pitch, dst + i * dst_pitch, columns);
+    for (ptrdiff_t i = 0; i < rows; i++) copy_one_row(src + i * src_pitch, dst + i * dst_pitch, columns);
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

@@ -87,6 +87,13 @@ ZIV_INLINE ptrdiff_t move_row(ptrdiff_t count, Lead<most> lead, Load load, Store
         if constexpr (wide > 16) return move_row<1, End, wide / 2>(count, no_lead, load, store...);
         return 0;
     }
+    if (count <= 4 * wide) {
+        // Short rows: what a vector across lines costs is less than what it takes to avoid it.
+        const auto last = load(Step<wide>{}, End{}, count - wide);
+        for (ptrdiff_t j = 0; j + wide < count; j += wide) move_vectors<wide, 1>(j, wide, load, store...);
+        (store(Step<wide>{}, last, count - wide), ...);
+        return count;
+    }
     constexpr int narrow = most < wide ? most : wide;
     const auto last = load(Step<narrow>{}, End{}, count - narrow);
     const ptrdiff_t whole = count - End::short_of_end;

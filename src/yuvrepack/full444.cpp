@@ -45,21 +45,21 @@ ZIV_INLINE int32_t convert_444_to_420(const Image* srcImg, const Image* dstImg, 
 int32_t zivColorI444toI420u8(const Image* srcImg, const Image* dstImg) {
     return convert_444_to_420(srcImg, dstImg, zivPixFmt_I420,
                               [=](const uint8_t* u, const uint8_t* v, ptrdiff_t pair, ptrdiff_t pairs) {
-                                  even_rows(u, v, dstImg->plane[1] + pair, dstImg->plane[2] + pair, pairs);
+                                  even_runs(u, v, dstImg->plane[1] + pair, dstImg->plane[2] + pair, pairs);
                               });
 }
 
 int32_t zivColorI444toNV21u8(const Image* srcImg, const Image* dstImg) {
     return convert_444_to_420(srcImg, dstImg, zivPixFmt_NV21,
                               [=](const uint8_t* u, const uint8_t* v, ptrdiff_t pair, ptrdiff_t pairs) {
-                                  interleave_even_row(v, u, dstImg->plane[1] + 2 * pair, pairs);
+                                  interleave_even_run(v, u, dstImg->plane[1] + 2 * pair, pairs);
                               });
 }
 
 int32_t zivColorI444toNV12u8(const Image* srcImg, const Image* dstImg) {
     return convert_444_to_420(srcImg, dstImg, zivPixFmt_NV12,
                               [=](const uint8_t* u, const uint8_t* v, ptrdiff_t pair, ptrdiff_t pairs) {
-                                  interleave_even_row(u, v, dstImg->plane[1] + 2 * pair, pairs);
+                                  interleave_even_run(u, v, dstImg->plane[1] + 2 * pair, pairs);
                               });
 }
 

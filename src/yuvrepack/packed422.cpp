@@ -93,7 +93,7 @@ int32_t zivColorI420toYUYVu8(const Image* srcImg, const Image* dstImg) {
 namespace {
 
 // Luma and pairs V U of one row.
-[[gnu::noinline]] inline void unpack_row_vu(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
+ZIV_INLINE void unpack_run_vu(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     ptrdiff_t j = move_row<2>(
         columns, lead_of<2, 2>(luma),
         [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
@@ -113,17 +113,19 @@ namespace {
 
 // Row by row; the rows of the chroma plane come from the even ones.
 template <PairOrder order>
-ZIV_INLINE void unpack_row(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns, bool keeps_chroma) {
-    if (!keeps_chroma) even_row(src, luma, columns);
-    else if constexpr (order == PairOrder::vu) unpack_row_vu(src, luma, chroma, columns);
-    else split_row(src, luma, chroma, columns);
+[[gnu::noinline]] void unpack_rows(const uint8_t* src, ptrdiff_t src_pitch, uint8_t* luma, ptrdiff_t luma_pitch,
+                                   uint8_t* chroma, ptrdiff_t chroma_pitch, ptrdiff_t columns, ptrdiff_t height) {
+    for (ptrdiff_t i = 0; i < height; i += 2, src += 2 * src_pitch, luma += 2 * luma_pitch, chroma += chroma_pitch) {
+        if constexpr (order == PairOrder::vu) unpack_run_vu(src, luma, chroma, columns);
+        else split_run(src, luma, chroma, columns);
+        if (i + 1 < height) even_run(src + src_pitch, luma + luma_pitch, columns);
+    }
 }
 
 template <PairOrder order>
 ZIV_INLINE int32_t unpack(const Image* srcImg, const Image* dstImg) {
-    const ptrdiff_t columns = whole_pairs_up(dstImg->width), height = dstImg->height;
-    for (ptrdiff_t i = 0; i < height; i++)
-        unpack_row<order>(plane_row(srcImg, 0, i), plane_row(dstImg, 0, i), plane_row(dstImg, 1, i >> 1), columns, !(i & 1));
+    unpack_rows<order>(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], dstImg->plane[1],
+                       dstImg->pitch[1], whole_pairs_up(dstImg->width), dstImg->height);
     return zivStatus_OK;
 }
 
@@ -144,11 +146,7 @@ namespace {
 // Tight buffers; the pointers run on from row to row by the columns walked.
 template <PairOrder order>
 ZIV_INLINE void unpack_tight(const uint8_t* src, uint8_t* dst, ptrdiff_t area, ptrdiff_t columns, ptrdiff_t height) {
-    uint8_t* chroma = dst + area;
-    for (ptrdiff_t i = 0; i < height; i++, src += 2 * columns, dst += columns) {
-        unpack_row<order>(src, dst, chroma, columns, !(i & 1));
-        if (!(i & 1)) chroma += columns;
-    }
+    unpack_rows<order>(src, 2 * columns, dst, columns, dst + area, columns, columns, height);
 }
 
 }  // namespace
@@ -174,7 +172,7 @@ int32_t zivColorYUYVtoNV12u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth,
 namespace {
 
 // Luma and both planes of chroma of one row.
-[[gnu::noinline]] inline void unpack_row_planar(const uint8_t* src, uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t pairs) {
+ZIV_INLINE void unpack_run_planar(const uint8_t* src, uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t pairs) {
     ptrdiff_t j = move_row<1>(
         pairs, lead_of<2>(luma),
         [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
@@ -224,6 +222,15 @@ int32_t zivColorYUYVtoI420u8_2(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_sizes(srcImg, dstImg, destination_2x2)) return status;
     const ptrdiff_t width = dstImg->width, height = dstImg->height;
     const ptrdiff_t blocked = (width - 1) / 16 * 16, pairs = blocked / 2 + (width - blocked), columns = 2 * pairs;
+    const ptrdiff_t luma_pitch = dstImg->pitch[0], u_pitch = dstImg->pitch[1], v_pitch = dstImg->pitch[2];
+    const ptrdiff_t last_pass = (height - 1) >> 1;
+    const auto planes_are_apart = [=](const uint8_t* luma, const uint8_t* u, const uint8_t* v, ptrdiff_t pass) ZIV_INLINE_BODY {
+        const ptrdiff_t luma_bytes = 2 * pass * luma_pitch + width + columns;
+        const ptrdiff_t u_bytes = pass * u_pitch + pairs, v_bytes = pass * v_pitch + pairs;
+        return apart(luma, luma_bytes, u, u_bytes) && apart(luma, luma_bytes, v, v_bytes) && apart(u, u_bytes, v, v_bytes);
+    };
+    const bool whole_planes_are_apart = luma_pitch >= 0 && u_pitch >= 0 && v_pitch >= 0 &&
+                                        planes_are_apart(dstImg->plane[0], dstImg->plane[1], dstImg->plane[2], last_pass);
     for (ptrdiff_t i = 0; i < height; i += 2) {
         const uint8_t* src0 = plane_row(srcImg, 0, i);
         const uint8_t* src1 = src0 + srcImg->pitch[0];
@@ -231,10 +238,10 @@ int32_t zivColorYUYVtoI420u8_2(const Image* srcImg, const Image* dstImg) {
         uint8_t* luma1 = luma0 + width;
         uint8_t* u = plane_row(dstImg, 1, i >> 1);
         uint8_t* v = plane_row(dstImg, 2, i >> 1);
-        if (apart(luma0, width + columns, u, pairs) && apart(luma0, width + columns, v, pairs) && apart(u, pairs, v, pairs)) {
+        if (whole_planes_are_apart || planes_are_apart(luma0, u, v, 0)) {
             // Where only the rows of luma overlap, the upper one is written by a later step: so it goes last.
-            even_row(src1, luma1, columns);
-            unpack_row_planar(src0, luma0, u, v, pairs);
+            even_run(src1, luma1, columns);
+            unpack_run_planar(src0, luma0, u, v, pairs);
             continue;
         }
         for (ptrdiff_t j = 0; j < blocked / 2; j += 8) unpack_step<8>(src0, src1, luma0, luma1, u, v, j);
@@ -254,8 +261,8 @@ int32_t zivColorYUYVtoI420u8(const uint8_t* yuvSrc, uint8_t* yuvDst, int32_t wid
     uint8_t* u = yuvDst + area;
     uint8_t* v = u + (area >> 2);
     for (int32_t pass = 0; pass < height >> 1; pass++) {
-        unpack_row_planar(src, luma, u, v, pairs);
-        even_row(src + 2 * row, luma + row, columns);
+        unpack_run_planar(src, luma, u, v, pairs);
+        even_run(src + 2 * row, luma + row, columns);
         src += 2 * (columns + row);
         luma += columns + row;
         u += pairs;

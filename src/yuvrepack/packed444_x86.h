@@ -32,8 +32,18 @@ ZIV_INLINE void store_packed444<16>(uint8_t* p, U8<16> luma, const PackedChroma<
 #if ZIV_HAS_AVX2
 
 // Of the six halves of packed pixels the first three come from the low half of a vector of luma or pairs, the others from the
-// high one.
-ZIV_INLINE __m256i masks256(__m128i low, __m128i high) { return _mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1); }
+// high one. Vector k takes its halves' masks from one table, the 48 bytes of a 16-byte vector's masks twice over.
+template <int k>
+ZIV_INLINE __m256i packed_luma_mask256() {
+    return bytes256([](int n) { return (32 * k + n) % 3 == 0 ? (32 * k + n) % 48 / 3 : 0x80; });
+}
+template <int k>
+ZIV_INLINE __m256i packed_chroma_mask256() {
+    return bytes256([](int n) {
+        const int channel = (32 * k + n) % 3, pair = (32 * k + n) % 48 / 6;
+        return channel == 0 ? 0x80 : 2 * pair + (channel == 1);
+    });
+}
 template <>
 struct PackedChroma<32> {
     __m256i part[3];
@@ -41,17 +51,15 @@ struct PackedChroma<32> {
 template <>
 ZIV_INLINE PackedChroma<32> packed_chroma<32>(U8<32> pairs) {
     const __m256i p = (__m256i)pairs, low = _mm256_permute4x64_epi64(p, 0x44), high = _mm256_permute4x64_epi64(p, 0xEE);
-    const __m128i mask0 = packed_chroma_mask<0>(), mask1 = packed_chroma_mask<1>(), mask2 = packed_chroma_mask<2>();
-    return {{_mm256_shuffle_epi8(low, masks256(mask0, mask1)), _mm256_shuffle_epi8(p, masks256(mask2, mask0)),
-             _mm256_shuffle_epi8(high, masks256(mask1, mask2))}};
+    return {{_mm256_shuffle_epi8(low, packed_chroma_mask256<0>()), _mm256_shuffle_epi8(p, packed_chroma_mask256<1>()),
+             _mm256_shuffle_epi8(high, packed_chroma_mask256<2>())}};
 }
 template <>
 ZIV_INLINE void store_packed444<32>(uint8_t* p, U8<32> luma, const PackedChroma<32>& chroma) {
     const __m256i y = (__m256i)luma, low = _mm256_permute4x64_epi64(y, 0x44), high = _mm256_permute4x64_epi64(y, 0xEE);
-    const __m128i mask0 = spread_mask<3, 0, 0>(), mask1 = spread_mask<3, 1, 0>(), mask2 = spread_mask<3, 2, 0>();
-    store256(p, _mm256_or_si256(_mm256_shuffle_epi8(low, masks256(mask0, mask1)), chroma.part[0]));
-    store256(p + 32, _mm256_or_si256(_mm256_shuffle_epi8(y, masks256(mask2, mask0)), chroma.part[1]));
-    store256(p + 64, _mm256_or_si256(_mm256_shuffle_epi8(high, masks256(mask1, mask2)), chroma.part[2]));
+    store256(p, _mm256_or_si256(_mm256_shuffle_epi8(low, packed_luma_mask256<0>()), chroma.part[0]));
+    store256(p + 32, _mm256_or_si256(_mm256_shuffle_epi8(y, packed_luma_mask256<1>()), chroma.part[1]));
+    store256(p + 64, _mm256_or_si256(_mm256_shuffle_epi8(high, packed_luma_mask256<2>()), chroma.part[2]));
 }
 
 #endif

@@ -30,10 +30,9 @@ int32_t zivColorI422HtoI420u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_planar422(srcImg, dstImg, zivPixFmt_I422H, zivPixFmt_I420)) return status;
     const ptrdiff_t pairs = dstImg->width >> 1, height = dstImg->height;
     copy_luma(srcImg, dstImg, 2 * pairs, height);
-    for (ptrdiff_t i = 0; i < height; i += 2) {
-        copy_row(plane_row(srcImg, 1, i), plane_row(dstImg, 1, i >> 1), pairs);
-        copy_row(plane_row(srcImg, 2, i), plane_row(dstImg, 2, i >> 1), pairs);
-    }
+    for (int k = 1; k <= 2; k++)
+        copy_plane(srcImg->plane[k], ptrdiff_t{2} * srcImg->pitch[k], dstImg->plane[k], dstImg->pitch[k], pairs,
+                   (height + 1) >> 1);
     return zivStatus_OK;
 }
 

@@ -48,7 +48,8 @@ template <int block>
     }
 }
 
-// ---- Rows ----
+// ---- Rows. Each is a function of its own, but for those named run, which belong into a loop over short rows: it sets up
+//      their constants once. ----
 
 // first[0] second[0] first[1] second[1] ...
 [[gnu::noinline]] inline void interleave_row(const uint8_t* first, const uint8_t* second, uint8_t* dst, ptrdiff_t pairs) {
@@ -67,7 +68,7 @@ template <int block>
 }
 
 // The inverse.
-[[gnu::noinline]] inline void split_row(const uint8_t* src, uint8_t* first, uint8_t* second, ptrdiff_t pairs) {
+ZIV_INLINE void split_run(const uint8_t* src, uint8_t* first, uint8_t* second, ptrdiff_t pairs) {
     ptrdiff_t k = move_row<4>(
         pairs, lead_of<1>(first), [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY { return load2<step.value>(src + 2 * j); },
         ToPlane<0>{first}, ToPlane<1>{second});
@@ -76,6 +77,9 @@ template <int block>
         first[k] = a;
         second[k] = b;
     }
+}
+[[gnu::noinline]] inline void split_row(const uint8_t* src, uint8_t* first, uint8_t* second, ptrdiff_t pairs) {
+    split_run(src, first, second, pairs);
 }
 
 // src[1] src[0] src[3] src[2] ...
@@ -95,7 +99,7 @@ template <int block>
 }
 
 // src[0] src[2] src[4] ...; the byte behind the last one taken is not touched.
-[[gnu::noinline]] inline void even_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) {
+ZIV_INLINE void even_run(const uint8_t* src, uint8_t* dst, ptrdiff_t count) {
     ptrdiff_t k = move_row<2, ShortLoad>(
         count, lead_of<1>(dst),
         [=](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
@@ -105,10 +109,10 @@ template <int block>
         ToPlane<0>{dst});
     for (; k < count; k++) dst[k] = src[2 * k];
 }
+[[gnu::noinline]] inline void even_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) { even_run(src, dst, count); }
 
 // The same of two rows.
-[[gnu::noinline]] inline void even_rows(const uint8_t* src0, const uint8_t* src1, uint8_t* dst0, uint8_t* dst1,
-                                        ptrdiff_t count) {
+ZIV_INLINE void even_runs(const uint8_t* src0, const uint8_t* src1, uint8_t* dst0, uint8_t* dst1, ptrdiff_t count) {
     ptrdiff_t k = move_row<1, ShortLoad>(
         count, lead_of<1>(dst0),
         [=](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
@@ -124,7 +128,7 @@ template <int block>
 }
 
 // first[0] second[0] first[2] second[2] ...; the byte behind the last one taken is not touched in either.
-[[gnu::noinline]] inline void interleave_even_row(const uint8_t* first, const uint8_t* second, uint8_t* dst, ptrdiff_t pairs) {
+ZIV_INLINE void interleave_even_run(const uint8_t* first, const uint8_t* second, uint8_t* dst, ptrdiff_t pairs) {
     ptrdiff_t k = move_row<2, ShortLoad>(
         2 * pairs, lead_of<2, 2>(dst),
         [=](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
@@ -137,6 +141,9 @@ template <int block>
         dst[k] = a;
         dst[k + 1] = b;
     }
+}
+[[gnu::noinline]] inline void interleave_even_row(const uint8_t* first, const uint8_t* second, uint8_t* dst, ptrdiff_t pairs) {
+    interleave_even_run(first, second, dst, pairs);
 }
 
 // Y0 U Y1 V from two luma samples and one of each chroma plane.
