@@ -4,9 +4,24 @@
 set(ZIVCOLOR_ZIG zig CACHE STRING "The zig to compile with")
 set(ZIVCOLOR_ZIG_TARGET "" CACHE STRING "Machine and system, as in aarch64-macos, x86_64-windows-gnu, aarch64-linux-musl")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ZIVCOLOR_ZIG ZIVCOLOR_ZIG_TARGET)
+# What is asked of the compiler needs no link, and so no C++ library to be made first.
+set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
+foreach(language C CXX)
+    set(CMAKE_${language}_COMPILER_ID_RUN ON)
+    set(CMAKE_${language}_COMPILER_ID Clang)
+    set(CMAKE_${language}_COMPILER_VERSION 17.0)
+    set(CMAKE_${language}_COMPILER_FRONTEND_VARIANT GNU)
+endforeach()
+set(CMAKE_C_STANDARD_COMPUTED_DEFAULT 17)
+set(CMAKE_CXX_STANDARD_COMPUTED_DEFAULT 17)
 string(REGEX MATCH "^[^-]+" CMAKE_SYSTEM_PROCESSOR "${ZIVCOLOR_ZIG_TARGET}")
 if(ZIVCOLOR_ZIG_TARGET MATCHES macos)
     set(CMAKE_SYSTEM_NAME Darwin)
+    # zig's own linker exports hidden functions as well, and knows no list of exports. The C++ library is left to be found at load.
+    get_filename_component(zig_folder "${ZIVCOLOR_ZIG}" DIRECTORY)
+    set(CMAKE_CXX_CREATE_SHARED_LIBRARY "clang++-19 --target=${CMAKE_SYSTEM_PROCESSOR}-apple-macos11 -fuse-ld=lld -nostdlib \
+-dynamiclib -L${zig_folder}/lib/libc/darwin -lSystem -Wl,-undefined,dynamic_lookup <LINK_FLAGS> -o <TARGET> \
+<SONAME_FLAG> <TARGET_INSTALLNAME_DIR><TARGET_SONAME> <OBJECTS>")
 elseif(ZIVCOLOR_ZIG_TARGET MATCHES windows)
     set(CMAKE_SYSTEM_NAME Windows)
     set(CMAKE_RC_COMPILER llvm-windres-19)

@@ -16,6 +16,13 @@
 #define ZIVCOLOR_API __attribute__((visibility("default")))
 #endif
 
+/* Before what C++ and C99 know as an extension only: structures and unions without a name. */
+#if defined(__GNUC__)
+#define ZIVCOLOR_EXTENSION __extension__
+#else
+#define ZIVCOLOR_EXTENSION
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -72,8 +79,8 @@ typedef struct _TAG_OFFSCREEN {
     int32_t width;  /* pixels */
     int32_t height; /* pixels */
     int32_t tag;    /* neither read nor written */
-    __extension__ union {
-        __extension__ struct {
+    ZIVCOLOR_EXTENSION union {
+        ZIVCOLOR_EXTENSION struct {
             int32_t pitch[4];  /* bytes per row of each plane */
             uint8_t* plane[4]; /* first byte of each plane */
         };

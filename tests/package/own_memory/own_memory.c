@@ -1,45 +1,8 @@
 /* A program with functions of its own by the names that the library uses inside. Both keep their own. */
-#include <stdint.h>
 #include <stdio.h>
-#include <stdlib.h>
 #include <zivcolor.h>
 
-static int calls;
-
-void* MemMgrAlloc(const char* file, int line);
-void MemMgrFree(const char* file);
-int MemMgrCpy(void);
-int MemMgrSet(void);
-void* zivParallelInit(void);
-int zivParallelUninit(void);
-int zivParallelEngineCores(void);
-int zivAddTask(void);
-int zivWaitTask(void);
-int zivTryFireCpu(void);
-int zivTryRestoreCpu(void);
-
-void* MemMgrAlloc(const char* file, int line) {
-    (void)file;
-    (void)line;
-    calls++;
-    return NULL;
-}
-void MemMgrFree(const char* file) {
-    (void)file;
-    calls++;
-}
-int MemMgrCpy(void) { return ++calls; }
-int MemMgrSet(void) { return ++calls; }
-void* zivParallelInit(void) {
-    calls++;
-    return NULL;
-}
-int zivParallelUninit(void) { return ++calls; }
-int zivParallelEngineCores(void) { return ++calls; }
-int zivAddTask(void) { return ++calls; }
-int zivWaitTask(void) { return ++calls; }
-int zivTryFireCpu(void) { return ++calls; }
-int zivTryRestoreCpu(void) { return ++calls; }
+#include "own_functions.h"
 
 int main(void) {
     enum { width = 64, height = 64 };
