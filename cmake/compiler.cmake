@@ -1,4 +1,5 @@
 # What the compiler builds for, and what all of our own code is built with.
+include(CheckCXXCompilerFlag)
 include(CheckCXXSourceCompiles)
 
 if(MSVC)

@@ -44,7 +44,15 @@ zivcolor_target(avx2 EXTENDS sse4 CAPABILITIES AVX2 FLAGS -mavx2)
 zivcolor_target(avx512 EXTENDS avx2 CAPABILITIES AVX512_VBMI
                 FLAGS -mavx512f -mavx512bw -mavx512vl -mavx512vbmi ${undefined_on_purpose})
 zivcolor_target(neon CAPABILITIES ADVANCED_SIMD)
-zivcolor_target(neon_dot EXTENDS neon CAPABILITIES DOT_PRODUCT FLAGS -march=armv8.2-a+dotprod FAMILIES rgb2yuv)
+if(ZIVCOLOR_FOR_AARCH64)
+    check_cxx_compiler_flag(-march=armv8.2-a+dotprod ZIVCOLOR_HAVE_MARCH)  # some front ends know CPUs only
+endif()
+if(ZIVCOLOR_HAVE_MARCH)
+    set(dot_product -march=armv8.2-a+dotprod)
+else()
+    set(dot_product -mcpu=generic+dotprod)
+endif()
+zivcolor_target(neon_dot EXTENDS neon CAPABILITIES DOT_PRODUCT FLAGS ${dot_product} FAMILIES rgb2yuv)
 
 # Those of this architecture, best first. The last one runs on every CPU of it.
 if(ZIVCOLOR_FOR_AARCH64)

@@ -17,11 +17,7 @@ set(CMAKE_CXX_STANDARD_COMPUTED_DEFAULT 17)
 string(REGEX MATCH "^[^-]+" CMAKE_SYSTEM_PROCESSOR "${ZIVCOLOR_ZIG_TARGET}")
 if(ZIVCOLOR_ZIG_TARGET MATCHES macos)
     set(CMAKE_SYSTEM_NAME Darwin)
-    # zig's own linker exports hidden functions as well, and knows no list of exports. The C++ library is left to be found at load.
-    get_filename_component(zig_folder "${ZIVCOLOR_ZIG}" DIRECTORY)
-    set(CMAKE_CXX_CREATE_SHARED_LIBRARY "clang++-19 --target=${CMAKE_SYSTEM_PROCESSOR}-apple-macos11 -fuse-ld=lld -nostdlib \
--dynamiclib -L${zig_folder}/lib/libc/darwin -lSystem -Wl,-undefined,dynamic_lookup <LINK_FLAGS> -o <TARGET> \
-<SONAME_FLAG> <TARGET_INSTALLNAME_DIR><TARGET_SONAME> <OBJECTS>")
+    set(CMAKE_USER_MAKE_RULES_OVERRIDE_CXX ${CMAKE_CURRENT_LIST_DIR}/zig_macos_rules.cmake)
 elseif(ZIVCOLOR_ZIG_TARGET MATCHES windows)
     set(CMAKE_SYSTEM_NAME Windows)
     set(CMAKE_RC_COMPILER llvm-windres-19)

@@ -3,11 +3,26 @@
 #include <stdlib.h>
 #include <string.h>
 
+#if defined(_WIN32)
+#include <malloc.h>
+#endif
+
 namespace zivcolor {
 
 namespace {
 
 constexpr size_t heap_alignment = 64;  // the widest vector
+
+#if defined(_WIN32)
+void* heap_allocate(size_t size) { return _aligned_malloc(size, heap_alignment); }
+void heap_release(void* pointer) { _aligned_free(pointer); }
+#else
+void* heap_allocate(size_t size) {
+    void* pointer = nullptr;
+    return posix_memalign(&pointer, heap_alignment, size) == 0 ? pointer : nullptr;
+}
+void heap_release(void* pointer) { free(pointer); }
+#endif
 
 }  // namespace
 
@@ -19,15 +34,13 @@ void* MemMgrAlloc(void* hMemMgr, int64_t size) {
     }
     const uint64_t bytes = static_cast<uint64_t>(size);
     if (bytes > SIZE_MAX) return nullptr;
-    void* pointer = nullptr;
     // The least request is one byte, since the C heap may answer a request of none with null.
-    if (posix_memalign(&pointer, heap_alignment, bytes ? static_cast<size_t>(bytes) : 1) != 0) return nullptr;
-    return pointer;
+    return heap_allocate(bytes ? static_cast<size_t>(bytes) : 1);
 }
 
 void MemMgrFree(void* hMemMgr, void* pointer) {
     if (!pointer) return;
-    if (!hMemMgr) return free(pointer);
+    if (!hMemMgr) return heap_release(pointer);
     const MemMgrRecord& manager = *static_cast<const MemMgrRecord*>(hMemMgr);
     if (manager.release) manager.release(manager.user, pointer);
 }
