@@ -21,6 +21,7 @@ if(ZIVCOLOR_ZIG_TARGET MATCHES macos)
 elseif(ZIVCOLOR_ZIG_TARGET MATCHES windows)
     set(CMAKE_SYSTEM_NAME Windows)
     set(CMAKE_RC_COMPILER llvm-windres-19)
+    set(CMAKE_HAVE_LIBC_PTHREAD ON)  # its C++ library takes threads from the system, which need no library of their own
 else()
     set(CMAKE_SYSTEM_NAME Linux)
 endif()
