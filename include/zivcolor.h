@@ -185,8 +185,8 @@ ZIVCOLOR_API int32_t zivColorYV12toRGB888u8(const __tag_KOBR_OFFSCREEN* srcImg, 
 /* YUYV (Y0 U Y1 V) to RGB. Least size 2 by 1, rows one by one. The tail takes a group of 4 bytes and writes two pixels: with an
  * odd W it reads 2 bytes and writes one pixel past the row, which the next row overwrites if it starts there. Reads pitch[0] of
  * both images.
- *   YUYVtoBGR888     fine set. Tail: bytes R G B without a lower limit, each at most 255 and truncated to 8 bits; byte 0 loses its
- *                    upper limit where B < 0, byte 2 where R < 0.
+ *   YUYVtoBGR888     fine set. Tail: bytes R G B without a lower limit, each at most 255 and truncated to 8 bits; byte 0 loses
+ *                    its upper limit where B < 0, byte 2 where R < 0.
  *   YUYVtoRGB888     coarse set. Tail: the same bytes without a lower limit, each at most 255 and cut to 8 bits.
  *   YUYVtoRGBA8888   coarse set in blocks and tail */
 
@@ -426,10 +426,10 @@ ZIVCOLOR_API int32_t zivColorI422VtoYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, c
 /* To Y; pairs U V with a chroma row for each row, by pitch[0] and pitch[1]. Otherwise as to YUYV. */
 ZIVCOLOR_API int32_t zivColorI422VtoLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
-/* Planar 4:4:4, subsampled. The chroma of the even columns stays and that of the odd columns is dropped; but for LPI422H, that of
- * the odd rows too. W and H are the destination's; whole pairs of rows and columns are converted, so an odd last row or column
- * stays unwritten, and chroma behind the last even column is not read. There are no blocks. Formats, destination sizes and the
- * source's height are tested; the source's width is not.
+/* Planar 4:4:4, subsampled. The chroma of the even columns stays and that of the odd columns is dropped; but for LPI422H, that
+ * of the odd rows too. W and H are the destination's; whole pairs of rows and columns are converted, so an odd last row or
+ * column stays unwritten, and chroma behind the last even column is not read. There are no blocks. Formats, destination sizes and
+ * the source's height are tested; the source's width is not.
  * After a pair of rows each source chroma pointer moves on by W rounded down to even plus its pitch[1] or pitch[2]: two rows
  * only where the pitch is W and W is even, so chroma planes must be tight. Luma steps by pitch[0] on both sides.
  *   zivStatus_NullPointer   srcImg or dstImg is null; tested first
@@ -640,9 +640,9 @@ ZIVCOLOR_API int64_t _SkinWhitenByMask_YUV420_VUVU(const _TAG_OFFSCREEN* pImg, c
                                                    const int32_t* plYContrastTable);
 
 /* Blocks of 16 columns in wrapping 16-bit lanes: only the low 16 bits of lRedLevel and of the table's entries count, r is
- * unsigned and truncated to 16 bits, V may grow by 9, and from V = 227 on 332 * (V - 128) reads as negative. The columns after the
- * blocks (all of them below a width of 16) go one cell at a time in 64 bits, with tU = 127 - U and tV = 128 - V: there V stays
- * under a positive lRedLevel. */
+ * unsigned and truncated to 16 bits, V may grow by 9, and from V = 227 on 332 * (V - 128) reads as negative. The columns after
+ * the blocks (all of them below a width of 16) go one cell at a time in 64 bits, with tU = 127 - U and tV = 128 - V: there V
+ * stays under a positive lRedLevel. */
 ZIVCOLOR_API int64_t _SkinWhitenByMask_YUV420_VUVU_neon(const _TAG_OFFSCREEN* pImg, const uint8_t* pMskData, int64_t lMskLine,
                                                         const int32_t* plBrightenTab, int64_t lRedLevel,
                                                         const int32_t* plYContrastTable);
