@@ -428,8 +428,8 @@ ZIVCOLOR_API int32_t zivColorI422VtoLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg
 
 /* Planar 4:4:4, subsampled. The chroma of the even columns stays and that of the odd columns is dropped; but for LPI422H, that
  * of the odd rows too. W and H are the destination's; whole pairs of rows and columns are converted, so an odd last row or
- * column stays unwritten, and chroma behind the last even column is not read. There are no blocks. Formats, destination sizes and
- * the source's height are tested; the source's width is not.
+ * column stays unwritten, and chroma behind the last even column is not read. There are no blocks. Formats, destination sizes
+ * and the source's height are tested; the source's width is not.
  * After a pair of rows each source chroma pointer moves on by W rounded down to even plus its pitch[1] or pitch[2]: two rows
  * only where the pitch is W and W is even, so chroma planes must be tight. Luma steps by pitch[0] on both sides.
  *   zivStatus_NullPointer   srcImg or dstImg is null; tested first
@@ -453,8 +453,8 @@ ZIVCOLOR_API int32_t zivColorI444toLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg,
  *   zivStatus_NullPointer   srcImg or dstImg is null; tested first
  *   zivStatus_BadArgument   a format code is another one, or a width or height is below 2 */
 
-/* Keeps the chroma of even rows and columns. Blocks of 8 columns read both rows whole; the tail reads the first four bytes of a
- * pair in the upper row and bytes 0 and 3 in the lower one. */
+/* Keeps the chroma of even rows and columns. Blocks of 8 columns read both rows whole; the tail reads the first four bytes of
+ * a pair in the upper row and bytes 0 and 3 in the lower one. */
 ZIVCOLOR_API int32_t zivColorYUVtoNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 /* Repeats each chroma pair in the 2 by 2 pixels that it serves. Blocks of 16 columns. */
 ZIVCOLOR_API int32_t zivColorNV21toYUVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
@@ -495,10 +495,10 @@ ZIVCOLOR_API int32_t zivColorNV41toNV21_2(const __tag_KOBR_OFFSCREEN* srcImg, co
 
 /* ---- RGB to RGB ------------------------------------------------------------------------------------------------------ */
 
-/* Channels reordered, alpha dropped or added, or pixels packed into 16-bit words: no arithmetic beyond shifts and masks. Blocks
- * and tail give the same bytes. Every kernel walks the size of dstImg and uses plane[0] and pitch[0] of both descriptors; it
- * reads and writes exactly the pixels of its rows. Pitches, plane pointers and overlap are not tested; the pixels of images
- * that overlap are undetermined, but for the exchange in place.
+/* Channels reordered, alpha dropped or added, or pixels packed into 16-bit words: no arithmetic beyond shifts and masks.
+ * Blocks and tail give the same bytes. Every kernel walks the size of dstImg and uses plane[0] and pitch[0] of both
+ * descriptors; it reads and writes exactly the pixels of its rows. Pitches, plane pointers and overlap are not tested; the
+ * pixels of images that overlap are undetermined, but for the exchange in place.
  *   zivStatus_NullPointer   srcImg or dstImg is null
  *   zivStatus_BadArgument   a format code is not the kernel's own, or a size below its least
  *   zivStatus_OK            otherwise */
@@ -609,8 +609,8 @@ ZIVCOLOR_API void zivRotate(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR
  *   horizontal   luma of row j (even), column x goes to plane[0] + (j + 1) * dp - 1 - x, that of row j + 1 to W bytes behind;
  *                the pair xc of row j / 2 to plane[1] + (j / 2 + 1) * sc - 2 - 2 xc
  *   vertical     luma of row j (even), column x goes to plane[0] + (H - 1 - j) * sp + x, that of row j + 1 to W bytes before;
- *                byte x of chroma row j / 2 to plane[1] + ((H >> 1) - 1 - j / 2) * sc + x. No pitch of the destination is read.
- * With W, sp, sc and dp all equal and even sizes, these are the plain mirrors.
+ *                byte x of chroma row j / 2 to plane[1] + ((H >> 1) - 1 - j / 2) * sc + x. No pitch of the destination is
+ * read. With W, sp, sc and dp all equal and even sizes, these are the plain mirrors.
  *   zivStatus_NullPointer   srcImg is null
  *   zivStatus_BadArgument   the source is not NV21
  *   zivStatus_OK            otherwise, also for sizes of 0 or less, which do nothing */
@@ -623,8 +623,8 @@ ZIVCOLOR_API int32_t zivflip_vertical_nv21(const __tag_KOBR_OFFSCREEN* srcImg, c
  * allows. Always returns 0; nothing is tested.
  *   pImg               width, height, pitch[0], pitch[1] and plane[0] are read. plane[1] is not: chroma starts width times
  *                      height bytes after plane[0], whatever pitch[0] says, and its rows step by pitch[1]
- *   pMskData           the mask: two rows of one byte for each luma column, lMskLine bytes apart. They weigh every pair of rows
- *                      of the image; nothing beyond them is read
+ *   pMskData           the mask: two rows of one byte for each luma column, lMskLine bytes apart. They weigh every pair of
+ * rows                      of the image; nothing beyond them is read
  *   plBrightenTab      256 entries: the fully brightened value of each luma value
  *   lRedLevel          strength of the chroma lift
  *   plYContrastTable   not used
@@ -693,9 +693,9 @@ ZIVCOLOR_API void* zivColorCvtInit_MultiThreads(void* hMemMgr);
  *   extParam   the low 8 bits of alpha become the alpha byte where RGBA8888 or BGRA8888 is made from YUV; null is alpha 0
  *
  *   zivStatus_NullPointer   the handle, srcImg or dstImg is null; nothing is touched
- *   zivStatus_BadArgument   zivColorCvtFunc knows no task for the pair (zivColorCvt converts 36 pairs more); nothing is touched
- *   zivStatus_OK            in all other cases, even if the kernel refused: a size below its least leaves the rows of the band
- *                           as they were and is not reported */
+ *   zivStatus_BadArgument   zivColorCvtFunc knows no task for the pair (zivColorCvt converts 36 pairs more); nothing is
+ * touched   zivStatus_OK            in all other cases, even if the kernel refused: a size below its least leaves the rows of
+ * the band                           as they were and is not reported */
 ZIVCOLOR_API int32_t zivColorCvtProcess_MultiThreads(void* zivColorCvtHandle, const __tag_KOBR_OFFSCREEN* srcImg,
                                                      const __tag_KOBR_OFFSCREEN* dstImg,
                                                      const zivColorExtParam_ALPHA_t* extParam);
