@@ -1,7 +1,8 @@
 #include "measure.h"
 
+#include <time.h>
+
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 #include <map>
 #include <random>
@@ -11,9 +12,11 @@ namespace bench {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double seconds_since(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
+double now(Time time) {
+    timespec at{};
+    clock_gettime(time == Time::thread ? CLOCK_THREAD_CPUTIME_ID : CLOCK_MONOTONIC, &at);
+    return static_cast<double>(at.tv_sec) + 1e-9 * static_cast<double>(at.tv_nsec);
+}
 
 constexpr size_t page = 4096;
 
@@ -33,12 +36,12 @@ double shortest(const std::function<void()>& call) {
     double best = 1e9;
     for (int round = 0; round < 9; round++) {
         int calls = 0;
-        const auto start = Clock::now();
+        const double start = now(Time::thread);
         double elapsed;
         do {
             call();
             calls++;
-            elapsed = seconds_since(start);
+            elapsed = now(Time::thread) - start;
         } while (elapsed < 5e-4);
         best = std::min(best, elapsed / calls);
     }
@@ -60,17 +63,17 @@ double copy_time(const Shape& shape, size_t bytes) {
     return row->second;
 }
 
-void measure(benchmark::State& state, const Make& make) {
+void measure(benchmark::State& state, const Make& make, Time time) {
     const Shape shape{static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), static_cast<int>(state.range(2))};
     const Job job = make(shape);
     const double copy = copy_time(shape, job.bytes);
     job.call();
-    const auto start = Clock::now();
+    const double start = now(time);
     for ([[maybe_unused]] const auto _ : state) {
         job.call();
         benchmark::ClobberMemory();
     }
-    const double elapsed = seconds_since(start) / static_cast<double>(state.iterations());
+    const double elapsed = (now(time) - start) / static_cast<double>(state.iterations());
     using benchmark::Counter;
     state.counters["time_per_pixel"] = Counter(job.pixels, Counter::kIsIterationInvariantRate | Counter::kInvert);
     state.counters["copies"] = Counter(elapsed / copy);
@@ -79,9 +82,10 @@ void measure(benchmark::State& state, const Make& make) {
 
 }  // namespace
 
-void add(const std::string& name, const Make& make, const std::vector<Shape>& shapes) {
-    auto* const row = benchmark::RegisterBenchmark(name.c_str(), [make](benchmark::State& state) { measure(state, make); });
-    row->ArgNames({"width", "height", "offset"})->UseRealTime()->Unit(benchmark::kMicrosecond);
+void add(const std::string& name, const Make& make, const std::vector<Shape>& shapes, Time time) {
+    auto* const row = benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) { measure(state, make, time); });
+    row->ArgNames({"width", "height", "offset"})->Unit(benchmark::kMicrosecond);
+    if (time == Time::wall) row->UseRealTime();
     for (const Shape& shape : shapes) row->Args({shape.width, shape.height, shape.offset});
 }
 

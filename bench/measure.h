@@ -25,11 +25,14 @@ struct Job {
 // Makes the job of a shape; called anew before each repetition, outside of what is timed.
 using Make = std::function<Job(const Shape& shape)>;
 
+// What time is: of the calling thread, which others on the machine disturb less, or of the wall's clock.
+enum class Time { thread, wall };
+
 // Registers a benchmark over all sizes and offsets. Its counters: time_per_pixel; bytes_per_second; copies, the time of a call
 // divided by that of a memcpy that moves as many bytes.
 void add(const std::string& name, const Make& make);
-// The same for these sizes, planes at a page.
-void add(const std::string& name, const Make& make, const std::vector<Shape>& shapes);
+// The same over these shapes.
+void add(const std::string& name, const Make& make, const std::vector<Shape>& shapes, Time time = Time::thread);
 
 // Memory for an image of any layout at a shape: what it holds is of no regular pattern. All benchmarks share it.
 struct Memory {

@@ -43,7 +43,7 @@ def kernel_table(rows):
         for kernel, runs in here.items():
             line = f"{kernel:36}"
             line += "".join(f"{runs[c]['time_per_pixel'] * 1e9:10.4f}" if c in runs else f"{'':10}" for c in contenders)
-            best = min((runs[t] for t in TARGETS if t in runs), key=lambda r: r["real_time"], default=None)
+            best = min((runs[t] for t in TARGETS if t in runs), key=lambda r: r["cpu_time"], default=None)
             if best:
                 line += f"{runs['libyuv']['real_time'] / best['real_time']:10.2f}" if "libyuv" in runs else f"{'':10}"
                 line += f"{best['copies']:8.2f}{best['bytes_per_second'] * 1e-9:8.1f}"
@@ -58,7 +58,7 @@ def summary(rows):
             both = {k: b[shape] for k, b in rows.items() if shape in b and target in b[shape] and peer in b[shape]}
             if not both:
                 continue
-            ratios = {k: runs[peer]["real_time"] / runs[target]["real_time"] for k, runs in both.items()}
+            ratios = {k: runs[peer]["cpu_time"] / runs[target]["cpu_time"] for k, runs in both.items()}
             worst = min(ratios, key=ratios.get)
             result.setdefault(target, {})[shape] = (geometric_mean(ratios.values()), ratios[worst], worst,
                                                     geometric_mean([runs[target]["copies"] for runs in both.values()]), len(both))

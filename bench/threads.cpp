@@ -37,8 +37,8 @@ void add_threads() {
                                        {1280, 720, 0}, {1920, 1080, 0}, {3840, 2160, 0}};
     for (const char* kernel : {"zivColorNV21toBGR888u8", "zivColorNV21toRGBA8888u8", "zivColorBGR888toNV21u8"}) {
         const harness::Conversion& c = harness::conversion(kernel);
-        add(std::string("threads_") + kernel + "/one", job_of(c, false), shapes);
-        add(std::string("threads_") + kernel + "/all", job_of(c, true), shapes);
+        add(std::string("threads_") + kernel + "/one", job_of(c, false), shapes, Time::wall);
+        add(std::string("threads_") + kernel + "/all", job_of(c, true), shapes, Time::wall);
     }
 }
 
