@@ -1,5 +1,7 @@
 // The multi-threaded front with the real engine.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <thread>
@@ -13,6 +15,7 @@
 
 #include "harness/frame.h"
 #include "harness/process.h"
+#include "harness/time_limit.h"
 #include "parallel/context.h"
 #include "parallel/memory.h"
 
@@ -20,6 +23,8 @@ namespace {
 
 using namespace harness;
 using namespace zivcolor;
+
+[[maybe_unused]] const bool limited = limit_time_of("Context");
 
 struct Context {
     void* handle = zivColorCvtInit_MultiThreads(nullptr);
@@ -190,6 +195,23 @@ TEST(ContextDeathTest, LetsTheProcessExitWhileItLives) {
             std::exit(zivColorCvtProcess_MultiThreads(context, &from.image, &to.image, nullptr));
         },
         testing::ExitedWithCode(0), "");
+}
+
+// The child has no workers: all it can do with the context is to end it, which gives back its record.
+TEST(Context, EndsInTheChildOfAFork) {
+    Allocator allocator;
+    void* context = zivColorCvtInit_MultiThreads(&allocator.record);
+    ASSERT_NE(context, nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(20);
+        const int32_t status = zivColorCvtUnInit_MultiThreads(&allocator.record, context);
+        _exit(status == zivStatus_OK && allocator.releases == 1 ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    EXPECT_EQ(zivColorCvtUnInit_MultiThreads(&allocator.record, context), zivStatus_OK);
 }
 
 TEST(Context, ConvertsTenThousandSmallFramesBackToBack) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "harness/process.h"
+#include "harness/time_limit.h"
 #include "parallel/cores.h"
 
 #if defined(__linux__)
@@ -20,6 +21,8 @@ namespace {
 
 using namespace harness;
 using namespace zivcolor;
+
+[[maybe_unused]] const bool limited = limit_time_of("Engine");
 
 struct Engine {
     void* handle;

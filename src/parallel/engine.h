@@ -17,12 +17,14 @@ void* zivParallelInit(void* reserved, int32_t tasks_per_core) noexcept;
 int32_t zivParallelEngineCores(void* engine) noexcept;
 
 // Queues function(argument) and returns the task's id; never blocks. When the engine is full, the function has run in the
-// calling thread on return. Negative if there is nothing left to wait for: that is harmless to wait on.
-int32_t zivAddTask(void* engine, zivcolor::TaskFunction function, void* argument) noexcept;
+// calling thread on return. Negative if there is nothing left to wait for: that is harmless to wait on. A worker is woken if
+// that pays, by what the last tasks took; where it does not, and nobody waits, the task begins within a quarter of a second.
+int32_t zivAddTask(void* engine, TaskFunction function, void* argument) noexcept;
 
 // Returns 0 once the task has finished, and what it wrote is then visible to the caller. Returns at once for an id that has
 // finished before or that the engine does not know. While the task is unfinished, the caller runs queued tasks of the engine
-// in its own thread, as long as a core is free. A task must not wait for another.
+// in its own thread, this one first, as long as a core is free; after it, it may run a few more small ones. A task must not
+// wait for another.
 int32_t zivWaitTask(void* engine, int32_t id) noexcept;
 
 // Hints around a time of heavy work. They do nothing: the governors of today's systems see the load by themselves.
@@ -30,7 +32,11 @@ void zivTryFireCpu(void* engine) noexcept;
 void zivTryRestoreCpu(void* engine) noexcept;
 
 // Runs what is queued, ends the workers and releases the engine; returns 0, and no thread is left. Negative for a null engine.
-// No other thread may be using the engine, nor may a task of its own call this.
+// No other thread may be using the engine, nor may a task of its own call this. In the child of a fork there are no workers:
+// there it returns 0 at once, memory stays allocated, and no other function may be called with the engine.
 int32_t zivParallelUninit(void* engine) noexcept;
+
+// zivParallelInit with ids that begin at the one given, or a little below it: for tests of what happens after the last.
+void* start_engine(int32_t tasks_per_core, int32_t first_id) noexcept;
 
 }  // namespace zivcolor

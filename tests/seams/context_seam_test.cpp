@@ -1,11 +1,28 @@
 // The multi-threaded front alone, between stand-ins for all that lies beneath it: every call that it makes, in order, and what
 // it does when one of them fails.
 #include <gtest/gtest.h>
+#include <stddef.h>
 
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "parallel/context.h"
+
+// The records' fields, in this order and nothing between them.
+static_assert(offsetof(zivColorCvtContext_t, hEngine) == 0);
+static_assert(offsetof(zivColorCvtContext_t, bEngineReady) == sizeof(void*));
+static_assert(offsetof(zivColorCvtContext_t, lTaskCount) == sizeof(void*) + 4);
+static_assert(offsetof(zivColorCvtContext_t, pfnTask) == sizeof(void*) + 8);
+static_assert(sizeof(zivColorCvtContext_t) == sizeof(void*) + 8 + 46 * sizeof(void*));
+static_assert(std::is_same_v<decltype(zivColorCvtContext_t::bEngineReady), int32_t>);
+static_assert(std::is_same_v<decltype(zivColorCvtContext_t::lTaskCount), int32_t>);
+static_assert(offsetof(zivColorParam_t, srcImg) == 0);
+static_assert(offsetof(zivColorParam_t, dstImg) == sizeof(void*));
+static_assert(offsetof(zivColorParam_t, lStartLine) == 2 * sizeof(void*));
+static_assert(offsetof(zivColorParam_t, lEndLine) == 2 * sizeof(void*) + 4);
+static_assert(offsetof(zivColorParam_t, extParam) == 2 * sizeof(void*) + 8);
+static_assert(sizeof(zivColorParam_t) == 3 * sizeof(void*) + 8);
 
 namespace {
 

@@ -10,12 +10,15 @@
 #include <limits>
 #include <new>
 
+#include "harness/time_limit.h"
 #include "parallel/cores.h"
 #include "parallel/engine.h"
 
 namespace {
 
 using namespace zivcolor;
+
+[[maybe_unused]] const bool limited = harness::limit_time_of("EngineLimits");
 
 constexpr int unlimited = std::numeric_limits<int>::max();
 std::atomic<int> threads_left{unlimited}, allocations_left{unlimited}, allocations{0};
@@ -32,6 +35,13 @@ void* allocate(size_t size) {
     return take_one(allocations_left) ? std::malloc(size ? size : 1) : nullptr;
 }
 
+void* allocate_aligned(size_t size, std::align_val_t alignment) {
+    ++allocations;
+    if (!take_one(allocations_left)) return nullptr;
+    void* p = nullptr;
+    return posix_memalign(&p, static_cast<size_t>(alignment), size) == 0 ? p : nullptr;
+}
+
 void* allocate_or_throw(size_t size) {
     if (void* p = allocate(size)) return p;
     throw std::bad_alloc();
@@ -44,10 +54,20 @@ void* allocate_or_throw(size_t size) {
 [[gnu::noinline]] void* operator new[](size_t size) { return allocate_or_throw(size); }
 [[gnu::noinline]] void* operator new(size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
 [[gnu::noinline]] void* operator new[](size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+[[gnu::noinline]] void* operator new(size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    return allocate_aligned(size, alignment);
+}
+[[gnu::noinline]] void* operator new[](size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    return allocate_aligned(size, alignment);
+}
 [[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
 [[gnu::noinline]] void operator delete[](void* p) noexcept { std::free(p); }
 [[gnu::noinline]] void operator delete(void* p, size_t) noexcept { std::free(p); }
 [[gnu::noinline]] void operator delete[](void* p, size_t) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p, std::align_val_t) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete[](void* p, std::align_val_t) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p, size_t, std::align_val_t) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete[](void* p, size_t, std::align_val_t) noexcept { std::free(p); }
 
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*), void* argument) {
     if (!take_one(threads_left)) return EAGAIN;

@@ -1,6 +1,7 @@
 // The shared library comes and goes: after the last context has ended it can be unloaded, and no thread stays behind.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <string>
@@ -44,6 +45,28 @@ TEST(Unload, LeavesNoThreadBehind) {
         EXPECT_TRUE(harness::thread_count_becomes(threads)) << harness::thread_count();
         EXPECT_FALSE(is_mapped("libzivcolor"));
     }
+}
+
+// When memory for the context is refused, the workers stay behind: the library stays loaded for them, however soon it is
+// closed.
+TEST(Unload, IsPutOffWhileWorkersLive) {
+    EXPECT_EXIT(
+        {
+            void* library = dlopen(ZIVCOLOR_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+            const auto init =
+                reinterpret_cast<decltype(&zivColorCvtInit_MultiThreads)>(dlsym(library, "zivColorCvtInit_MultiThreads"));
+            struct {
+                void* (*allocate)(void*, int64_t) = [](void*, int64_t) -> void* { return nullptr; };
+                void (*release)(void*, void*) = nullptr;
+                void* user = nullptr;
+            } refusing;
+            int failures = 0;
+            for (int i = 0; i < 5; i++) failures += init(&refusing) == nullptr;
+            dlclose(library);
+            usleep(50000);
+            _exit(failures == 5 && is_mapped("libzivcolor") ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
