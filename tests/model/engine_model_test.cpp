@@ -41,7 +41,7 @@ namespace {
 
 Time now() { return model::Clock::now().time_since_epoch(); }
 
-struct Model : testing::Test {
+struct EngineModel : testing::Test {
     void SetUp() override {
         host = System{};
         model::wake_latency = [](int) { return Time{20us}; };
@@ -124,7 +124,7 @@ void expect_explored(const std::function<void()>& program, int preemptions) {
 
 // ---- Every schedule ----
 
-TEST_F(Model, TwoTasksOnOneCore) {
+TEST_F(EngineModel, TwoTasksOnOneCore) {
     host.cores = 1;
     expect_explored(
         [] {
@@ -137,7 +137,7 @@ TEST_F(Model, TwoTasksOnOneCore) {
         2);
 }
 
-TEST_F(Model, TwoThreadsWithATaskEach) {
+TEST_F(EngineModel, TwoThreadsWithATaskEach) {
     expect_explored(
         [] {
             const Engine engine;
@@ -149,7 +149,7 @@ TEST_F(Model, TwoThreadsWithATaskEach) {
         2);
 }
 
-TEST_F(Model, TwoThreadsThatWaitForOneTask) {
+TEST_F(EngineModel, TwoThreadsThatWaitForOneTask) {
     expect_explored(
         [] {
             const Engine engine;
@@ -164,7 +164,7 @@ TEST_F(Model, TwoThreadsThatWaitForOneTask) {
 }
 
 // The place of a finished task is given to another one while a thread still waits for the first.
-TEST_F(Model, AWaitWhileThePlaceIsGivenAway) {
+TEST_F(EngineModel, AWaitWhileThePlaceIsGivenAway) {
     host.cores = 1;
     expect_explored(
         [] {
@@ -179,7 +179,7 @@ TEST_F(Model, AWaitWhileThePlaceIsGivenAway) {
         2);
 }
 
-TEST_F(Model, TasksThatNobodyWaitsForRunBeforeTheEnd) {
+TEST_F(EngineModel, TasksThatNobodyWaitsForRunBeforeTheEnd) {
     expect_explored(
         [] {
             Job first, second;
@@ -193,7 +193,7 @@ TEST_F(Model, TasksThatNobodyWaitsForRunBeforeTheEnd) {
         2);
 }
 
-TEST_F(Model, TasksOfManyThreadsAcrossTheLastId) {
+TEST_F(EngineModel, TasksOfManyThreadsAcrossTheLastId) {
     host.cores = 1;
     expect_explored(
         [] {
@@ -210,7 +210,7 @@ TEST_F(Model, TasksOfManyThreadsAcrossTheLastId) {
 
 #define EXPECT_SIMULATED(...) EXPECT_EQ(model::simulate(__VA_ARGS__), "")
 
-TEST_F(Model, OneCoreRunsOneTaskAtATime) {
+TEST_F(EngineModel, OneCoreRunsOneTaskAtATime) {
     host.cores = 1;
     EXPECT_SIMULATED([] {
         const Engine engine;
@@ -221,7 +221,7 @@ TEST_F(Model, OneCoreRunsOneTaskAtATime) {
     });
 }
 
-TEST_F(Model, CoresAreEightAtMost) {
+TEST_F(EngineModel, CoresAreEightAtMost) {
     for (const auto& [usable, cores] : {std::pair{1, 1}, {2, 2}, {8, 8}, {9, 8}, {64, 8}}) {
         host.cores = usable;
         EXPECT_SIMULATED([expected = cores] {
@@ -232,7 +232,7 @@ TEST_F(Model, CoresAreEightAtMost) {
     }
 }
 
-TEST_F(Model, FewerThreadsAreFewerCores) {
+TEST_F(EngineModel, FewerThreadsAreFewerCores) {
     host.cores = 4;
     host.threads_granted = 3;
     EXPECT_SIMULATED([] {
@@ -245,7 +245,7 @@ TEST_F(Model, FewerThreadsAreFewerCores) {
     EXPECT_SIMULATED([] { expect(zivParallelInit(nullptr, 4) == nullptr, "an engine without threads"); });
 }
 
-TEST_F(Model, RoomIsAskedForByTheCore) {
+TEST_F(EngineModel, RoomIsAskedForByTheCore) {
     EXPECT_SIMULATED([] {
         expect(zivParallelInit(nullptr, INT32_MAX) == nullptr, "more room than ids");
         expect(zivParallelInit(nullptr, (1 << 16) + 1) == nullptr, "more room than promised");
@@ -258,7 +258,7 @@ TEST_F(Model, RoomIsAskedForByTheCore) {
 }
 
 // Ids are not negative, and tasks are waited for, before the last id and after it.
-TEST_F(Model, IdsGoOnAfterTheLast) {
+TEST_F(EngineModel, IdsGoOnAfterTheLast) {
     EXPECT_SIMULATED([] {
         const Engine engine(INT32_MAX);
         for (int i = 0; i < 200; i++) {
@@ -275,7 +275,7 @@ TEST_F(Model, IdsGoOnAfterTheLast) {
     });
 }
 
-TEST_F(Model, WhatFindsNoRoomRunsAtOnceAndMayUseTheEngine) {
+TEST_F(EngineModel, WhatFindsNoRoomRunsAtOnceAndMayUseTheEngine) {
     EXPECT_SIMULATED([] {
         static const Engine* current;
         const Engine engine;
@@ -305,7 +305,7 @@ TEST_F(Model, WhatFindsNoRoomRunsAtOnceAndMayUseTheEngine) {
 }
 
 // One long task takes one place: others are queued as before, and run on all other cores.
-TEST_F(Model, ALongTaskHoldsUpNoOther) {
+TEST_F(EngineModel, ALongTaskHoldsUpNoOther) {
     host.cores = 4;
     EXPECT_SIMULATED([] {
         const Engine engine;
@@ -328,7 +328,7 @@ TEST_F(Model, ALongTaskHoldsUpNoOther) {
     });
 }
 
-TEST_F(Model, ALateWorkerHoldsUpNoOther) {
+TEST_F(EngineModel, ALateWorkerHoldsUpNoOther) {
     host.cores = 8;
     EXPECT_SIMULATED([] {
         const Engine engine;
@@ -344,7 +344,7 @@ TEST_F(Model, ALateWorkerHoldsUpNoOther) {
     });
 }
 
-TEST_F(Model, AllCoresAreUsed) {
+TEST_F(EngineModel, AllCoresAreUsed) {
     for (const int cores : {2, 4, 8}) {
         host.cores = cores;
         EXPECT_SIMULATED([cores] {
@@ -358,7 +358,7 @@ TEST_F(Model, AllCoresAreUsed) {
 }
 
 // Nobody waits: a worker calls the next.
-TEST_F(Model, WorkersCallOneAnother) {
+TEST_F(EngineModel, WorkersCallOneAnother) {
     host.cores = 8;
     EXPECT_SIMULATED([] {
         const Engine engine;
@@ -374,7 +374,7 @@ TEST_F(Model, WorkersCallOneAnother) {
 }
 
 // Also if the one worker does not sleep just then.
-TEST_F(Model, WhatIsQueuedRunsBeforeTheEngineEnds) {
+TEST_F(EngineModel, WhatIsQueuedRunsBeforeTheEngineEnds) {
     host.cores = 1;
     EXPECT_SIMULATED([] {
         Job first, second;
@@ -390,7 +390,7 @@ TEST_F(Model, WhatIsQueuedRunsBeforeTheEngineEnds) {
 }
 
 // Small images: the waiting thread converts them by itself, and wakes nobody.
-TEST_F(Model, SmallTasksStayWithTheirThread) {
+TEST_F(EngineModel, SmallTasksStayWithTheirThread) {
     for (const int cores : {1, 2, 8}) {
         host.cores = cores;
         EXPECT_SIMULATED([cores] {
@@ -409,7 +409,7 @@ TEST_F(Model, SmallTasksStayWithTheirThread) {
     }
 }
 
-TEST_F(Model, ALargeImageAfterSmallOnesIsShared) {
+TEST_F(EngineModel, ALargeImageAfterSmallOnesIsShared) {
     EXPECT_SIMULATED([] {
         const Engine engine;
         for (int i = 0; i < 100; i++) engine.convert(8, 50ns);
@@ -420,7 +420,7 @@ TEST_F(Model, ALargeImageAfterSmallOnesIsShared) {
 }
 
 // From one image of a stream to the next, nobody has to be woken.
-TEST_F(Model, AStreamWakesNobody) {
+TEST_F(EngineModel, AStreamWakesNobody) {
     EXPECT_SIMULATED([] {
         const Engine engine;
         engine.convert(8, 12us);
@@ -431,7 +431,7 @@ TEST_F(Model, AStreamWakesNobody) {
 }
 
 // A waiting thread is woken by its own task alone, while it sleeps others run the rest.
-TEST_F(Model, ASleepingThreadIsWokenOnce) {
+TEST_F(EngineModel, ASleepingThreadIsWokenOnce) {
     host.cores = 4;
     EXPECT_SIMULATED([] {
         const Engine engine;
@@ -450,7 +450,7 @@ TEST_F(Model, ASleepingThreadIsWokenOnce) {
     });
 }
 
-TEST_F(Model, AllThreadsThatSleepOnATaskAreWoken) {
+TEST_F(EngineModel, AllThreadsThatSleepOnATaskAreWoken) {
     EXPECT_SIMULATED([] {
         const Engine engine;
         Job job;
@@ -466,7 +466,7 @@ TEST_F(Model, AllThreadsThatSleepOnATaskAreWoken) {
 }
 
 // Nobody spins for long.
-TEST_F(Model, AWaitingThreadSleepsSoon) {
+TEST_F(EngineModel, AWaitingThreadSleepsSoon) {
     EXPECT_SIMULATED([] {
         const Engine engine;
         Job long_one;
@@ -478,7 +478,7 @@ TEST_F(Model, AWaitingThreadSleepsSoon) {
     });
 }
 
-TEST_F(Model, AnIdleEngineSleeps) {
+TEST_F(EngineModel, AnIdleEngineSleeps) {
     host.cores = 8;
     EXPECT_SIMULATED([] {
         const Engine engine;
@@ -495,7 +495,7 @@ TEST_F(Model, AnIdleEngineSleeps) {
 }
 
 // What the estimate says may be wrong: no task is left lying.
-TEST_F(Model, SmallTasksThatNobodyWaitsForRunSoon) {
+TEST_F(EngineModel, SmallTasksThatNobodyWaitsForRunSoon) {
     EXPECT_SIMULATED([] {
         const Engine engine;
         for (const Time pause : {Time{0}, Time{1ms}, Time{100ms}, Time{1min}}) {
@@ -510,7 +510,7 @@ TEST_F(Model, SmallTasksThatNobodyWaitsForRunSoon) {
     });
 }
 
-TEST_F(Model, TasksBehindALongOneRunSoon) {
+TEST_F(EngineModel, TasksBehindALongOneRunSoon) {
     host.cores = 4;
     EXPECT_SIMULATED([] {
         const Engine engine;
@@ -523,7 +523,7 @@ TEST_F(Model, TasksBehindALongOneRunSoon) {
 }
 
 // A thread that sleeps because no core was free does not sleep on when one is: the one that leaves it calls a worker.
-TEST_F(Model, AFreeCoreComesToWhoSleepsForWantOfOne) {
+TEST_F(EngineModel, AFreeCoreComesToWhoSleepsForWantOfOne) {
     host.cores = 1;
     EXPECT_SIMULATED([] {
         const Engine engine;
@@ -545,7 +545,7 @@ TEST_F(Model, AFreeCoreComesToWhoSleepsForWantOfOne) {
 }
 
 // The thread that waits does the work itself if no worker comes in time.
-TEST_F(Model, AWaitingThreadHelps) {
+TEST_F(EngineModel, AWaitingThreadHelps) {
     host.cores = 2;
     EXPECT_SIMULATED([] {
         model::wake_latency = [](int) { return Time{300ms}; };
@@ -556,7 +556,7 @@ TEST_F(Model, AWaitingThreadHelps) {
     });
 }
 
-TEST_F(Model, UnknownIdsAreHarmless) {
+TEST_F(EngineModel, UnknownIdsAreHarmless) {
     EXPECT_SIMULATED([] {
         const Engine engine;
         Job job;
@@ -571,7 +571,7 @@ TEST_F(Model, UnknownIdsAreHarmless) {
 }
 
 // Whatever stands in the place of a finished task by now.
-TEST_F(Model, AWaitForAFinishedTaskEndsAtOnce) {
+TEST_F(EngineModel, AWaitForAFinishedTaskEndsAtOnce) {
     EXPECT_SIMULATED([] {
         const Engine engine;
         Job first, second;
@@ -588,7 +588,7 @@ TEST_F(Model, AWaitForAFinishedTaskEndsAtOnce) {
 }
 
 // The workers of a process are not in its forked child.
-TEST_F(Model, TheChildOfAForkEndsTheEngineAtOnce) {
+TEST_F(EngineModel, TheChildOfAForkEndsTheEngineAtOnce) {
     EXPECT_SIMULATED([] {
         void* engine = zivParallelInit(nullptr, 4);
         host.process = 2;
