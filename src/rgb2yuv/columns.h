@@ -33,6 +33,9 @@ inline constexpr int own_bytes = -1;
 #if ZIV_HAS_ADVANCED_SIMD
 #include "rgb2yuv/columns_neon.h"
 #endif
+#if ZIV_HAS_DOT_PRODUCT
+#include "rgb2yuv/columns_neon_dot.h"
+#endif
 
 namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 

@@ -44,10 +44,12 @@ template <>
 ZIV_INLINE Pixels<32, 3> load_pixels<32, 3>(const uint8_t* p) {
     return {{load3<16>(p), load3<16>(p + 48)}};
 }
+#if !ZIV_HAS_DOT_PRODUCT
 template <>
 ZIV_INLINE Pixels<32, 4> load_pixels<32, 4>(const uint8_t* p) {
     return {{load4<16>(p), load4<16>(p + 64)}};
 }
+#endif
 
 // With the weights taken four times the luma is the upper byte of a sum that fills 16 bits.
 template <Weights w, int shared>
