@@ -234,7 +234,7 @@ ZIV_INLINE U16<64> multiply_high_unsigned<64>(U16<64> a, U16<64> b) {
 template <>
 ZIV_INLINE U8<64> load_parts<64>(const uint8_t* p, ptrdiff_t distance) {
     // A masked broadcast is a load into its place, which an insertion is not.
-    __m512i v = _mm512_castsi128_si512(load128(p));
+    __m512i v = _mm512_broadcast_i32x4(load128(p));
     v = _mm512_mask_broadcast_i32x4(v, 0x00F0, load128(p + distance));
     v = _mm512_mask_broadcast_i32x4(v, 0x0F00, load128(p + 2 * distance));
     return (U8<64>)_mm512_mask_broadcast_i32x4(v, 0xF000, load128(p + 3 * distance));

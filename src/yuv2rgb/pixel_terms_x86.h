@@ -237,7 +237,8 @@ template <>
 ZIV_INLINE U16<64> load_arranged<64, 3>(const uint8_t* p) {
     const __m512i index = hidden_bytes512([](int n) { return pair_in_lane<64, 3>(n / 2); });
     constexpr __mmask64 low_bytes = mask512([](int n) { return n % 2 == 0; });
-    return (U16<64>)_mm512_maskz_permutexvar_epi8(low_bytes, index, _mm512_castsi256_si512(load256(p)));
+    // Broadcast, as clang gives undefined bytes the value of some register and waits for it.
+    return (U16<64>)_mm512_maskz_permutexvar_epi8(low_bytes, index, _mm512_broadcast_i64x4(load256(p)));
 }
 template <>
 ZIV_INLINE U16<64> load_arranged<64, 4>(const uint8_t* p) {
@@ -279,8 +280,9 @@ struct PixelTerms3<64> {
 template <int k>
 ZIV_INLINE __m512i place_terms3(const __m512i (&terms)[2]) {
     const __m512i index = hidden_bytes512([](int n) { return byte_of_term((64 * k + n) / 6, (64 * k + n) % 3); });
+    constexpr __mmask64 later_pairs = mask512([](int n) { return (64 * k + n) / 6 >= 16; });
     const __m512i r = _mm512_permutexvar_epi8(index, terms[k / 2]);
-    return k == 1 ? _mm512_mask_permutexvar_epi8(r, mask512([](int n) { return (64 * k + n) / 6 >= 16; }), index, terms[1]) : r;
+    return k == 1 ? _mm512_mask_permutexvar_epi8(r, hidden_mask(later_pairs), index, terms[1]) : r;
 }
 template <>
 ZIV_INLINE PixelTerms3<64> pixel_terms<64>(S16<64> d0, S16<64> d1, S16<64> d2) {
