@@ -124,17 +124,12 @@ int luma_f32(Rgb bgr) { return cut_f32(bgr, {0.114f, 0.587f, 0.299f}, true); }
 int u_f32(Rgb rgb) { return cut_f32(rgb, {-0.1678f, -0.3313f, 0.5f}, false); }
 int v_f32(Rgb rgb) { return cut_f32(rgb, {0.5f, -0.4187f, -0.0813f}, false); }
 Rgb reversed(Rgb p) { return {p.c2, p.c1, p.c0}; }
-// Integer sums near them, over 2^21, 2^22 and 2^20; whether the bits next below the point are all 0.
+// Integer sums near them, over 2^21, 2^22 and 2^16; whether the 11 bits next below the point are all 0.
 int approximate_luma(Rgb bgr) { return -2748 * (-87 * bgr.c0 + 58 * bgr.c1) - 27263 * (-23 * bgr.c2 - 51 * bgr.c1); }
 int approximate_u(Rgb rgb) { return -16384 * (-128 * rgb.c2 + 70 * rgb.c1) + 24269 * (-29 * rgb.c0 - 10 * rgb.c1); }
-int approximate_v(Rgb rgb) { return 666 * (-128 * rgb.c2 + 5 * rgb.c1) - 4096 * (-128 * rgb.c0 + 108 * rgb.c1); }
-bool near_whole(int sum, int scale, int bits) { return (sum >> (scale - bits) & ((1 << bits) - 1)) == 0; }
+int approximate_v(Rgb rgb) { return 48 * (-111 * rgb.c2 - rgb.c1) - 256 * (-128 * rgb.c0 + 107 * rgb.c1); }
+bool near_whole(int sum, int scale) { return (sum >> (scale - 11) & 0x7FF) == 0; }
 
-int s32(const uint8_t* p, int lane) {
-    int32_t v;
-    std::memcpy(&v, p + 4 * lane, 4);
-    return v;
-}
 void put32(uint8_t* p, int lane, int32_t v) { std::memcpy(p + 4 * lane, &v, 4); }
 // Three vectors of sums, of BGRA pixels, RGBA pixels and RGBA pixels.
 Meaning sums(int (*first)(Rgb), int (*second)(Rgb), int (*third)(Rgb)) {
@@ -312,37 +307,28 @@ const std::map<std::string, Meaning>& meanings() {
              return (n % 2 ? u_f32(p) : v_f32(p)) + 128;
          })},
         {"approximate_sums", sums(approximate_luma, approximate_u, approximate_v)},
-        {"store_approximated_luma", per_byte([](const uint8_t* in, int, int n) { return luma_f32(pixel(in, 4, n)); })},
-        {"store_approximated",
+        {"repeat_green",
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int n = 0; n < N; n++) {
-                 const Rgb even = reversed(pixel(in, 4, n & ~1));
-                 out[n] = static_cast<uint8_t>(luma_f32(pixel(in, 4, n)));
-                 out[N + n] = static_cast<uint8_t>((n % 2 ? u_f32(even) : v_f32(even)) + 128);
+                 out[n] = in[n % 4 == 3 ? n - 2 : n];
+                 out[N + n] = in[n % 4 == 3 ? n - 1 : n + 1];
              }
          }},
-        {"left_by_approximation",
+        {"approximate_luma", per_byte([](const uint8_t* in, int, int n) { return luma_f32(pixel(in, 4, n)); })},
+        {"approximate_chroma_pairs", per_byte([](const uint8_t* in, int, int n) {
+             const Rgb even = reversed(pixel(in, 4, n & ~1));
+             return (n % 2 ? u_f32(even) : v_f32(even)) + 128;
+         })},
+        {"any_near",
          [](int N, const uint8_t* in, uint8_t* out) {
              bool luma = false, chroma = false;
              for (int n = 0; n < N; n++) {
                  const Rgb p = pixel(in, 4, n), even = reversed(pixel(in, 4, n & ~1));
-                 luma |= near_whole(approximate_luma(p), 21, 10);
-                 chroma |= near_whole(approximate_v(even), 20, 11) || near_whole(approximate_u(even), 22, 11);
+                 luma |= near_whole(approximate_luma(p), 21);
+                 chroma |= near_whole(approximate_v(even), 16) || near_whole(approximate_u(even), 22);
              }
-             out[0] = luma ? 2 : chroma ? 1 : 0;
+             out[0] = luma, out[1] = chroma, out[2] = luma || chroma;
          }},
-        {"far_from_whole",
-         [](int N, const uint8_t* in, uint8_t* out) {
-             out[0] = 1;
-             for (int i = 0; i < N / 4; i++)
-                 if (near_whole(s32(in, i), 21, 10) || near_whole(s32(in + N, i), 22, 11)) out[0] = 0;
-         }},
-        {"truncate_pairs",
-         [](int N, const uint8_t* in, uint8_t* out) {
-             for (int i = 0; i < N / 4; i++) put16(out, 2 * i, s32(in, i) >> 20), put16(out, 2 * i + 1, s32(in + N, i) >> 22);
-         }},
-        {"truncate_towards_0", per_byte([](const uint8_t* in, int, int n) { return in[n] + (in[n] > 127) + 128; })},
-        {"truncate_luma", per_byte([](const uint8_t* in, int, int n) { return s32(in, n) >> 21 & 255; })},
         {"store_pixels3", store_pixels<3>},
         {"store_pixels4", store_pixels<4>},
         {"store_pixels3_from_memory", store_pixels<3>},

@@ -11,13 +11,15 @@ struct FloatWeights {
     float r, g, b;
 };
 
-// A weighted sum in integers that is never below the exact one and less than 2^-whole_bits above it, over 2^scale:
+// A weighted sum in integers over 2^scale:
 // low * (blue * blue_weight + green * green_beside_blue) + high * (red * red_weight + green * green_beside_red), where both
-// factors of a product fit 16 bits. Unless the whole_bits below the point are all 0, which they are of every sum that binary32
-// rounds to the other side of a whole number, both are truncated to the same integer: the proof over all colours says so.
+// factors of a product fit 16 bits. It is near to a whole number where the part below the point is less than 32 of 2^16. So are
+// all sums that binary32 or the scale round to the other side of a whole number; all others are truncated to the same integer:
+// the proof over all colours says so.
+inline constexpr int near_fraction = 0xFFE0;
 struct ApproximateWeights {
-    int low, high, blue_weight, green_beside_blue, red_weight, green_beside_red, scale, whole_bits;
-    constexpr int whole_mask() const { return ((1 << whole_bits) - 1) << (scale - whole_bits); }
+    int low, high, blue_weight, green_beside_blue, red_weight, green_beside_red, scale;
+    constexpr int whole_mask() const { return near_fraction << (scale - 16); }
 };
 
 // ---- Lanes of 32 bits ----
@@ -28,19 +30,6 @@ template <int N>
 ZIV_INLINE U8<N> narrow_lanes(S32<N> a, S32<N> b, S32<N> c, S32<N> d) {
     return order_packed(pack((S16<N>)pack(a, b), (S16<N>)pack(c, d)));
 }
-// Whether any bit is set.
-template <int N>
-ZIV_INLINE bool any_lane(S32<N> v);
-template <>
-ZIV_INLINE bool any_lane<16>(S32<16> v) {
-    return !_mm_testz_si128((__m128i)v, (__m128i)v);
-}
-#if ZIV_HAS_AVX2
-template <>
-ZIV_INLINE bool any_lane<32>(S32<32> v) {
-    return !_mm256_testz_si256((__m256i)v, (__m256i)v);
-}
-#endif
 // The lower halves of two vectors' lanes, which are below 2^16, with pixels taken from even_pixels.
 template <int N>
 ZIV_INLINE U8<N> narrow_even_lanes(S32<N> a, S32<N> b) {
@@ -155,19 +144,18 @@ ZIV_INLINE U8<N> chroma_pairs_f32(const PixelVectors<N>& v, FloatWeights first, 
 
 // ---- The same by integers, where they tell ----
 
-// Two forms: has_approximate_sums, where store_approximated does a step, and has_approximate_rows, where store_approximated_row
-// does the blocked columns of a row.
+// Where has_approximate_rows holds, store_approximated_row does the blocked columns of a row.
 
-// What store_approximated leaves to binary32.
-enum class Undecided { nothing, chroma, all };
+#if !ZIV_HAS_ADVANCED_SIMD
+inline constexpr bool has_approximate_rows = false;
+#endif
 
 #if ZIV_HAS_SSE4_2
-inline constexpr bool has_approximate_sums = true, has_approximate_rows = false;
-
-// Four-byte pixels with green in byte 3 too, where approximate_sums wants it.
-template <class V>
+// Four-byte pixels behind `skip` other bytes with green in byte 3 too, where approximate_sums wants it. The pixels' own byte 3
+// is not looked at.
+template <int skip = 0, class V>
 ZIV_INLINE V repeat_green(V pixels) {
-    return shuffle(pixels, bytes128([](int n) { return n % 4 == 3 ? n - 2 : n; }));
+    return shuffle(pixels, bytes128([](int n) { return n / 4 * 4 + skip + (n % 4 == 3 ? 1 : n % 4); }));
 }
 template <int N, int red>
 ZIV_INLINE S32<N> approximate_sums(U8<N> quads, ApproximateWeights w) {
@@ -176,91 +164,93 @@ ZIV_INLINE S32<N> approximate_sums(U8<N> quads, ApproximateWeights w) {
                  : add_products(quads, byte_weights<N>(w.red_weight, w.green_beside_red, w.blue_weight, w.green_beside_blue));
     return add_products(halves, red == 2 ? word_weights<N>(w.low, w.high) : word_weights<N>(w.high, w.low));
 }
+ZIV_INLINE U16<16> least_words(U16<16> a, U16<16> b) { return (U16<16>)_mm_min_epu16((__m128i)a, (__m128i)b); }
+ZIV_INLINE uint32_t negative_lanes(S32<16> v) { return static_cast<uint32_t>(_mm_movemask_ps((__m128)v)); }
+#if ZIV_HAS_AVX2
+ZIV_INLINE U16<32> least_words(U16<32> a, U16<32> b) { return (U16<32>)_mm256_min_epu16((__m256i)a, (__m256i)b); }
+ZIV_INLINE uint32_t negative_lanes(S32<32> v) { return static_cast<uint32_t>(_mm256_movemask_ps((__m256)v)); }
+#endif
 
-// Whether all sums that were added to this are far from whole numbers.
+// The least fractions of the sums of each lane.
 template <int N>
-struct FarFromWhole {
-    S32<N> near{};
-    ZIV_INLINE void add(S32<N> sums, ApproximateWeights w) { near |= (S32<N>)((sums & w.whole_mask()) == 0); }
-    ZIV_INLINE bool all() const { return !any_lane<N>(near); }
+struct NearTest {
+    U16<N> least = ~U16<N>{};
+    ZIV_INLINE void add(U16<N> a, U16<N> b, U16<N> c, U16<N> d) { least = least_words(least_words(a, b), least_words(c, d)); }
 };
-// Pairs of sums floored to integers.
 template <int N>
-ZIV_INLINE S16<N> truncate_pairs(S32<N> a, S32<N> b, ApproximateWeights wa, ApproximateWeights wb) {
-    const S16<N> low = (S16<N>)(S32<N>{} + 0xFFFF);
-    return ((S16<N>)(a >> wa.scale) & low) | ((S16<N>)(b >> (wb.scale - 16)) & ~low);
-}
-// Floored bytes as if truncated towards 0, as none of them was whole, and centred at 128.
-template <int N>
-ZIV_INLINE U8<N> truncate_towards_0(U8<N> bytes) {
-    return (bytes + (bytes >> 7)) ^ 128;
+ZIV_INLINE NearTest<N> operator|(const NearTest<N>& a, const NearTest<N>& b) {
+    return {least_words(a.least, b.least)};
 }
 template <int N>
-ZIV_INLINE U8<N> truncate_luma(S32<N> a, S32<N> b, S32<N> c, S32<N> d, ApproximateWeights w) {
-    return narrow_lanes<N>(a >> w.scale, b >> w.scale, c >> w.scale, d >> w.scale);
+ZIV_INLINE bool any_near(const NearTest<N>& test) {
+    return negative_lanes((S32<N>)(((S32<N>)test.least & near_fraction) == 0)) != 0;
+}
+template <int red, int N>
+ZIV_INLINE U8<N> approximate_luma(const PixelVectors<N>& v, ApproximateWeights w, NearTest<N>& test) {
+    S32<N> sum[4];
+    for (int k = 0; k < 4; k++) sum[k] = approximate_sums<N, red>(v.q[k], w) >> (w.scale - 16);
+    test.add((U16<N>)sum[0], (U16<N>)sum[1], (U16<N>)sum[2], (U16<N>)sum[3]);
+    // Packed, whole parts stand in the odd bytes, and in the even ones something of the fractions.
+    const __m128i low = bytes128([](int n) { return n < 8 ? 2 * n + 1 : 0x80; });
+    const __m128i high = bytes128([](int n) { return n < 8 ? 0x80 : 2 * n - 15; });
+    const U8<N> a = pack((S16<N>)sum[0], (S16<N>)sum[1]), b = pack((S16<N>)sum[2], (S16<N>)sum[3]);
+    return order_packed(shuffle(a, low) | shuffle(b, high));
+}
+template <int red, int N>
+ZIV_INLINE U8<N> approximate_chroma_pairs(U8<N> lo, U8<N> hi, ApproximateWeights first, ApproximateWeights second,
+                                          NearTest<N>& test) {
+    const auto sums = [](U8<N> even, ApproximateWeights w)
+                          ZIV_INLINE_BODY { return approximate_sums<N, red>(even, w) >> (w.scale - 16); };
+    const S32<N> a0 = sums(lo, first), b0 = sums(lo, second), a1 = sums(hi, first), b1 = sums(hi, second);
+    test.add((U16<N>)a0, (U16<N>)b0, (U16<N>)a1, (U16<N>)b1);
+    const __m128i even = bytes128([](int n) { return n % 2 ? 0x80 : n + 1; });
+    const U16<N> upper = U16<N>{} + 0xFF00;
+    const U8<N> floors =
+        shuffle(pack_signed((S16<N>)a0, (S16<N>)a1), even) | ((U8<N>)upper & pack_signed((S16<N>)b0, (S16<N>)b1));
+    // Towards 0, as none is whole, and centred at 128.
+    const U8<N> truncated = floors - (U8<N>)((S8<N>)floors < 0);
+    return pairs_in_order<false>(ChromaPairs<N, 4>{truncated ^ 128});
 }
 
 #if ZIV_HAS_AVX512_VBMI
 template <>
-struct FarFromWhole<64> {
-    __mmask16 lanes = 0xFFFF;
+struct NearTest<64> {
+    __mmask16 far = 0xFFFF;
     ZIV_INLINE void add(S32<64> sums, ApproximateWeights w) {
-        lanes = _mm512_mask_test_epi32_mask(lanes, (__m512i)sums, _mm512_set1_epi32(w.whole_mask()));
+        far = _mm512_mask_test_epi32_mask(far, (__m512i)sums, _mm512_set1_epi32(w.whole_mask()));
     }
-    ZIV_INLINE bool all() const { return lanes == 0xFFFF; }
 };
+ZIV_INLINE NearTest<64> operator|(const NearTest<64>& a, const NearTest<64>& b) {
+    return {static_cast<__mmask16>(a.far & b.far)};
+}
+ZIV_INLINE bool any_near(const NearTest<64>& test) { return test.far != 0xFFFF; }
 // The upper words of a's lanes below those of b's.
 ZIV_INLINE S16<64> join_upper_words(S32<64> a, S32<64> b) {
     const __m512i index = _mm512_broadcast_i32x4(bytes128([](int n) { return n / 4 * 4 + 2 + n % 2; }));
     return (S16<64>)_mm512_mask_shuffle_epi8((__m512i)b, 0x3333333333333333, (__m512i)a, index);
 }
-template <>
-ZIV_INLINE S16<64> truncate_pairs<64>(S32<64> a, S32<64> b, ApproximateWeights wa, ApproximateWeights wb) {
-    return join_upper_words(a, b) >> word_weights<64>(wa.scale - 16, wb.scale - 16);
-}
-template <>
-ZIV_INLINE U8<64> truncate_towards_0<64>(U8<64> bytes) {
-    const __m512i v = (__m512i)bytes;
-    return (U8<64>)_mm512_mask_sub_epi8(v, _mm512_movepi8_mask(v), v, _mm512_set1_epi8(-1)) ^ 128;
-}
-template <>
-ZIV_INLINE U8<64> truncate_luma<64>(S32<64> a, S32<64> b, S32<64> c, S32<64> d, ApproximateWeights w) {
-    const S16<64> ab = join_upper_words(a, b) >> (w.scale - 16), cd = join_upper_words(c, d) >> (w.scale - 16);
+template <int red>
+ZIV_INLINE U8<64> approximate_luma(const PixelVectors<64>& v, ApproximateWeights w, NearTest<64>& test) {
+    S32<64> sum[4];
+    for (int k = 0; k < 4; k++) sum[k] = approximate_sums<64, red>(v.q[k], w), test.add(sum[k], w);
+    const S16<64> ab = join_upper_words(sum[0], sum[1]) >> (w.scale - 16),
+                  cd = join_upper_words(sum[2], sum[3]) >> (w.scale - 16);
     const __m512i in_order = bytes512([](int n) { return n % 16 / 4 * 16 + n / 32 * 8 + n % 4 * 2 + n / 16 % 2; });
     return (U8<64>)_mm512_permutexvar_epi8(in_order, (__m512i)pack(ab, cd));
 }
-#endif
-
-// Stores the luma of N pixels and, on request, first and second of the even columns, as luma_f32 and chroma_pairs_f32 give
-// them, and returns what it left because a sum is too near to a whole number.
-template <int N, int red, bool has_chroma>
-ZIV_INLINE Undecided store_approximated(uint8_t* luma, uint8_t* chroma, const PixelVectors<N>& v, ApproximateWeights w,
-                                        ApproximateWeights first, ApproximateWeights second) {
-    const U8<N> q0 = repeat_green(v.q[0]), q1 = repeat_green(v.q[1]), q2 = repeat_green(v.q[2]), q3 = repeat_green(v.q[3]);
-    const S32<N> y0 = approximate_sums<N, red>(q0, w), y1 = approximate_sums<N, red>(q1, w);
-    const S32<N> y2 = approximate_sums<N, red>(q2, w), y3 = approximate_sums<N, red>(q3, w);
-    FarFromWhole<N> luma_far;
-    luma_far.add(y0, w), luma_far.add(y1, w), luma_far.add(y2, w), luma_far.add(y3, w);
-    FarFromWhole<N> far = luma_far;
-    U8<N> pairs;
-    if constexpr (has_chroma) {
-        const U8<N> lo = even_pixels(q0, q1), hi = even_pixels(q2, q3);
-        const S32<N> first_lo = approximate_sums<N, red>(lo, first), second_lo = approximate_sums<N, red>(lo, second);
-        const S32<N> first_hi = approximate_sums<N, red>(hi, first), second_hi = approximate_sums<N, red>(hi, second);
-        far.add(first_lo, first), far.add(second_lo, second), far.add(first_hi, first), far.add(second_hi, second);
-        const U8<N> floored = pack_signed(truncate_pairs<N>(first_lo, second_lo, first, second),
-                                          truncate_pairs<N>(first_hi, second_hi, first, second));
-        pairs = pairs_in_order<false>(ChromaPairs<N, 4>{truncate_towards_0<N>(floored)});
-    }
-    if (__builtin_expect(!far.all(), 0)) {
-        if (!has_chroma || !luma_far.all()) return Undecided::all;
-        store(luma, truncate_luma<N>(y0, y1, y2, y3, w));
-        return Undecided::chroma;
-    }
-    store(luma, truncate_luma<N>(y0, y1, y2, y3, w));
-    if constexpr (has_chroma) store(chroma, pairs);
-    return Undecided::nothing;
+template <int red>
+ZIV_INLINE U8<64> approximate_chroma_pairs(U8<64> lo, U8<64> hi, ApproximateWeights first, ApproximateWeights second,
+                                           NearTest<64>& test) {
+    const auto pairs = [&](U8<64> even) ZIV_INLINE_BODY {
+        const S32<64> a = approximate_sums<64, red>(even, first), b = approximate_sums<64, red>(even, second);
+        test.add(a, first), test.add(b, second);
+        return join_upper_words(a, b) >> word_weights<64>(first.scale - 16, second.scale - 16);
+    };
+    const __m512i floors = (__m512i)pack_signed(pairs(lo), pairs(hi));
+    const U8<64> truncated = (U8<64>)_mm512_mask_sub_epi8(floors, _mm512_movepi8_mask(floors), floors, _mm512_set1_epi8(-1));
+    return pairs_in_order<false>(ChromaPairs<64, 4>{truncated ^ 128});
 }
+#endif
 #else
 template <class V>
 ZIV_INLINE V repeat_green(V pixels) {
@@ -273,15 +263,6 @@ ZIV_INLINE S32<N> approximate_sums(U8<N> quads, ApproximateWeights w) {
            ((v >> 8) & 0xFF) * (w.low * w.green_beside_blue + w.high * w.green_beside_red) +
            ((v >> (16 - 8 * red)) & 0xFF) * (w.low * w.blue_weight);
 }
-template <int N, int red, bool has_chroma>
-ZIV_INLINE Undecided store_approximated(uint8_t*, uint8_t*, const PixelVectors<N>&, ApproximateWeights, ApproximateWeights,
-                                        ApproximateWeights) {
-    return Undecided::all;
-}
-inline constexpr bool has_approximate_sums = false;
-#if !ZIV_HAS_ADVANCED_SIMD
-inline constexpr bool has_approximate_rows = false;
-#endif
 #endif
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv

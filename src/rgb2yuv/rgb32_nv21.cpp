@@ -1,18 +1,13 @@
 // 32-bit RGB to NV21 by the float set: 0.299 R + 0.587 G + 0.114 B, -0.1678 R - 0.3313 G + 0.5 B + 128 and
 // 0.5 R - 0.4187 G - 0.0813 B + 128, in binary32 in the blocks and in binary64 in the tail. Alpha is not looked at.
-#include "rgb2yuv/float_sums.h"
-#include "rgb2yuv/luma_chroma.h"
+#include "rgb2yuv/float_set.h"
+#if ZIV_HAS_SSE4_2
+#include "rgb2yuv/near_rows.h"
+#endif
 
 namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 namespace {
-
-inline constexpr FloatWeights weights_y{0.299f, 0.587f, 0.114f};
-inline constexpr FloatWeights weights_u{-0.1678f, -0.3313f, 0.5f}, weights_v{0.5f, -0.4187f, -0.0813f};
-
-inline constexpr ApproximateWeights approximate_y{-2748, -27263, -87, 58, -23, -51, 21, 10};
-inline constexpr ApproximateWeights approximate_u{-16384, 24269, -128, 70, -29, -10, 22, 11};
-inline constexpr ApproximateWeights approximate_v{666, -4096, -128, 5, -128, 108, 20, 11};
 
 // N columns of a block.
 template <int N, PixelLayout in, bool has_chroma, bool has_luma = true>
@@ -22,25 +17,6 @@ ZIV_INLINE void convert_columns(const uint8_t* src, uint8_t* luma, uint8_t* chro
     if (has_chroma) store(chroma, chroma_pairs_f32<N, in.red>(pixels, weights_v, weights_u));
 }
 
-// Integers do runs of steps, up to one that they leave to binary32.
-template <PixelLayout in, bool has_chroma, int N>
-ZIV_INLINE void convert_steps_approximated(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
-    const ptrdiff_t last = columns - N;
-    const auto step_at = [=](ptrdiff_t j) ZIV_INLINE_BODY { return j < last ? j : last; };
-    for (ptrdiff_t j = 0; j < columns; j += N) {
-        Undecided undecided = Undecided::nothing;
-        for (; j < columns; j += N) {
-            const ptrdiff_t at = step_at(j);
-            undecided = store_approximated<N, in.red, has_chroma>(luma + at, chroma + at, load_pixel_vectors<N>(src + 4 * at),
-                                                                  approximate_y, approximate_v, approximate_u);
-            if (undecided != Undecided::nothing) break;
-        }
-        if (j >= columns) return;
-        const ptrdiff_t at = step_at(j);
-        if (has_chroma && undecided == Undecided::chroma) convert_columns<N, in, true, false>(src + 4 * at, luma, chroma + at);
-        else convert_columns<N, in, has_chroma>(src + 4 * at, luma + at, chroma + at);
-    }
-}
 template <PixelLayout in, bool has_chroma, int N>
 ZIV_INLINE void convert_steps(const uint8_t* src, uint8_t* luma, uint8_t* chroma, ptrdiff_t columns) {
     ptrdiff_t j = 0;
@@ -63,7 +39,6 @@ ZIV_INLINE void convert_blocks(const uint8_t* src, uint8_t* luma, uint8_t* chrom
                 else if (!y) convert_columns<N, in, true, false>(src + 4 * j, luma + j, chroma + j);
                 else convert_columns<N, in, true>(src + 4 * j, luma + j, chroma + j);
             });
-    else if constexpr (has_approximate_sums) convert_steps_approximated<in, has_chroma, N>(src, luma, chroma, columns);
     else convert_steps<in, has_chroma, N>(src, luma, chroma, columns);
 }
 
@@ -152,13 +127,26 @@ template <PixelLayout in>
 int32_t rgb_to_nv21_by_float(const Image* srcImg, const Image* dstImg, uint32_t source) {
     if (const int32_t status = check(srcImg, dstImg, source, zivPixFmt_NV21, both_2x2)) return status;
     const Image src = *srcImg, dst = *dstImg;
-    for (ptrdiff_t i = 0; i < dst.height; i++) {
+    const auto convert_plain = [&](ptrdiff_t i) ZIV_INLINE_BODY {
         const uint8_t* pixels = row_at(src.plane[0], i, src.pitch[0]);
         uint8_t* luma = row_at(dst.plane[0], i, dst.pitch[0]);
         uint8_t* chroma = row_at(dst.plane[1], i >> 1, dst.pitch[1]);
         if (i % 2 == 0) convert_row<in, true>(pixels, luma, chroma, dst.width);
         else convert_row<in, false>(pixels, luma, chroma, dst.width);
+    };
+#if ZIV_HAS_SSE4_2
+    // Two rows at once, where the lower one does not overlap the upper.
+    if (dst.width >= 16 && (dst.pitch[0] >= dst.width || dst.pitch[0] <= -dst.width)) {
+        const NearImage image{src, dst, dst.width / 2 * 2, (dst.width - 1) / 8 * 8};
+        if constexpr (widest > 32)
+            if (dst.width >= 64) return convert_near_image<in, 64>(image, convert_plain), zivStatus_OK;
+        if constexpr (widest > 16)
+            if (dst.width >= 32) return convert_near_image<in, 32>(image, convert_plain), zivStatus_OK;
+        convert_near_image<in, 16>(image, convert_plain);
+        return zivStatus_OK;
     }
+#endif
+    for (ptrdiff_t i = 0; i < dst.height; i++) convert_plain(i);
     return zivStatus_OK;
 }
 

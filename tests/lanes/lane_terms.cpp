@@ -258,8 +258,8 @@ COLUMN_TERM(packed_chroma_first, { packed_term<false, N>(in, out); })
 
 static constexpr FloatWeights float_y{0.299f, 0.587f, 0.114f}, float_u{-0.1678f, -0.3313f, 0.5f},
     float_v{0.5f, -0.4187f, -0.0813f};
-static constexpr ApproximateWeights approximate_y{-2748, -27263, -87, 58, -23, -51, 21, 10},
-    approximate_u{-16384, 24269, -128, 70, -29, -10, 22, 11}, approximate_v{666, -4096, -128, 5, -128, 108, 20, 11};
+static constexpr ApproximateWeights approximate_y{-2748, -27263, -87, 58, -23, -51, 21},
+    approximate_u{-16384, 24269, -128, 70, -29, -10, 22}, approximate_v{48, -256, -111, -1, -128, 107, 16};
 
 TERM(narrow_lanes, {
     const S32<N> low = S32<N>{} + 0xFF;
@@ -282,39 +282,44 @@ TERM(approximate_sums, {
     store(out + N, approximate_sums<N, 0>(repeat_green(v.b), approximate_u));
     store(out + 2 * N, approximate_sums<N, 0>(repeat_green(v.c), approximate_v));
 })
-// What store_approximated leaves is done in binary32.
-COLUMN_TERM(store_approximated, {
-    const PixelVectors<N> pixels = load_pixel_vectors<N>(in);
-    const Undecided undecided =
-        store_approximated<N, 2, true>(out, out + N, pixels, approximate_y, approximate_v, approximate_u);
-    if (undecided == Undecided::all) store(out, luma_f32<N, 2>(pixels, float_y));
-    if (undecided != Undecided::nothing) store(out + N, chroma_pairs_f32<N, 2>(pixels, float_v, float_u));
-})
-COLUMN_TERM(store_approximated_luma, {
-    const PixelVectors<N> pixels = load_pixel_vectors<N>(in);
-    const Undecided undecided =
-        store_approximated<N, 2, false>(out, nullptr, pixels, approximate_y, approximate_v, approximate_u);
-    if (undecided != Undecided::nothing) store(out, luma_f32<N, 2>(pixels, float_y));
-})
 #if ZIV_HAS_SSE4_2
-COLUMN_TERM(left_by_approximation, {
-    uint8_t stored[2 * N];
-    const PixelVectors<N> pixels = load_pixel_vectors<N>(in);
-    out[0] = static_cast<uint8_t>(
-        store_approximated<N, 2, true>(stored, stored + N, pixels, approximate_y, approximate_v, approximate_u));
+TERM(repeat_green, {
+    store(out, repeat_green(v.a));
+    store(out + N, repeat_green<1>(v.a));
 })
-TERM(far_from_whole, {
-    FarFromWhole<N> far;
-    far.add((S32<N>)v.a, approximate_y);
-    far.add((S32<N>)v.b, approximate_u);
-    out[0] = far.all();
+template <int N>
+PixelVectors<N> load_repeated(const uint8_t* in) {
+    PixelVectors<N> pixels = load_pixel_vectors<N>(in);
+    for (auto& q : pixels.q) q = repeat_green(q);
+    return pixels;
+}
+template <int N>
+U8<N> approximated_pairs(const PixelVectors<N>& p, NearTest<N>& test) {
+    return approximate_chroma_pairs<2>(even_pixels(p.q[0], p.q[1]), even_pixels(p.q[2], p.q[3]), approximate_v, approximate_u,
+                                       test);
+}
+// What is near to a whole number is done in binary32.
+COLUMN_TERM(approximate_luma, {
+    const PixelVectors<N> pixels = load_repeated<N>(in);
+    NearTest<N> test;
+    store(out, approximate_luma<2>(pixels, approximate_y, test));
+    if (any_near(test)) store(out, luma_f32<N, 2>(pixels, float_y));
 })
-TERM(truncate_pairs, { store(out, truncate_pairs<N>((S32<N>)v.a, (S32<N>)v.b, approximate_v, approximate_u)); })
-TERM(truncate_towards_0, { store(out, truncate_towards_0<N>(v.a)); })
-// Sums of 8 bits before the point.
-TERM(truncate_luma, {
-    const S32<N> sum = S32<N>{} + ((256 << 21) - 1);
-    store(out, truncate_luma<N>((S32<N>)v.a & sum, (S32<N>)v.b & sum, (S32<N>)v.c & sum, (S32<N>)v.d & sum, approximate_y));
+COLUMN_TERM(approximate_chroma_pairs, {
+    const PixelVectors<N> pixels = load_repeated<N>(in);
+    NearTest<N> test;
+    store(out, approximated_pairs<N>(pixels, test));
+    if (any_near(test)) store(out, chroma_pairs_f32<N, 2>(pixels, float_v, float_u));
+})
+COLUMN_TERM(any_near, {
+    const PixelVectors<N> pixels = load_repeated<N>(in);
+    NearTest<N> luma;
+    NearTest<N> chroma;
+    approximate_luma<2>(pixels, approximate_y, luma);
+    approximated_pairs<N>(pixels, chroma);
+    out[0] = any_near(luma);
+    out[1] = any_near(chroma);
+    out[2] = any_near(luma | chroma);
 })
 #endif
 
@@ -352,9 +357,8 @@ static constexpr harness::LaneTerm rows[] = {
     COLUMN_ROWS(scaled_differences) COLUMN_ROWS(rounded_differences) COLUMN_ROWS(fractional_differences)
     COLUMN_ROWS(packed_luma_first) COLUMN_ROWS(packed_chroma_first)
     ROWS(narrow_lanes) ROWS(narrow_even_lanes) ROWS(weigh_truncated) ROWS(luma_f32) ROWS(chroma_pairs_f32) ROWS(approximate_sums)
-    ROWS(store_approximated) ROWS(store_approximated_luma)
 #if ZIV_HAS_SSE4_2
-    ROWS(left_by_approximation) ROWS(far_from_whole) ROWS(truncate_pairs) ROWS(truncate_towards_0) ROWS(truncate_luma)
+    ROWS(repeat_green) ROWS(approximate_luma) ROWS(approximate_chroma_pairs) ROWS(any_near)
 #endif
     // clang-format on
 };
