@@ -165,20 +165,16 @@ int32_t zivColorNV21toYUVu8(const Image* srcImg, const Image* dstImg) {
                           [=](auto step, ptrdiff_t k) { pack_columns<step.value>(luma0, luma1, chroma, dst0, dst1, k); });
             continue;
         }
-        ptrdiff_t j = move_row<1>(
-            even, no_lead,
-            [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
-                constexpr int N = step.value;
-                return Channels<N, 3>{{load<N>(luma0 + k), load<N>(luma1 + k), load<N>(chroma + k)}};
-            },
-            [=](auto step, const auto& v, ptrdiff_t k) ZIV_INLINE_BODY {
-                constexpr int N = step.value;
-                const PackedChroma<N> pairs = packed_chroma<N>(v.c[2]);
-                prefetch_writes<3 * N>(dst0 + 3 * k);
-                prefetch_writes<3 * N>(dst1 + 3 * k);
-                store_packed444<N>(dst0 + 3 * k, v.c[0], pairs);
-                store_packed444<N>(dst1 + 3 * k, v.c[1], pairs);
-            });
+        const auto pack = [=](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
+            constexpr int N = step.value;
+            auto pairs = packed_chroma<N>(chroma + k);
+            prefetch_writes<3 * N>(dst0 + 3 * k);
+            prefetch_writes<3 * N>(dst1 + 3 * k);
+            store_packed444<N>(dst0 + 3 * k, luma0 + k, pairs);
+            store_packed444<N>(dst1 + 3 * k, luma1 + k, pairs);
+        };
+        ptrdiff_t j = for_steps(even, pack);
+        if (j < even && even >= 16) pack(Step<16>{}, even - 16), j = even;
         for (; j < width; j += 2) pack_columns<2>(luma0, luma1, chroma, dst0, dst1, j);
     }
     return zivStatus_OK;

@@ -17,4 +17,14 @@ ZIV_INLINE void store_packed444(uint8_t* p, U8<N> luma, const PackedChroma<N>& c
     store_columns3<N>(p, {even_bytes<N>(luma) | chroma.u256, chroma.v}, {odd_bytes<N>(luma) | chroma.u256, chroma.v});
 }
 
+// The same from memory.
+template <int N>
+ZIV_INLINE PackedChroma<N> packed_chroma(const uint8_t* pairs) {
+    return packed_chroma<N>(load<N>(pairs));
+}
+template <int N>
+ZIV_INLINE void store_packed444(uint8_t* p, const uint8_t* luma, const PackedChroma<N>& chroma) {
+    store_packed444<N>(p, load<N>(luma), chroma);
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack

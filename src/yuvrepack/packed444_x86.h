@@ -48,18 +48,38 @@ template <>
 struct PackedChroma<32> {
     __m256i part[3];
 };
+ZIV_INLINE PackedChroma<32> packed_chroma_of(__m256i low, __m256i whole, __m256i high) {
+    return {{_mm256_shuffle_epi8(low, packed_chroma_mask256<0>()), _mm256_shuffle_epi8(whole, packed_chroma_mask256<1>()),
+             _mm256_shuffle_epi8(high, packed_chroma_mask256<2>())}};
+}
+ZIV_INLINE void store_packed444_of(uint8_t* p, __m256i low, __m256i whole, __m256i high, const PackedChroma<32>& chroma) {
+    const __m256i first = _mm256_shuffle_epi8(low, packed_luma_mask256<0>());
+    const __m256i second = _mm256_shuffle_epi8(whole, packed_luma_mask256<1>());
+    const __m256i third = _mm256_shuffle_epi8(high, packed_luma_mask256<2>());
+    store256(p, _mm256_or_si256(first, chroma.part[0]));
+    store256(p + 32, _mm256_or_si256(second, chroma.part[1]));
+    store256(p + 64, _mm256_or_si256(third, chroma.part[2]));
+}
+ZIV_INLINE __m256i low_twice(__m256i v) { return _mm256_permute4x64_epi64(v, 0x44); }
+ZIV_INLINE __m256i high_twice(__m256i v) { return _mm256_permute4x64_epi64(v, 0xEE); }
 template <>
 ZIV_INLINE PackedChroma<32> packed_chroma<32>(U8<32> pairs) {
-    const __m256i p = (__m256i)pairs, low = _mm256_permute4x64_epi64(p, 0x44), high = _mm256_permute4x64_epi64(p, 0xEE);
-    return {{_mm256_shuffle_epi8(low, packed_chroma_mask256<0>()), _mm256_shuffle_epi8(p, packed_chroma_mask256<1>()),
-             _mm256_shuffle_epi8(high, packed_chroma_mask256<2>())}};
+    const __m256i v = (__m256i)pairs;
+    return packed_chroma_of(low_twice(v), v, high_twice(v));
 }
 template <>
 ZIV_INLINE void store_packed444<32>(uint8_t* p, U8<32> luma, const PackedChroma<32>& chroma) {
-    const __m256i y = (__m256i)luma, low = _mm256_permute4x64_epi64(y, 0x44), high = _mm256_permute4x64_epi64(y, 0xEE);
-    store256(p, _mm256_or_si256(_mm256_shuffle_epi8(low, packed_luma_mask256<0>()), chroma.part[0]));
-    store256(p + 32, _mm256_or_si256(_mm256_shuffle_epi8(y, packed_luma_mask256<1>()), chroma.part[1]));
-    store256(p + 64, _mm256_or_si256(_mm256_shuffle_epi8(high, packed_luma_mask256<2>()), chroma.part[2]));
+    const __m256i v = (__m256i)luma;
+    store_packed444_of(p, low_twice(v), v, high_twice(v), chroma);
+}
+// From memory a half comes twice without a shuffle.
+template <>
+ZIV_INLINE PackedChroma<32> packed_chroma<32>(const uint8_t* pairs) {
+    return packed_chroma_of(both_halves(load128(pairs)), load256(pairs), both_halves(load128(pairs + 16)));
+}
+template <>
+ZIV_INLINE void store_packed444<32>(uint8_t* p, const uint8_t* luma, const PackedChroma<32>& chroma) {
+    store_packed444_of(p, both_halves(load128(luma)), load256(luma), both_halves(load128(luma + 16)), chroma);
 }
 
 #endif
