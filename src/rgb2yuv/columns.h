@@ -23,6 +23,17 @@ struct ShiftedWeight {
 // The first byte of a pixel that a weighted sum can take from another one: see luma_q6.
 inline constexpr int own_bytes = -1;
 
+// Luma and chroma of every one of N columns of R, G, B, by the short set. V is stored before U.
+template <int N>
+ZIV_INLINE void convert_to_yuv444(const uint8_t* rgb, uint8_t* dst_y, uint8_t* dst_u, uint8_t* dst_v) {
+    const Channels<N, 3> in = load3<N>(rgb);
+    const Wide<N> r = widen<N>(in.c[0]), g = widen<N>(in.c[1]), b = widen<N>(in.c[2]);
+    const Wide<N> y = {(r.lo * 19 + g.lo * 38 + b.lo * 7) >> 6, (r.hi * 19 + g.hi * 38 + b.hi * 7) >> 6};
+    store(dst_y, narrow<N>(y));
+    store(dst_v, narrow<N>({((r.lo - y.lo) * 91 + 16384) >> 7, ((r.hi - y.hi) * 91 + 16384) >> 7}));
+    store(dst_u, narrow<N>({((b.lo - y.lo) * 9 + 2048) >> 4, ((b.hi - y.hi) * 9 + 2048) >> 4}));
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv
 
 #if ZIV_HAS_SSE4_2

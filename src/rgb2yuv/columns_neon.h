@@ -138,6 +138,16 @@ ZIV_INLINE ChromaPairs<32> scaled_differences(const Pixels<32, c>& pixels, const
     return {scaled_difference<s0>(even_columns(pixels, 0), y), scaled_difference<s2>(even_columns(pixels, 2), y)};
 }
 
+template <>
+ZIV_INLINE void convert_to_yuv444<16>(const uint8_t* rgb, uint8_t* dst_y, uint8_t* dst_u, uint8_t* dst_v) {
+    const Channels<16, 3> in = load3<16>(rgb);
+    const uint8x16_t y = luma_q6_of_16<Weights{19, 38, 7}, own_bytes>(in.c);
+    vst1q_u8(dst_y, y);
+    constexpr ShiftedWeight weight_v{91, 7, 180}, weight_u{9, 4, 228};
+    vst1q_u8(dst_v, scaled_difference<weight_v>((uint8x16_t)in.c[0], y));
+    vst1q_u8(dst_u, scaled_difference<weight_u>((uint8x16_t)in.c[2], y));
+}
+
 template <int weight>
 ZIV_INLINE uint8x16_t rounded_difference_q15(uint8x16_t a, uint8x16_t luma) {
     const int16x8_t lo = vreinterpretq_s16_u16(vsubl_u8(vget_low_u8(a), vget_low_u8(luma)));

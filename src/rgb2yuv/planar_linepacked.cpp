@@ -14,13 +14,7 @@ int32_t zivColorRGB888toYV24u8(const Image* srcImg, const Image* dstImg) {
         uint8_t* dst_v = row_at(dstImg->plane[1], i, dstImg->pitch[1]);
         uint8_t* dst_u = row_at(dstImg->plane[2], i, dstImg->pitch[2]);
         for_steps(blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
-            constexpr int N = step.value;
-            const Channels<N, 3> in = load3<N>(src + 3 * j);
-            const Wide<N> r = widen<N>(in.c[0]), g = widen<N>(in.c[1]), b = widen<N>(in.c[2]);
-            const Wide<N> y = {(r.lo * 19 + g.lo * 38 + b.lo * 7) >> 6, (r.hi * 19 + g.hi * 38 + b.hi * 7) >> 6};
-            store(dst_y + j, narrow<N>(y));
-            store(dst_v + j, narrow<N>({((r.lo - y.lo) * 91 + 16384) >> 7, ((r.hi - y.hi) * 91 + 16384) >> 7}));
-            store(dst_u + j, narrow<N>({((b.lo - y.lo) * 9 + 2048) >> 4, ((b.hi - y.hi) * 9 + 2048) >> 4}));
+            convert_to_yuv444<step.value>(src + 3 * j, dst_y + j, dst_u + j, dst_v + j);
         });
         for (ptrdiff_t j = blocked; j < width; j++) {
             const Pixel p = load_pixel<rgb888>(src + 3 * j);
