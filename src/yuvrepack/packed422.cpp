@@ -115,10 +115,13 @@ ZIV_INLINE void unpack_run_vu(const uint8_t* src, uint8_t* luma, uint8_t* chroma
 template <PairOrder order>
 [[gnu::noinline]] void unpack_rows(const uint8_t* src, ptrdiff_t src_pitch, uint8_t* luma, ptrdiff_t luma_pitch,
                                    uint8_t* chroma, ptrdiff_t chroma_pitch, ptrdiff_t columns, ptrdiff_t height) {
-    for (ptrdiff_t i = 0; i < height; i += 2, src += 2 * src_pitch, luma += 2 * luma_pitch, chroma += chroma_pitch) {
-        if constexpr (order == PairOrder::vu) unpack_run_vu(src, luma, chroma, columns);
-        else split_run(src, luma, chroma, columns);
-        if (i + 1 < height) even_run(src + src_pitch, luma + luma_pitch, columns);
+    for (ptrdiff_t i = 0; i < height; i += 2) {
+        const uint8_t* src0 = src + hidden_index(i * src_pitch);
+        uint8_t* luma0 = luma + hidden_index(i * luma_pitch);
+        uint8_t* chroma0 = chroma + hidden_index((i >> 1) * chroma_pitch);
+        if constexpr (order == PairOrder::vu) unpack_run_vu(src0, luma0, chroma0, columns);
+        else split_run(src0, luma0, chroma0, columns);
+        if (i + 1 < height) even_run(src0 + src_pitch, luma0 + luma_pitch, columns);
     }
 }
 
@@ -196,9 +199,12 @@ ZIV_INLINE void unpack_run_planar(const uint8_t* src, uint8_t* luma, uint8_t* u,
     }
 }
 
-ZIV_INLINE bool apart(const uint8_t* a, ptrdiff_t a_bytes, const uint8_t* b, ptrdiff_t b_bytes) {
+// Whether the first run of bytes stands before the second, behind it, or over it.
+enum class Place { before, over, behind };
+ZIV_INLINE Place place_of(const uint8_t* a, ptrdiff_t a_bytes, const uint8_t* b, ptrdiff_t b_bytes) {
     const uintptr_t at_a = reinterpret_cast<uintptr_t>(a), at_b = reinterpret_cast<uintptr_t>(b);
-    return at_a + static_cast<uintptr_t>(a_bytes) <= at_b || at_b + static_cast<uintptr_t>(b_bytes) <= at_a;
+    if (at_a + static_cast<uintptr_t>(a_bytes) <= at_b) return Place::before;
+    return at_b + static_cast<uintptr_t>(b_bytes) <= at_a ? Place::behind : Place::over;
 }
 
 // Column pairs j to j + count - 1 of two rows: all loads first, then the stores in the order that tells where they overlap.
@@ -216,36 +222,50 @@ ZIV_INLINE void unpack_step(const uint8_t* src0, const uint8_t* src1, uint8_t* l
 
 }  // namespace
 
+// The rows of a plane that two passes step on, and the bytes that a pass writes there.
+struct PassRuns {
+    uint8_t* first;
+    ptrdiff_t step, bytes;
+    ZIV_INLINE uint8_t* at(ptrdiff_t pass) const { return first + pass * step; }
+};
+// Whether in no pass a byte is written in both planes: their distance changes evenly from pass to pass.
+ZIV_INLINE bool always_apart(const PassRuns& a, const PassRuns& b, ptrdiff_t passes) {
+    const Place first = place_of(a.first, a.bytes, b.first, b.bytes);
+    return first != Place::over && place_of(a.at(passes - 1), a.bytes, b.at(passes - 1), b.bytes) == first;
+}
+
+[[gnu::noinline]] inline void unpack_passes(const uint8_t* src, ptrdiff_t src_pitch, PassRuns luma, ptrdiff_t to_lower,
+                                            PassRuns u, PassRuns v, ptrdiff_t passes) {
+    for (ptrdiff_t pass = 0; pass < passes; pass++) {
+        const uint8_t* src0 = src + hidden_index(2 * pass * src_pitch);
+        uint8_t* luma0 = luma.first + hidden_index(pass * luma.step);
+        // Where only the rows of luma overlap, the upper one is written by a later step: so it goes last.
+        even_run(src0 + src_pitch, luma0 + to_lower, 2 * u.bytes);
+        unpack_run_planar(src0, luma0, u.first + hidden_index(pass * u.step), v.first + hidden_index(pass * v.step), u.bytes);
+    }
+}
+
 // Two rows a pass; the lower row of luma lands one width, not one pitch, below the upper. Blocks of 16 columns leave 1 to 16
 // columns, and the tail takes a step of a whole pair for each of them: both rows run as many columns past their end.
 int32_t zivColorYUYVtoI420u8_2(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_sizes(srcImg, dstImg, destination_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, height = dstImg->height;
+    const ptrdiff_t width = dstImg->width, height = dstImg->height, passes = (height + 1) >> 1;
     const ptrdiff_t blocked = (width - 1) / 16 * 16, pairs = blocked / 2 + (width - blocked), columns = 2 * pairs;
-    const ptrdiff_t luma_pitch = dstImg->pitch[0], u_pitch = dstImg->pitch[1], v_pitch = dstImg->pitch[2];
-    const ptrdiff_t last_pass = (height - 1) >> 1;
-    const auto planes_are_apart = [=](const uint8_t* luma, const uint8_t* u, const uint8_t* v, ptrdiff_t pass) ZIV_INLINE_BODY {
-        const ptrdiff_t luma_bytes = 2 * pass * luma_pitch + width + columns;
-        const ptrdiff_t u_bytes = pass * u_pitch + pairs, v_bytes = pass * v_pitch + pairs;
-        return apart(luma, luma_bytes, u, u_bytes) && apart(luma, luma_bytes, v, v_bytes) && apart(u, u_bytes, v, v_bytes);
-    };
-    const bool whole_planes_are_apart = luma_pitch >= 0 && u_pitch >= 0 && v_pitch >= 0 &&
-                                        planes_are_apart(dstImg->plane[0], dstImg->plane[1], dstImg->plane[2], last_pass);
-    for (ptrdiff_t i = 0; i < height; i += 2) {
-        const uint8_t* src0 = plane_row(srcImg, 0, i);
+    const PassRuns luma{dstImg->plane[0], ptrdiff_t{2} * dstImg->pitch[0], width + columns};
+    const PassRuns u{dstImg->plane[1], dstImg->pitch[1], pairs}, v{dstImg->plane[2], dstImg->pitch[2], pairs};
+    if (always_apart(luma, u, passes) && always_apart(luma, v, passes) && always_apart(u, v, passes)) {
+        unpack_passes(srcImg->plane[0], srcImg->pitch[0], luma, width, u, v, passes);
+        return zivStatus_OK;
+    }
+    for (ptrdiff_t pass = 0; pass < passes; pass++) {
+        const uint8_t* src0 = plane_row(srcImg, 0, 2 * pass);
         const uint8_t* src1 = src0 + srcImg->pitch[0];
-        uint8_t* luma0 = plane_row(dstImg, 0, i);
-        uint8_t* luma1 = luma0 + width;
-        uint8_t* u = plane_row(dstImg, 1, i >> 1);
-        uint8_t* v = plane_row(dstImg, 2, i >> 1);
-        if (whole_planes_are_apart || planes_are_apart(luma0, u, v, 0)) {
-            // Where only the rows of luma overlap, the upper one is written by a later step: so it goes last.
-            even_run(src1, luma1, columns);
-            unpack_run_planar(src0, luma0, u, v, pairs);
-            continue;
-        }
-        for (ptrdiff_t j = 0; j < blocked / 2; j += 8) unpack_step<8>(src0, src1, luma0, luma1, u, v, j);
-        for (ptrdiff_t j = blocked / 2; j < pairs; j++) unpack_step<1>(src0, src1, luma0, luma1, u, v, j);
+        uint8_t* luma0 = luma.at(pass);
+        const auto step = [=](auto count, ptrdiff_t j) {
+            unpack_step<count.value>(src0, src1, luma0, luma0 + width, u.at(pass), v.at(pass), j);
+        };
+        for (ptrdiff_t j = 0; j < blocked / 2; j += 8) step(Step<8>{}, j);
+        for (ptrdiff_t j = blocked / 2; j < pairs; j++) step(Step<1>{}, j);
     }
     return zivStatus_OK;
 }
