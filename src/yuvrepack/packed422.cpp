@@ -199,6 +199,10 @@ ZIV_INLINE void unpack_run_planar(const uint8_t* src, uint8_t* luma, uint8_t* u,
     }
 }
 
+[[gnu::noinline]] inline void unpack_row_planar(const uint8_t* src, uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t pairs) {
+    unpack_run_planar(src, luma, u, v, pairs);
+}
+
 // Whether the first run of bytes stands before the second, behind it, or over it.
 enum class Place { before, over, behind };
 ZIV_INLINE Place place_of(const uint8_t* a, ptrdiff_t a_bytes, const uint8_t* b, ptrdiff_t b_bytes) {
@@ -240,8 +244,8 @@ ZIV_INLINE bool always_apart(const PassRuns& a, const PassRuns& b, ptrdiff_t pas
         const uint8_t* src0 = src + hidden_index(2 * pass * src_pitch);
         uint8_t* luma0 = luma.first + hidden_index(pass * luma.step);
         // Where only the rows of luma overlap, the upper one is written by a later step: so it goes last.
-        even_run(src0 + src_pitch, luma0 + to_lower, 2 * u.bytes);
-        unpack_run_planar(src0, luma0, u.first + hidden_index(pass * u.step), v.first + hidden_index(pass * v.step), u.bytes);
+        even_row(src0 + src_pitch, luma0 + to_lower, 2 * u.bytes);
+        unpack_row_planar(src0, luma0, u.first + hidden_index(pass * u.step), v.first + hidden_index(pass * v.step), u.bytes);
     }
 }
 
