@@ -217,6 +217,8 @@ const std::map<std::string, Meaning>& meanings() {
              for (int i = 0; i < N / 2; i += 2) table[in[2 * i + 1] / 4 % 32] = s16(in, i) & 0xFFFF;
              for (int i = 0; i < N / 2; i++) out[i] = i != 1 && table[in[2 * i + 1] / 4 % 32] != (s16(in, i) & 0xFFFF);
          }},
+        {"multiply", on_s16([](int64_t a, int64_t) { return static_cast<int16_t>(a * 0x78D5); })},
+        {"multiply_round_q15", on_s16([](int64_t a, int64_t) { return (a * 25297 + 16384) >> 15; })},
         {"multiply_q15", on_s16([](int64_t a, int64_t) { return (a * -11277) >> 15; })},
         {"zero_lanes",
          [](int N, const uint8_t* in, uint8_t* out) { for (int i = 0; i < N / 2; i++) out[i] = s16(in, i) % 4 == 0; }},
@@ -253,6 +255,8 @@ const std::map<std::string, Meaning>& meanings() {
              for (int i = 0; i < N; i++) put16(out, i, (in[3 * i + 2] >> 3) << 11 | (in[3 * i + 1] >> 2) << 5 | in[3 * i] >> 3);
          }},
         {"copy_four", moves(4, [](int, int n) { return n; })},
+        {"copy_eight_first", moves(4, [](int, int n) { return n; })},
+        {"copy_eight_last", moves(4, [](int, int n) { return n; })},
         {"store_yuyv", moves(4, [](int N, int n) { return n % 2 == 0 ? n / 2 : (n % 4 == 1 ? 2 * N : 3 * N) + n / 4; })},
         {"load_parts", moves(1, [](int, int n) { return n / 16 * 24 + n % 16; })},
         {"zip_parts_low", moves(1, [](int N, int n) { return n / 16 * 16 + n % 16 / 2 + n % 2 * N; })},
@@ -331,6 +335,10 @@ const std::map<std::string, Meaning>& meanings() {
          }},
         {"store_pixels3", store_pixels<3>},
         {"store_pixels4", store_pixels<4>},
+        {"store_pixel_rows3_upper", store_pixels<3>},
+        {"store_pixel_rows3_lower", store_pixels<3>},
+        {"store_pixel_rows4_upper", store_pixels<4>},
+        {"store_pixel_rows4_lower", store_pixels<4>},
         {"store_pixels3_from_memory", store_pixels<3>},
         {"store_pixels4_from_memory", store_pixels<4>},
     };

@@ -8,21 +8,32 @@ namespace {
 
 constexpr ptrdiff_t entries_per_column = 20;
 
+// Four columns. The 32 bits of a weight are clamped before they are truncated: beyond them the conversions of CPUs differ.
+ZIV_INLINE U32<16> weights(const int64_t* sums, float reciprocal) {
+    const auto low = [=](int column) ZIV_INLINE_BODY { return static_cast<uint32_t>(sums[entries_per_column * column]); };
+    const U32<16> words = U32<16>{low(0), low(1), low(2), low(3)} - 256u;
+    const F32<16> least{}, most = least + 255.0f;
+    F32<16> weight = __builtin_convertvector((S32<16>)words, F32<16>) * reciprocal;
+    weight = weight < least ? least : weight;
+    weight = weight > most ? most : weight;
+    return (U32<16>)__builtin_convertvector(weight, S32<16>);
+}
+
 }  // namespace
 
 void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, int64_t lImgNum) {
     if (lImgNum < 2) return;
     const int64_t divisor = lImgNum - 1;
     const float reciprocal = 1.0f / static_cast<float>(divisor);
-    const ptrdiff_t width = static_cast<ptrdiff_t>(lW), blocked = blocked_columns<8>(width);
-    for (ptrdiff_t i = 0; i < blocked; i++) {
-        const int32_t sum = static_cast<int32_t>(static_cast<uint32_t>(pSumW[entries_per_column * i]) - 256u);
-        // Clamped before it is truncated, so that it fits: beyond 32 bits the conversions of CPUs differ.
-        const float weight = static_cast<float>(sum) * reciprocal;
-        pWtMap[i] = static_cast<uint8_t>(static_cast<int32_t>(weight < 0.0f ? 0.0f : weight > 255.0f ? 255.0f : weight));
+    const ptrdiff_t blocked = blocked_columns<8>(lW);
+    for (ptrdiff_t i = 0; i < blocked; i += 8) {
+        const int64_t* sums = pSumW + entries_per_column * i;
+        const U16<16> left = (U16<16>)weights(sums, reciprocal);
+        const U16<16> right = (U16<16>)weights(sums + 4 * entries_per_column, reciprocal);
+        store_low_bytes<16>(pWtMap + i, __builtin_shufflevector(left, right, 0, 2, 4, 6, 8, 10, 12, 14));
     }
     // Column pairs: an odd width reads one entry and writes one byte beyond the row.
-    for (ptrdiff_t i = blocked; i < width; i += 2) {
+    for (ptrdiff_t i = blocked; i < lW; i += 2) {
         for (ptrdiff_t k = i; k < i + 2; k++) {
             const int64_t sum = static_cast<int64_t>(static_cast<uint64_t>(pSumW[entries_per_column * k]) - 256u);
             const int64_t weight = sum / divisor;

@@ -85,7 +85,7 @@ ZIV_INLINE void reverse_row(const uint8_t* src, uint8_t* dst, ptrdiff_t bytes) {
         const uint8_t* from = src + bytes - j - stride;
         if constexpr (widest > 16)
             for (int k = 0; k < stride; k += 64) __builtin_prefetch(dst + j + k + 1024, 1);
-        const FourVectors<widest> in = load_four<widest>(from);
+        FourVectors<widest> in = load_four<widest>(from);
         FourVectors<widest> out;
         for (int k = 0; k < 4; k++) out.v[k] = reversed<samples, widest>(in.v[3 - k]);
         store_four<widest>(dst + j, out);

@@ -35,7 +35,7 @@ namespace {
 // word's top five bits and blue in the low five, or the other way about.
 template <bool red_high, int N>
 ZIV_INLINE Channels<N, 3> channels_of_565(const uint8_t* words) {
-    const Channels<N, 2> v = load2<N>(words);
+    Channels<N, 2> v = load2<N>(words);
     const U8<N> low = v.c[0], high = v.c[1];
     const U8<N> middle = (high << 5) | ((low >> 3) & uint8_t{0x1C});
     const U8<N> low_end = low << 3, high_end = high & uint8_t{0xF8};

@@ -52,7 +52,8 @@ ZIV_INLINE void copy_one_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) 
             return;
         }
     }
-    for (; j + stride <= count; j += stride) copy_four<widest>(dst + j, src + j);
+    for (; j + 2 * stride <= count; j += 2 * stride) copy_eight<widest>(dst + j, src + j);
+    if (j + stride <= count) copy_four<widest>(dst + j, src + j), j += stride;
     j += for_steps(count - j,
                    [&](auto step, ptrdiff_t k) ZIV_INLINE_BODY { store(dst + j + k, load<step.value>(src + j + k)); });
     for (; j < count; j++) dst[j] = src[j];

@@ -42,41 +42,95 @@ ZIV_INLINE Channels<16, 4> load4<16>(const uint8_t* p) {
     return {{(U8<16>)v.val[0], (U8<16>)v.val[1], (U8<16>)v.val[2], (U8<16>)v.val[3]}};
 }
 // Interleaving stores of computed vectors. GCC 12 often collects the registers of such a store in memory first; told their
-// places, it computes into them. Vectors that are only moved stay where they were loaded, and their stores count up addresses.
+// places, it computes into them: `group` 0 or 1, so that two stores may be made ready at once. Vectors that are only moved stay
+// where they were loaded, and their stores count up addresses.
 #if defined(__GNUC__) && !defined(__clang__)
+template <int group = 0>
 ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b) {
-    register uint8x16_t v0 asm("v28") = a;
-    register uint8x16_t v1 asm("v29") = b;
-    asm("st2 {%1.16b, %2.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[32]>(p)) : "w"(v0), "w"(v1));
+    if constexpr (group == 0) {
+        register uint8x16_t v0 asm("v28") = a;
+        register uint8x16_t v1 asm("v29") = b;
+        asm("st2 {%1.16b, %2.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[32]>(p)) : "w"(v0), "w"(v1));
+    } else {
+        register uint8x16_t v0 asm("v24") = a;
+        register uint8x16_t v1 asm("v25") = b;
+        asm("st2 {%1.16b, %2.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[32]>(p)) : "w"(v0), "w"(v1));
+    }
 }
+template <int group = 0>
 ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c) {
-    register uint8x16_t v0 asm("v28") = a;
-    register uint8x16_t v1 asm("v29") = b;
-    register uint8x16_t v2 asm("v30") = c;
-    asm("st3 {%1.16b, %2.16b, %3.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[48]>(p)) : "w"(v0), "w"(v1), "w"(v2));
+    if constexpr (group == 0) {
+        register uint8x16_t v0 asm("v28") = a;
+        register uint8x16_t v1 asm("v29") = b;
+        register uint8x16_t v2 asm("v30") = c;
+        asm("st3 {%1.16b, %2.16b, %3.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[48]>(p)) : "w"(v0), "w"(v1), "w"(v2));
+    } else {
+        register uint8x16_t v0 asm("v24") = a;
+        register uint8x16_t v1 asm("v25") = b;
+        register uint8x16_t v2 asm("v26") = c;
+        asm("st3 {%1.16b, %2.16b, %3.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[48]>(p)) : "w"(v0), "w"(v1), "w"(v2));
+    }
 }
+template <int group = 0>
 ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c, uint8x16_t d) {
-    register uint8x16_t v0 asm("v28") = a;
-    register uint8x16_t v1 asm("v29") = b;
-    register uint8x16_t v2 asm("v30") = c;
-    register uint8x16_t v3 asm("v31") = d;
-    asm("st4 {%1.16b, %2.16b, %3.16b, %4.16b}, %0"
-        : "=Q"(*reinterpret_cast<uint8_t(*)[64]>(p))
-        : "w"(v0), "w"(v1), "w"(v2), "w"(v3));
+    if constexpr (group == 0) {
+        register uint8x16_t v0 asm("v28") = a;
+        register uint8x16_t v1 asm("v29") = b;
+        register uint8x16_t v2 asm("v30") = c;
+        register uint8x16_t v3 asm("v31") = d;
+        asm("st4 {%1.16b, %2.16b, %3.16b, %4.16b}, %0"
+            : "=Q"(*reinterpret_cast<uint8_t(*)[64]>(p))
+            : "w"(v0), "w"(v1), "w"(v2), "w"(v3));
+    } else {
+        register uint8x16_t v0 asm("v24") = a;
+        register uint8x16_t v1 asm("v25") = b;
+        register uint8x16_t v2 asm("v26") = c;
+        register uint8x16_t v3 asm("v27") = d;
+        asm("st4 {%1.16b, %2.16b, %3.16b, %4.16b}, %0"
+            : "=Q"(*reinterpret_cast<uint8_t(*)[64]>(p))
+            : "w"(v0), "w"(v1), "w"(v2), "w"(v3));
+    }
 }
 #else
-ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b) { vst2q_u8(p, (uint8x16x2_t{{a, b}})); }
+template <int group = 0>
+ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b) {
+    vst2q_u8(p, (uint8x16x2_t{{a, b}}));
+}
+template <int group = 0>
 ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c) {
     vst3q_u8(p, (uint8x16x3_t{{a, b, c}}));
 }
+template <int group = 0>
 ZIV_INLINE void store_interleaved(uint8_t* p, uint8x16_t a, uint8x16_t b, uint8x16_t c, uint8x16_t d) {
     vst4q_u8(p, (uint8x16x4_t{{a, b, c, d}}));
 }
 #endif
 
+// Two vectors side by side.
+#if defined(__GNUC__) && !defined(__clang__)
+template <int group = 0>
+ZIV_INLINE void store_two(uint8_t* p, uint8x16_t a, uint8x16_t b) {
+    if constexpr (group == 0) {
+        register uint8x16_t v0 asm("v22") = a;
+        register uint8x16_t v1 asm("v23") = b;
+        asm("st1 {%1.16b, %2.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[32]>(p)) : "w"(v0), "w"(v1));
+    } else {
+        register uint8x16_t v0 asm("v20") = a;
+        register uint8x16_t v1 asm("v21") = b;
+        asm("st1 {%1.16b, %2.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[32]>(p)) : "w"(v0), "w"(v1));
+    }
+}
+#else
+template <int group = 0>
+ZIV_INLINE void store_two(uint8_t* p, uint8x16_t a, uint8x16_t b) {
+    vst1q_u8_x2(p, (uint8x16x2_t{{a, b}}));
+}
+#endif
+
+// Zipped before they are stored: st2 is slow on the largest cores and no quicker on the others.
 template <>
 ZIV_INLINE void store2<16>(uint8_t* p, U8<16> a, U8<16> b) {
-    vst2q_u8(p, (uint8x16x2_t{{(uint8x16_t)a, (uint8x16_t)b}}));
+    store_two(p, vzip1q_u8((uint8x16_t)a, (uint8x16_t)b), vzip2q_u8((uint8x16_t)a, (uint8x16_t)b));
 }
 template <>
 ZIV_INLINE void store3<16>(uint8_t* p, U8<16> a, U8<16> b, U8<16> c) {
@@ -145,9 +199,23 @@ template <>
 ZIV_INLINE S16<16> multiply_round_high<16>(S16<16> a, S16<16> b) {
     return (S16<16>)vqrdmulhq_s16((int16x8_t)a, (int16x8_t)b);
 }
+// A weight for the multiplications by a lane, hidden from the compiler, which would take a vector of it and the slower form.
+ZIV_INLINE int16x8_t hidden_weight(int weight) {
+    int16x8_t w = vdupq_n_s16(static_cast<int16_t>(weight));
+    asm("" : "+w"(w));
+    return w;
+}
+template <>
+ZIV_INLINE S16<16> multiply<16>(S16<16> a, int weight) {
+    return (S16<16>)vmulq_laneq_s16((int16x8_t)a, hidden_weight(weight), 0);
+}
 template <>
 ZIV_INLINE S16<16> multiply_q15<16>(S16<16> a, int weight) {
-    return (S16<16>)vqdmulhq_n_s16((int16x8_t)a, static_cast<int16_t>(weight));
+    return (S16<16>)vqdmulhq_laneq_s16((int16x8_t)a, hidden_weight(weight), 0);
+}
+template <>
+ZIV_INLINE S16<16> multiply_round_q15<16>(S16<16> a, int weight) {
+    return (S16<16>)vqrdmulhq_laneq_s16((int16x8_t)a, hidden_weight(weight), 0);
 }
 template <>
 ZIV_INLINE S16<16> multiply_high<16>(S16<16> a, S16<16> b) {
@@ -155,13 +223,18 @@ ZIV_INLINE S16<16> multiply_high<16>(S16<16> a, S16<16> b) {
 }
 template <>
 ZIV_INLINE S16<16> weigh_pair_q15<16>(S16<16> a, S16<16> b, int weight_a, int weight_b) {
-    const int16_t wa = static_cast<int16_t>(weight_a), wb = static_cast<int16_t>(weight_b);
+    const int16x8_t wa = hidden_weight(weight_a), wb = hidden_weight(weight_b);
     const int16x8_t a8 = (int16x8_t)a, b8 = (int16x8_t)b;
-    const int32x4_t lo = vmlal_n_s16(vmull_n_s16(vget_low_s16(a8), wa), vget_low_s16(b8), wb);
-    const int32x4_t hi = vmlal_high_n_s16(vmull_high_n_s16(a8, wa), b8, wb);
+    const int32x4_t lo = vmlal_laneq_s16(vmull_laneq_s16(vget_low_s16(a8), wa, 0), vget_low_s16(b8), wb, 0);
+    const int32x4_t hi = vmlal_high_laneq_s16(vmull_high_laneq_s16(a8, wa, 0), b8, wb, 0);
     return (S16<16>)vrshrn_high_n_s32(vrshrn_n_s32(lo, 15), hi, 15);
 }
 
+template <>
+ZIV_INLINE S16<16> weigh_pair_bytes<16>(U8<16> pairs, int weight_a, int weight_b) {
+    const int16x8_t a = (int16x8_t)even_bytes<16>(pairs), b = (int16x8_t)odd_bytes<16>(pairs);
+    return (S16<16>)vmlaq_laneq_s16(vmulq_laneq_s16(a, hidden_weight(weight_a), 0), b, hidden_weight(weight_b), 0);
+}
 template <>
 inline constexpr int zero_lane_bits<16> = 8;
 template <>
@@ -212,26 +285,72 @@ ZIV_INLINE U8<16> shift_right_insert<5>(U8<16> kept, U8<16> inserted) {
 
 template <>
 ZIV_INLINE FourVectors<16> load_four<16>(const uint8_t* p) {
-    const uint8x16x4_t q = vld1q_u8_x4(p);
-    return {{(U8<16>)q.val[0], (U8<16>)q.val[1], (U8<16>)q.val[2], (U8<16>)q.val[3]}};
+    FourVectors<16> four;
+    asm("ldr %q0, [%4]\n\t"
+        "ldr %q1, [%4, #16]\n\t"
+        "ldr %q2, [%4, #32]\n\t"
+        "ldr %q3, [%4, #48]"
+        : "=&w"(four.v[0]), "=&w"(four.v[1]), "=&w"(four.v[2]), "=&w"(four.v[3])
+        : "r"(p), "m"(*reinterpret_cast<const uint8_t(*)[64]>(p)));
+    return four;
 }
 template <>
 ZIV_INLINE void store_four<16>(uint8_t* p, const FourVectors<16>& four) {
-    const uint8x16x4_t q = {{(uint8x16_t)four.v[0], (uint8x16_t)four.v[1], (uint8x16_t)four.v[2], (uint8x16_t)four.v[3]}};
-    vst1q_u8_x4(p, q);
+    store_two(p, (uint8x16_t)four.v[0], (uint8x16_t)four.v[1]);
+    store_two<1>(p + 32, (uint8x16_t)four.v[2], (uint8x16_t)four.v[3]);
 }
+// Single loads and paired stores, each at an address of its own: what every core takes well. Left to themselves compilers make
+// pairs of the loads, or groups of four of both, or let each address wait for the one before it.
 template <>
 ZIV_INLINE void copy_four<16>(uint8_t* dst, const uint8_t* src) {
-    vst1q_u8_x4(dst, vld1q_u8_x4(src));
+    uint8_t* second;
+    asm("ldr q20, [%3]\n\t"
+        "ldr q21, [%3, #16]\n\t"
+        "ldr q22, [%3, #32]\n\t"
+        "ldr q23, [%3, #48]\n\t"
+        "add %1, %2, #32\n\t"
+        "st1 {v20.16b, v21.16b}, [%2]\n\t"
+        "st1 {v22.16b, v23.16b}, [%1]"
+        : "=m"(*reinterpret_cast<uint8_t(*)[64]>(dst)), "=&r"(second)
+        : "r"(dst), "r"(src), "m"(*reinterpret_cast<const uint8_t(*)[64]>(src))
+        : "v20", "v21", "v22", "v23");
+}
+template <>
+ZIV_INLINE void copy_eight<16>(uint8_t* dst, const uint8_t* src) {
+    uint8_t *second, *third, *fourth;
+    asm("ldr q16, [%5]\n\t"
+        "ldr q17, [%5, #16]\n\t"
+        "ldr q18, [%5, #32]\n\t"
+        "ldr q19, [%5, #48]\n\t"
+        "ldr q20, [%5, #64]\n\t"
+        "ldr q21, [%5, #80]\n\t"
+        "ldr q22, [%5, #96]\n\t"
+        "ldr q23, [%5, #112]\n\t"
+        "add %1, %4, #32\n\t"
+        "add %2, %4, #64\n\t"
+        "add %3, %4, #96\n\t"
+        "st1 {v16.16b, v17.16b}, [%4]\n\t"
+        "st1 {v18.16b, v19.16b}, [%1]\n\t"
+        "st1 {v20.16b, v21.16b}, [%2]\n\t"
+        "st1 {v22.16b, v23.16b}, [%3]"
+        : "=m"(*reinterpret_cast<uint8_t(*)[128]>(dst)), "=&r"(second), "=&r"(third), "=&r"(fourth)
+        : "r"(dst), "r"(src), "m"(*reinterpret_cast<const uint8_t(*)[128]>(src))
+        : "v16", "v17", "v18", "v19", "v20", "v21", "v22", "v23");
+}
+// By a table, hidden from the compiler: rev64 and ext, which it may prefer, are two instructions.
+template <class Index>
+ZIV_INLINE U8<16> look_up(U8<16> v, Index index) {
+    uint8x16_t places = vld1q_u8(byte_table<16>(index));
+    asm("" : "+w"(places));
+    return (U8<16>)vqtbl1q_u8((uint8x16_t)v, places);
 }
 template <>
 ZIV_INLINE U8<16> reverse_bytes<16>(U8<16> v) {
-    return __builtin_shufflevector(v, v, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+    return look_up(v, [](int n) { return 15 - n; });
 }
-// One table for four vectors, where rev64 and ext are two instructions each.
 template <>
 ZIV_INLINE U8<16> reverse_pairs<16>(U8<16> v) {
-    return __builtin_shufflevector(v, v, 14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1);
+    return look_up(v, [](int n) { return 14 - n + 2 * (n % 2); });
 }
 
 // ---- Pairs of chroma samples ----

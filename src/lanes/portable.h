@@ -349,6 +349,18 @@ ZIV_INLINE S16<N> multiply_q15(S16<N> a, int weight) {
     return multiply_high<N>(a, constant<N>(2 * weight));
 }
 
+// The same with one weight, less than 2^15 in size.
+template <int N>
+ZIV_INLINE S16<N> multiply_round_q15(S16<N> a, int weight) {
+    return multiply_round_high<N>(a, constant<N>(weight));
+}
+
+// a * weight, modulo 2^16.
+template <int N>
+ZIV_INLINE S16<N> multiply(S16<N> a, int weight) {
+    return (S16<N>)((U16<N>)a * (U16<N>)constant<N>(weight));
+}
+
 // (a * weight_a + b * weight_b + 2^14) >> 15, which must fit 16 bits; the sum must fit 32. Twice the upper halves of the
 // products, and the upper three bits of half the sum of the lower ones rounded to two.
 template <int N>
@@ -461,6 +473,11 @@ ZIV_INLINE void store_four(uint8_t* p, const FourVectors<N>& four) {
 template <int N>
 ZIV_INLINE void copy_four(uint8_t* dst, const uint8_t* src) {
     store_four<N>(dst, load_four<N>(src));
+}
+template <int N>
+ZIV_INLINE void copy_eight(uint8_t* dst, const uint8_t* src) {
+    copy_four<N>(dst, src);
+    copy_four<N>(dst + 4 * N, src + 4 * N);
 }
 
 // ---- Turning and mirroring. A vector of 32 or 64 bytes is parts of 16 bytes side by side, and the operations on parts treat

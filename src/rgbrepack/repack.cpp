@@ -33,7 +33,10 @@ ZIV_INLINE void for_pixel_steps(const uint8_t* src, uint8_t* dst, ptrdiff_t bloc
     const uintptr_t ahead = reinterpret_cast<uintptr_t>(dst) - reinterpret_cast<uintptr_t>(src);
     const bool apart = ahead >= static_cast<uintptr_t>(in * blocked) && 0 - ahead >= static_cast<uintptr_t>(out * blocked);
     if (lead == 0 || blocked < 4 * widest || !apart) {
-        for_steps(blocked, convert);
+        ptrdiff_t j = 0;
+        if constexpr (widest_pixels > widest)
+            for (; j + widest_pixels <= blocked; j += widest_pixels) convert(Step<widest_pixels>{}, j);
+        for_steps(blocked - j, [=](auto step, ptrdiff_t k) ZIV_INLINE_BODY { convert(step, j + k); });
         return;
     }
     convert(Step<widest>{}, 0);

@@ -17,26 +17,26 @@ inline constexpr float red_of_v = 1.402f, green_of_v = -0.714f, green_of_u = -0.
 
 // Either way of taking the terms has:
 //   load                  the pairs of N columns
-//   terms, all_sound      their terms; the last argument, all_sound at first, changes if one of the 17 pairs is among them
+//   all_sound, terms      their terms; the last argument, all_sound at first, changes if one of the 17 pairs is among them
+//   is_sound              whether it has not
 //   unsound, bits, pair   the lanes of such pairs, so many bits for each, and the pair of a lane
 
 // ---- By words: the 17 pairs, and 34 more, are known from their quotients ----
 
 template <int N>
 struct Binary32ByWords {
-    static constexpr uint64_t all_sound = 0;
     static constexpr int bits = zero_lane_bits<N>;
     static constexpr int pair(int lane) { return pair_in_lane<N, 4>(lane); }
 
     ZIV_INLINE static U8<N> load(const uint8_t* pairs) { return arrange_pairs<N, 4>(ZIVCOLOR_TARGET::load<N>(pairs)); }
-    ZIV_INLINE static PixelTerms4<N> terms(U8<N> pairs, uint8_t alpha, uint64_t& unsound_so_far) {
-        const U8<N> centred = pairs ^ 128;
+    ZIV_INLINE static U16<N> all_sound() { return U16<N>{} + uint16_t{UINT16_MAX}; }
+    ZIV_INLINE static bool is_sound(U16<N> least) { return zero_lanes<N>(least) == 0; }
+    ZIV_INLINE static PixelTerms4<N> terms(U8<N> pairs, uint8_t alpha, U16<N>& least) {
         // 4 v and 4 u by 1.402 and 1.772 in 1/32768, halved. No term but 0 comes closer to a whole number than they are off.
-        const S16<N> r = multiply_q15<N>(weigh_signed_bytes<N>(centred, 4, 0), 11485);
-        const S16<N> b = multiply_q15<N>(weigh_signed_bytes<N>(centred, 0, 4), 14516);
-        const Green green = green_of(pairs);
-        unsound_so_far |= zero_lanes<N>(green.sound);
-        return pixel_terms<N>(b, green.term, r, alpha);
+        const OuterLanes<N> outer = multiply_outer_q15<N>(outer_lanes_times_4<N>(pairs ^ 128), 11485, 14516);
+        Green green = green_of(pairs);
+        least = lane_min(least, green.sound);
+        return pixel_terms<N>(outer.part[1], green.term, outer.part[0], alpha);
     }
     ZIV_INLINE static uint64_t unsound(const uint8_t* pairs) { return zero_lanes<N>(green_of(load(pairs)).sound); }
 
@@ -53,10 +53,10 @@ private:
         const S16<N> v = (S16<N>)pairs & constant<N>(255);
         const S16<N> rest = (S16<N>)((U16<N>)(constant<N>(4 * (125 * whole - centre) - 65536) - v) >> 2);
         const S16<N> quarter = weigh_pair_bytes<N>(pairs, weight_v, weight_u) + rest;
-        const S16<N> quotient = multiply_round_high<N>(quarter, constant<N>(16777)) >> 6;
+        const S16<N> quotient = multiply_round_q15<N>(quarter, 16777) >> 6;
         // A whole term: `quarter` is a multiple of 125, so that its product with the inverse of 125 modulo 2^16 is the
         // quotient, and nothing was lost in v / 4. The 17 pairs have quotients of -74 to -11, and so products below 64.
-        const S16<N> product = (S16<N>)((U16<N>)quarter * (U16<N>)constant<N>(0x78D5));
+        const S16<N> product = multiply<N>(quarter, 0x78D5);
         return {quotient - v + constant<N>(128 - whole), (U16<N>)((product & constant<N>(-64)) | (v & constant<N>(3)))};
     }
 };
@@ -80,11 +80,12 @@ inline constexpr UnsoundPairs unsound_pairs;
 
 template <int N>
 struct Binary32ByBytes {
-    static constexpr uint32_t all_sound = UINT32_MAX >> (32 - N / 2);
     static constexpr int bits = 1;
     static constexpr int pair(int lane) { return lane; }
 
     ZIV_INLINE static U8<N> load(const uint8_t* pairs) { return ZIVCOLOR_TARGET::load<N>(pairs); }
+    ZIV_INLINE static uint32_t all_sound() { return UINT32_MAX >> (32 - N / 2); }
+    ZIV_INLINE static bool is_sound(uint32_t sound) { return sound == all_sound(); }
     ZIV_INLINE static PixelTerms4<N> terms(U8<N> pairs, uint8_t alpha, uint32_t& sound) {
         const U8<N> centred = pairs ^ 128;
         const OuterLanes<N> outer = multiply_outer_q15<N>(outer_lanes_times_4<N>(centred), 11485, 14516);
@@ -95,13 +96,13 @@ struct Binary32ByBytes {
         const U16<N> v = (U16<N>)pairs & (U16<N>)constant<N>(255);
         const U16<N> rest = (v + (U16<N>)constant<N>(3 + 4 * (124 + 125 * whole - 32) - 65536)) >> 2;
         const S16<N> numerator = weigh_signed_bytes<N>(centred, 89, 43) + (S16<N>)rest;
-        const S16<N> green = constant<N>(whole) - (multiply_round_high<N>(numerator, constant<N>(16777)) >> 6);
+        const S16<N> green = constant<N>(whole) - (multiply_round_q15<N>(numerator, 16777) >> 6);
         const PixelTerms4<N> terms = pixel_terms<N>(outer, green, alpha);
         sound = unlisted_lanes<N>(sound, (U16<N>)pairs, unsound_pairs.word);
         return terms;
     }
     ZIV_INLINE static uint64_t unsound(const uint8_t* pairs) {
-        return all_sound & ~unlisted_lanes<N>(all_sound, (U16<N>)load(pairs), unsound_pairs.word);
+        return all_sound() & ~unlisted_lanes<N>(all_sound(), (U16<N>)load(pairs), unsound_pairs.word);
     }
 };
 
@@ -132,18 +133,17 @@ template <class Way, int N>
 ZIV_INLINE ptrdiff_t convert_binary32_steps(RowPair rows, PairedChroma<PairOrder::vu> chroma, const ptrdiff_t first,
                                             ptrdiff_t columns, uint8_t alpha) {
     const ptrdiff_t ahead = writes_ahead(rows);
-    auto sound = Way::all_sound;
+    auto sound = Way::all_sound();
     ptrdiff_t j = first;
     for (; j + N <= columns; j += N) {
         const auto pairs = Way::load(chroma.pairs + j);
         j = hidden_index(j);
-        const PixelTerms4<N> terms = Way::terms(pairs, alpha, sound);
+        PixelTerms4<N> terms = Way::terms(pairs, alpha, sound);
         prefetch_writes_ahead<4 * N>(rows.dst0 + 4 * j, ahead);
         prefetch_writes_ahead<4 * N>(rows.dst1 + 4 * j, ahead);
-        store_pixels<N>(rows.dst0 + 4 * j, rows.luma0 + j, terms);
-        store_pixels<N>(rows.dst1 + 4 * j, rows.luma1 + j, terms);
+        store_pixel_rows<N>(rows.dst0 + 4 * j, rows.dst1 + 4 * j, rows.luma0 + j, rows.luma1 + j, terms);
     }
-    if (sound != Way::all_sound) [[unlikely]]
+    if (!Way::is_sound(sound)) [[unlikely]]
         mend_green<Way, N>(rows, chroma, first, columns);
     return j;
 }

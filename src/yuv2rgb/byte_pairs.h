@@ -40,6 +40,9 @@ ZIV_INLINE uint32_t unlisted_lanes(uint32_t lanes, U16<N> words, const uint16_t 
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb
 
+#if ZIV_HAS_ADVANCED_SIMD
+#include "yuv2rgb/byte_pairs_neon.h"
+#endif
 #if ZIV_HAS_AVX512_VBMI
 #include "yuv2rgb/byte_pairs_x86.h"
 #endif

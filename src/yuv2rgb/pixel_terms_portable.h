@@ -95,4 +95,18 @@ ZIV_INLINE void store_pixels(uint8_t* p, const uint8_t* luma, const PixelTerms4<
     store_pixels<N>(p, load<N>(luma), terms);
 }
 
+// N pixels of each of two rows that share their terms; luma of both may be read before either is written.
+template <int N>
+ZIV_INLINE void store_pixel_rows(uint8_t* p0, uint8_t* p1, const uint8_t* luma0, const uint8_t* luma1,
+                                 const PixelTerms3<N>& terms) {
+    store_pixels<N>(p0, luma0, terms);
+    store_pixels<N>(p1, luma1, terms);
+}
+template <int N>
+ZIV_INLINE void store_pixel_rows(uint8_t* p0, uint8_t* p1, const uint8_t* luma0, const uint8_t* luma1,
+                                 const PixelTerms4<N>& terms) {
+    store_pixels<N>(p0, luma0, terms);
+    store_pixels<N>(p1, luma1, terms);
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb

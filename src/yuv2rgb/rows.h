@@ -95,7 +95,7 @@ ZIV_INLINE void convert_row_blocks(const uint8_t* luma, RowChroma chroma, uint8_
     for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = step.value;
         prefetch_writes<pixel_bytes<order> * N>(dst + pixel_bytes<order> * j);
-        const auto terms = terms_of<Set, order, N>(chroma.template load_at<N, pixel_bytes<order>>(j), alpha);
+        auto terms = terms_of<Set, order, N>(chroma.template load_at<N, pixel_bytes<order>>(j), alpha);
         store_pixels<N>(dst + pixel_bytes<order> * j, luma + j, terms);
     });
 }
@@ -143,12 +143,11 @@ ZIV_INLINE void convert_blocks(StepOrder, RowPair rows, RowChroma chroma, ptrdif
     const ptrdiff_t ahead = writes_ahead(rows);
     for_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         constexpr int N = step.value;
-        const auto terms = terms_of<Set, order, N>(chroma.template load_at<N, pixel_bytes<order>>(j), alpha);
+        auto terms = terms_of<Set, order, N>(chroma.template load_at<N, pixel_bytes<order>>(j), alpha);
         uint8_t *const dst0 = rows.dst0 + pixel_bytes<order> * j, *const dst1 = rows.dst1 + pixel_bytes<order> * j;
         prefetch_writes_ahead<pixel_bytes<order> * N>(dst0, ahead);
         prefetch_writes_ahead<pixel_bytes<order> * N>(dst1, ahead);
-        store_pixels<N>(dst0, rows.luma0 + j, terms);
-        store_pixels<N>(dst1, rows.luma1 + j, terms);
+        store_pixel_rows<N>(dst0, dst1, rows.luma0 + j, rows.luma1 + j, terms);
     });
 }
 

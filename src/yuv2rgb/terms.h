@@ -26,8 +26,8 @@ struct SetQ15 {
     static int b(int u, int) { return (58065 * u + 16384) >> 15; }
     template <int N>
     ZIV_INLINE static ChromaTerms<N> terms(const Chroma<N>& c) {
-        const S16<N> r = c.v + multiply_round_high<N>(c.v, constant<N>(45941 - 32768));
-        const S16<N> b = c.u + multiply_round_high<N>(c.u, constant<N>(58065 - 32768));
+        const S16<N> r = c.v + multiply_round_q15<N>(c.v, 45941 - 32768);
+        const S16<N> b = c.u + multiply_round_q15<N>(c.u, 58065 - 32768);
         return {r, weigh_pair_q15<N>(c.u, c.v, -11277, -23401), b};
     }
 };
@@ -63,9 +63,9 @@ struct SetR5 {
     static int b(int u, int) { return (57 * u + 16) >> 5; }
     template <int N>
     ZIV_INLINE static ChromaTerms<N> terms(const Chroma<N>& c) {
-        const S16<N> r = multiply_round_high<N>(c.v256, constant<N>(45 * 4));
-        const S16<N> b = multiply_round_high<N>(c.u256, constant<N>(57 * 4));
-        return {r, (constant<N>(16) - c.u * constant<N>(11) - c.v * constant<N>(23)) >> 5, b};
+        const S16<N> r = multiply_round_q15<N>(c.v256, 45 * 4);
+        const S16<N> b = multiply_round_q15<N>(c.u256, 57 * 4);
+        return {r, (constant<N>(16) - multiply<N>(c.u, 11) - multiply<N>(c.v, 23)) >> 5, b};
     }
 };
 

@@ -123,7 +123,7 @@ int32_t zivColorYUVtoNV21u8(const Image* srcImg, const Image* dstImg) {
             blocked, no_lead,
             [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
                 constexpr int N = step.value;
-                const Channels<N, 3> upper = load3<N>(src0 + 3 * k);
+                Channels<N, 3> upper = load3<N>(src0 + 3 * k);
                 return Channels<N, 3>{{upper.c[0], load3<N>(src1 + 3 * k).c[0], even_pairs<N>(upper.c[2], upper.c[1])}};
             },
             ToPlane<0>{luma0}, ToPlane<1>{luma1}, ToPlane<2>{chroma});

@@ -98,7 +98,7 @@ ZIV_INLINE void unpack_run_vu(const uint8_t* src, uint8_t* luma, uint8_t* chroma
         columns, lead_of<2, 2>(luma),
         [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
             constexpr int N = step.value;
-            const Channels<N, 2> v = load2<N>(src + 2 * k);
+            Channels<N, 2> v = load2<N>(src + 2 * k);
             return Channels<N, 2>{{v.c[0], swap_pairs<N>(v.c[1])}};
         },
         ToPlane<0>{luma}, ToPlane<1>{chroma});
@@ -180,7 +180,7 @@ ZIV_INLINE void unpack_run_planar(const uint8_t* src, uint8_t* luma, uint8_t* u,
         pairs, lead_of<2>(luma),
         [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
             constexpr int N = step.value;
-            const Channels<N, 2> a = load2<N>(src + 4 * k), b = load2<N>(src + 4 * k + 2 * N);
+            Channels<N, 2> a = load2<N>(src + 4 * k), b = load2<N>(src + 4 * k + 2 * N);
             return Channels<N, 4>{{a.c[0], b.c[0], even_lanes<N>(a.c[1], b.c[1]), odd_lanes<N>(a.c[1], b.c[1])}};
         },
         [=](auto step, const auto& w, ptrdiff_t k) ZIV_INLINE_BODY {

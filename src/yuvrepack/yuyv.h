@@ -4,9 +4,6 @@
 #include "core/kernel.h"
 
 #include "yuvrepack/yuyv_portable.h"
-#if ZIV_HAS_ADVANCED_SIMD
-#include "yuvrepack/yuyv_neon.h"
-#endif
 #if ZIV_HAS_AVX2
 #include "yuvrepack/yuyv_x86.h"
 #endif

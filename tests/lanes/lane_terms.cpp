@@ -106,6 +106,25 @@ ZIV_INLINE auto four_channel_terms(const uint8_t* in) {
 }
 TERM(store_pixels4, { store_pixels<N>(out, v.d, four_channel_terms<N>(in)); })
 TERM(store_pixels4_from_memory, { store_pixels<N>(out, in + 3 * N, four_channel_terms<N>(in)); })
+// Either row of two, beside another.
+TERM(store_pixel_rows3_upper, {
+    auto terms = pixel_terms<N>(arranged_term<N, 3>(v.a), arranged_term<N, 3>(v.b), arranged_term<N, 3>(v.c));
+    uint8_t other[3 * N];
+    store_pixel_rows<N>(out, other, in + 3 * N, in, terms);
+})
+TERM(store_pixel_rows3_lower, {
+    auto terms = pixel_terms<N>(arranged_term<N, 3>(v.a), arranged_term<N, 3>(v.b), arranged_term<N, 3>(v.c));
+    uint8_t other[3 * N];
+    store_pixel_rows<N>(other, out, in, in + 3 * N, terms);
+})
+TERM(store_pixel_rows4_upper, {
+    uint8_t other[4 * N];
+    store_pixel_rows<N>(out, other, in + 3 * N, in, four_channel_terms<N>(in));
+})
+TERM(store_pixel_rows4_lower, {
+    uint8_t other[4 * N];
+    store_pixel_rows<N>(other, out, in, in + 3 * N, four_channel_terms<N>(in));
+})
 // Packed 4:2:2: the pixels' luma with one term for all channels; with u for the first, v for the last and an eighth of both off
 // the second channel.
 TERM(packed422_pixels3, {
@@ -150,6 +169,8 @@ TERM(load_arranged, {
     store_in_order<N, 3>(out, load_arranged<N, 3>(in));
     store_in_order<N, 4>(out + N, load_arranged<N, 4>(in));
 })
+TERM(multiply, { store(out, multiply<N>((S16<N>)v.a, 0x78D5)); })
+TERM(multiply_round_q15, { store(out, multiply_round_q15<N>((S16<N>)v.a, 25297)); })
 TERM(multiply_q15, { store(out, multiply_q15<N>((S16<N>)v.a, -11277)); })
 // Of lanes whose byte 0 counts; a lane's bits are all set or none.
 TERM(zero_lanes, {
@@ -205,6 +226,20 @@ TERM(shift_right_insert_5, { store(out, shift_right_insert<5>(v.a, v.b)); })
 TERM(pack_pixels_565, { pack_pixels_565<N, 0, 2>(out, in); })
 TERM(pack_pixels_565_reversed, { pack_pixels_565<N, 2, 0>(out, in); })
 TERM(copy_four, { copy_four<N>(out, in); })
+TERM(copy_eight_first, {
+    uint8_t eight[8 * N];
+    uint8_t copied[8 * N];
+    for (int i = 0; i < 4 * N; i++) eight[i] = in[i], eight[4 * N + i] = static_cast<uint8_t>(~in[i]);
+    copy_eight<N>(copied, eight);
+    __builtin_memcpy(out, copied, 4 * N);
+})
+TERM(copy_eight_last, {
+    uint8_t eight[8 * N];
+    uint8_t copied[8 * N];
+    for (int i = 0; i < 4 * N; i++) eight[i] = static_cast<uint8_t>(~in[i]), eight[4 * N + i] = in[i];
+    copy_eight<N>(copied, eight);
+    __builtin_memcpy(out, copied + 4 * N, 4 * N);
+})
 TERM(store_yuyv, { store_yuyv<N>(out, load_for_yuyv<N>(in, in + 2 * N, in + 3 * N)); })
 TERM(load_parts, { store(out, load_parts<N>(in, 24)); })
 TERM(zip_parts_low, { store(out, zip_parts_low<N>(v.a, v.b)); })
@@ -344,6 +379,8 @@ static constexpr harness::LaneTerm rows[] = {
     ROWS(lane_max_s16) ROWS(even_bytes) ROWS(odd_bytes) ROWS(merge_bytes) ROWS(double_bytes) ROWS(even_lanes)
     ROWS(odd_lanes) ROWS(interleave_low) ROWS(interleave_high) ROWS(narrow_saturating) ROWS(widen_add_narrow)
     ROWS(multiply_round_high) ROWS(multiply_high) ROWS(weigh_pair_q15) ROWS(store_pixels3) ROWS(store_pixels4)
+    ROWS(store_pixel_rows3_upper) ROWS(store_pixel_rows3_lower) ROWS(store_pixel_rows4_upper) ROWS(store_pixel_rows4_lower)
+    ROWS(multiply) ROWS(multiply_round_q15) ROWS(copy_eight_first) ROWS(copy_eight_last)
     ROWS(store_pixels3_from_memory) ROWS(store_pixels4_from_memory) ROWS(packed422_pixels3) ROWS(packed422_pairs3)
     ROWS(packed422_words) ROWS(packed422_words_reversed) ROWS(constant) ROWS(constants)
     ROWS(arrange_pairs) ROWS(load_arranged) ROWS(weigh_pair_bytes) ROWS(weigh_signed_bytes) ROWS(outer_lanes4)
