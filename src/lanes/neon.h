@@ -16,6 +16,10 @@ template <>
 ZIV_INLINE void store(uint8_t* p, U8<16> v) {
     vst1q_u8(p, (uint8x16_t)v);
 }
+template <>
+ZIV_INLINE void store_at(uint8_t* p, U8<16> v) {
+    asm("st1 {%1.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[16]>(p)) : "w"(v));
+}
 
 template <>
 ZIV_INLINE U16<16> load_widened<16>(const uint8_t* p) {

@@ -26,11 +26,11 @@ struct PixelHalves {
     using From = const uint8_t[16 * in];
     using To = uint8_t[16 * out];
 };
-#define ZIV_MOVE_PIXEL_HALVES(in, out, instructions)                                                              \
-    using Halves = PixelHalves<in, out>;                                                                          \
-    asm(instructions                                                                                              \
-        : "=Q"(*reinterpret_cast<Halves::To*>(dst)), "=Q"(*reinterpret_cast<Halves::To*>(dst + 16 * out))         \
-        : "Q"(*reinterpret_cast<Halves::From*>(src)), "Q"(*reinterpret_cast<Halves::From*>(src + 16 * in))        \
+#define ZIV_MOVE_PIXEL_HALVES(in, out, instructions)                                                       \
+    using Halves = PixelHalves<in, out>;                                                                   \
+    asm(instructions                                                                                       \
+        : "=Q"(*reinterpret_cast<Halves::To*>(dst)), "=Q"(*reinterpret_cast<Halves::To*>(dst + 16 * out))  \
+        : "Q"(*reinterpret_cast<Halves::From*>(src)), "Q"(*reinterpret_cast<Halves::From*>(src + 16 * in)) \
         : "v16", "v17", "v18", "v19", "v20", "v21", "v22", "v23", "v24", "v25", "v26", "v27")
 
 template <>
