@@ -1,6 +1,8 @@
 #include "core/capabilities.h"
 
-#if defined(__aarch64__) && defined(__linux__) && !defined(__ARM_FEATURE_DOTPROD)
+#if defined(__x86_64__)
+#include <cpuid.h>
+#elif defined(__aarch64__) && defined(__linux__) && !defined(__ARM_FEATURE_DOTPROD)
 #include <sys/auxv.h>
 #elif defined(__aarch64__) && defined(__APPLE__) && !defined(__ARM_FEATURE_DOTPROD)
 #include <stddef.h>
@@ -11,12 +13,42 @@ namespace zivcolor {
 
 #if defined(__x86_64__)
 
-// The builtins also ask the operating system which vector state it saves.
-bool cpu_has_SSE4_2() { return __builtin_cpu_supports("sse4.2"); }
-bool cpu_has_AVX2() { return __builtin_cpu_supports("avx2"); }
+namespace {
+
+// Asked of the CPU itself: what the compiler's builtin looks into is not to be had in every run-time library.
+struct Leaf {
+    unsigned a = 0, b = 0, c = 0, d = 0;  // all zero where the CPU has no such leaf
+};
+
+Leaf cpuid(unsigned number) {
+    Leaf leaf;
+    if (!__get_cpuid_count(number, 0, &leaf.a, &leaf.b, &leaf.c, &leaf.d)) return {};
+    return leaf;
+}
+
+constexpr bool has_bit(unsigned word, int bit) { return (word >> bit & 1) != 0; }
+
+constexpr unsigned ymm_state = 0x06, zmm_state = 0xE6;
+
+// Whether the operating system saves all these parts of the vector state.
+bool saves(unsigned state) {
+    constexpr int os_uses_xsave = 27;
+    if (!has_bit(cpuid(1).c, os_uses_xsave)) return false;
+    unsigned low, high;
+    asm volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+    return (low & state) == state;
+}
+
+}  // namespace
+
+bool cpu_has_SSE4_2() { return has_bit(cpuid(1).c, 20); }
+
+bool cpu_has_AVX2() { return saves(ymm_state) && has_bit(cpuid(1).c, 28) && has_bit(cpuid(7).b, 5); }
+
 bool cpu_has_AVX512_VBMI() {
-    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl") &&
-           __builtin_cpu_supports("avx512vbmi");
+    const Leaf leaf = cpuid(7);
+    const bool f = has_bit(leaf.b, 16), bw = has_bit(leaf.b, 30), vl = has_bit(leaf.b, 31), vbmi = has_bit(leaf.c, 1);
+    return saves(zmm_state) && f && bw && vl && vbmi;
 }
 
 #elif defined(__aarch64__)
