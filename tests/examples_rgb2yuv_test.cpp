@@ -202,8 +202,8 @@ TEST(RgbToYuv, SizesBelowTheLeastAreRefusedInEitherPicture) {
             EXPECT_EQ(status(4, 4, 4, height - 1), zivStatus_BadArgument);
             // A null descriptor is found before anything else.
             Picture destination(c->destination, 1, 1);
-            destination.format = 0;
-            const zivcolor::Image bad = destination.image();
+            zivcolor::Image bad = destination.image();
+            bad.format = 0;
             EXPECT_EQ(c->convert(kernels, nullptr, &bad, 0), zivStatus_NullPointer);
             EXPECT_EQ(c->convert(kernels, &bad, nullptr, 0), zivStatus_NullPointer);
         });
