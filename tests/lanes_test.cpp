@@ -217,7 +217,7 @@ const std::map<std::string, Meaning>& meanings() {
              for (int i = 0; i < N / 2; i += 2) table[in[2 * i + 1] / 4 % 32] = s16(in, i) & 0xFFFF;
              for (int i = 0; i < N / 2; i++) out[i] = i != 1 && table[in[2 * i + 1] / 4 % 32] != (s16(in, i) & 0xFFFF);
          }},
-        {"multiply", on_s16([](int64_t a, int64_t) { return static_cast<int16_t>(a * 0x78D5); })},
+        {"multiply", on_s16([](int64_t a, int64_t) -> int64_t { return static_cast<int16_t>(a * 0x78D5); })},
         {"multiply_round_q15", on_s16([](int64_t a, int64_t) { return (a * 25297 + 16384) >> 15; })},
         {"multiply_q15", on_s16([](int64_t a, int64_t) { return (a * -11277) >> 15; })},
         {"zero_lanes",

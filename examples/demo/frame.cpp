@@ -18,6 +18,7 @@ std::vector<Plane> planes_of(uint32_t format, int w, int h) {
     if (format == zivPixFmt_NV41) format = zivPixFmt_NV21;
     const zivcolor::Layout& layout = *zivcolor::layout_of(format);
     std::vector<Plane> planes;
+    planes.reserve(static_cast<size_t>(layout.planes));
     for (int k = 0; k < layout.planes; k++) planes.push_back({layout.row_bytes(k, w), layout.rows(k, h)});
     return planes;
 }

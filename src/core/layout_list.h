@@ -36,8 +36,8 @@
 namespace zivcolor {
 
 struct Layout {
-    uint32_t format;
     const char* name;
+    uint32_t format;
     int planes;
     struct {
         int bytes, columns, rows;  // so many bytes hold the samples of columns by rows pixels
@@ -55,7 +55,7 @@ struct Layout {
 
 inline constexpr Layout layouts[] = {
 #define ZIVCOLOR_LAYOUT(name, planes, bytes, columns, chroma_bytes, chroma_columns, chroma_rows) \
-    {zivPixFmt_##name, #name, planes, {bytes, columns, 1}, {chroma_bytes, chroma_columns, chroma_rows}},
+    {#name, zivPixFmt_##name, planes, {bytes, columns, 1}, {chroma_bytes, chroma_columns, chroma_rows}},
     ZIVCOLOR_LAYOUTS(ZIVCOLOR_LAYOUT)
 #undef ZIVCOLOR_LAYOUT
 };

@@ -348,7 +348,8 @@ int32_t zivParallelUninit(void* handle) noexcept {
     if (!handle) return -1;
     std::unique_ptr<Engine> engine(as_engine(handle));
     if (engine->process != process_id()) {
-        engine.release();  // a fork copies neither workers nor a sound lock: there is nothing to end, and memory stays
+        // A fork copies neither workers nor a sound lock: there is nothing to end, and memory stays.
+        static_cast<void>(engine.release());
         return 0;
     }
     {
