@@ -17,10 +17,11 @@ ZIV_INLINE void copy_one_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) 
     const uintptr_t distance = reinterpret_cast<uintptr_t>(dst) - reinterpret_cast<uintptr_t>(src);
     const uintptr_t overlap = static_cast<uintptr_t>(count);
     const bool apart = distance >= overlap && 0 - distance >= overlap;
-    if (count >= long_row && apart) {
-        __builtin_memcpy(dst, src, overlap);
-        return;
-    }
+    if constexpr (long_row < PTRDIFF_MAX)
+        if (count >= long_row && apart) {
+            __builtin_memcpy(dst, src, overlap);
+            return;
+        }
     if (count >= widest && count <= stride && (distance == 0 || apart)) {
         // From both ends, without a loop.
         const uint8_t* const src_end = src + count;
