@@ -45,6 +45,8 @@ def main():
             print(f"/** @defgroup {section} {title[1]}\n@{{ */")
         elif at == 1:
             print(f"/** @file\n{text} */")
+        elif not code and not section:
+            continue  # of the preprocessor's lines, which are gone
         elif not code:
             print(f"/** @}} */\n/** @addtogroup {section}\n{text}\n@{{ */")
         # Comments behind a member; declarations end in a semicolon at the left margin or at the end of a prototype.
