@@ -57,7 +57,7 @@ void append_row(std::string* text, const Memories& m, ptrdiff_t at, const std::s
 }  // namespace
 
 std::string difference(const Plane& plane, const uint8_t* expected, const uint8_t* actual, size_t size, ptrdiff_t origin) {
-    if (std::memcmp(expected, actual, size) == 0) return {};
+    if (size == 0 || std::memcmp(expected, actual, size) == 0) return {};
     const Memories m{expected + origin, actual + origin, -origin, static_cast<ptrdiff_t>(size) - origin};
     ptrdiff_t count = 0, first = 0;
     for (ptrdiff_t at = m.first; at < m.past; at++)
