@@ -46,8 +46,8 @@ ZIV_INLINE void transpose_tile(const Transposition& t) {
     uint8_t* dst = t.dst;
 #pragma GCC unroll 8
     for (int i = 0; i < count; i += 2, dst += 2 * t.dst_pitch) {
-        store_at(dst, v[i]);
-        store_at(dst + t.dst_pitch, v[i + 1]);
+        store(dst, v[i]);
+        store(dst + t.dst_pitch, v[i + 1]);
     }
 }
 

@@ -16,10 +16,6 @@ template <>
 ZIV_INLINE void store(uint8_t* p, U8<16> v) {
     vst1q_u8(p, (uint8x16_t)v);
 }
-template <>
-ZIV_INLINE void store_at(uint8_t* p, U8<16> v) {
-    asm("st1 {%1.16b}, %0" : "=Q"(*reinterpret_cast<uint8_t(*)[16]>(p)) : "w"(v));
-}
 
 template <>
 ZIV_INLINE U16<16> load_widened<16>(const uint8_t* p) {
@@ -254,7 +250,9 @@ ZIV_INLINE U8<16> load_but_last<16>(const uint8_t* p) {
 }
 template <>
 ZIV_INLINE U8<16> swap_pairs<16>(U8<16> v) {
-    return (U8<16>)vrev16q_u8((uint8x16_t)v);
+    uint8x16_t swapped = vrev16q_u8((uint8x16_t)v);
+    asm("" : "+w"(swapped));  // or else clang makes a slower table of this and of the permutation after it
+    return (U8<16>)swapped;
 }
 template <>
 ZIV_INLINE U8<16> even_pairs<16>(U8<16> a, U8<16> b) {

@@ -20,11 +20,6 @@ template <class V>
 ZIV_INLINE void store(uint8_t* p, V v) {
     __builtin_memcpy(p, &v, sizeof v);
 }
-// The same at an address that stands in a register of its own anyway.
-template <class V>
-ZIV_INLINE void store_at(uint8_t* p, V v) {
-    store(p, v);
-}
 
 // Hints that the `bytes` bytes `ahead` of p will soon be written. They touch nothing. On AArch64 they cost more than they save.
 template <int bytes>
