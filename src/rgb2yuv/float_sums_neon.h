@@ -6,6 +6,17 @@ namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
 inline constexpr bool has_approximate_rows = true;
 
+template <int N>
+ZIV_INLINE U8<16> narrow_lanes(S32<16> a, S32<16> b, S32<16> c, S32<16> d) {
+    const uint16x8_t ab = vuzp1q_u16((uint16x8_t)a, (uint16x8_t)b), cd = vuzp1q_u16((uint16x8_t)c, (uint16x8_t)d);
+    return (U8<16>)vuzp1q_u8(vreinterpretq_u8_u16(ab), vreinterpretq_u8_u16(cd));
+}
+template <int N>
+ZIV_INLINE U8<16> narrow_even_lanes(S32<16> a, S32<16> b) {
+    return (U8<16>)vuzp1q_u16((uint16x8_t)a, (uint16x8_t)b);
+}
+ZIV_INLINE U8<16> even_pixels(U8<16> a, U8<16> b) { return (U8<16>)vuzp1q_u32((uint32x4_t)a, (uint32x4_t)b); }
+
 // Hidden from the compiler, which would keep a register for each half.
 template <int value>
 ZIV_INLINE uint8x16_t byte_constant() {
