@@ -49,7 +49,7 @@ function(zivcolor_library name kind)
     set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX LINK_DEPENDS ${zivcolor_export_file})
     target_link_options(${name} PRIVATE ${zivcolor_export_options})
     # Pages of 16 KB: what AArch64 may have, and Android on x86-64 asks for.
-    if(NOT APPLE AND NOT WIN32 AND (ZIVCOLOR_FOR_AARCH64 OR ZIVCOLOR_FOR_X86_64 AND ANDROID))
+    if(NOT APPLE AND NOT WIN32 AND (ZIVCOLOR_FOR_AARCH64 OR (ZIVCOLOR_FOR_X86_64 AND ANDROID)))
         target_link_options(${name} PRIVATE -Wl,-z,max-page-size=16384)
     endif()
 endfunction()
