@@ -25,7 +25,7 @@ void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, 
     if (lImgNum < 2) return;
     const int64_t divisor = lImgNum - 1;
     const float reciprocal = 1.0f / static_cast<float>(divisor);
-    const ptrdiff_t blocked = blocked_columns<8>(lW);
+    const ptrdiff_t blocked = blocked_columns<8>(static_cast<ptrdiff_t>(lW));
     for (ptrdiff_t i = 0; i < blocked; i += 8) {
         const int64_t* sums = pSumW + entries_per_column * i;
         const U16<16> left = (U16<16>)weights(sums, reciprocal);
