@@ -100,7 +100,7 @@ TEST_P(GeometryRoutine, PlanesThatMeet) {
     for (int round = 0; round < 1500; round++) {
         Geometry g = tight(random.between(8, 90), random.between(8, 90));
         for (int k = 0; k < 2; k++) g.destination_pitch[k] += random.below(2) ? 0 : random.below(24) - 12;
-        const int64_t luma = int64_t{g.width} * g.height;
+        const ptrdiff_t luma = ptrdiff_t{g.width} * g.height;
         const ptrdiff_t destination = is_quarter_turn(GetParam()) || random.below(2) ? 2 * luma : random.below(200) - 100;
         const ptrdiff_t chroma = random.below(2) ? luma : random.below(static_cast<int>(luma));
         const Call on_planes = call_of(GetParam(), g);

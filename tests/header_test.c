@@ -1,20 +1,21 @@
-/* The public header in plain C: sizes and offsets of the records that cross the boundary, on 64-bit machines. */
+/* The public header in plain C: sizes and offsets of the records that cross the boundary. */
 #include "zivcolor.h"
 
 #define SAME(name, a, b) typedef char name[(a) == (b) ? 1 : -1]
+#define BY_POINTER(bytes_32, bytes_64) (sizeof(void*) == 4 ? (bytes_32) : (bytes_64))
 
-SAME(image_size, sizeof(__tag_KOBR_OFFSCREEN), 64);
+SAME(image_size, sizeof(__tag_KOBR_OFFSCREEN), BY_POINTER(44, 64));
 SAME(image_format, offsetof(__tag_KOBR_OFFSCREEN, format), 0);
 SAME(image_width, offsetof(__tag_KOBR_OFFSCREEN, width), 4);
 SAME(image_height, offsetof(__tag_KOBR_OFFSCREEN, height), 8);
-SAME(image_plane, offsetof(__tag_KOBR_OFFSCREEN, plane), 16);
-SAME(image_pitch, offsetof(__tag_KOBR_OFFSCREEN, pitch), 48);
-SAME(masked_size, sizeof(_TAG_OFFSCREEN), 64);
+SAME(image_plane, offsetof(__tag_KOBR_OFFSCREEN, plane), BY_POINTER(12, 16));
+SAME(image_pitch, offsetof(__tag_KOBR_OFFSCREEN, pitch), BY_POINTER(28, 48));
+SAME(masked_size, sizeof(_TAG_OFFSCREEN), BY_POINTER(44, 64));
 SAME(masked_width, offsetof(_TAG_OFFSCREEN, width), 0);
 SAME(masked_height, offsetof(_TAG_OFFSCREEN, height), 4);
 SAME(masked_tag, offsetof(_TAG_OFFSCREEN, tag), 8);
-SAME(masked_pitch, offsetof(_TAG_OFFSCREEN, pitch), 16);
-SAME(masked_plane, offsetof(_TAG_OFFSCREEN, plane), 32);
+SAME(masked_pitch, offsetof(_TAG_OFFSCREEN, pitch), BY_POINTER(12, 16));
+SAME(masked_plane, offsetof(_TAG_OFFSCREEN, plane), BY_POINTER(28, 32));
 SAME(alpha_size, sizeof(zivColorExtParam_ALPHA_t), 4);
 SAME(alpha_alpha, offsetof(zivColorExtParam_ALPHA_t, alpha), 0);
 
