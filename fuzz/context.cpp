@@ -29,7 +29,7 @@ Image band_of(const Image& whole, zivcolor::RowRange rows) {
 void convert_by_bands(const Conversion& c, const Image& source, const Image& destination, uint8_t alpha) {
     zivcolor::RowRange bands[zivcolor::most_bands];
     const int32_t count = static_cast<const zivColorCvtContext_t*>(context())->lTaskCount;
-    zivcolor::cut_bands(destination.height, count, bands);
+    zivcolor::split_into_bands(destination.height, count, bands);
     for (int32_t i = 0; i < count; i++) {
         const Image from = band_of(source, bands[i]), to = band_of(destination, bands[i]);
         c.convert(reference::kernels, &from, &to, alpha);

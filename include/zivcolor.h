@@ -187,7 +187,7 @@ ZIVCOLOR_API int32_t zivColorYV12toRGB888u8(const __tag_KOBR_OFFSCREEN* srcImg, 
  * both images.
  *   YUYVtoBGR888     fine set. Tail: bytes R G B without a lower limit, each at most 255 and truncated to 8 bits; byte 0 loses
  *                    its upper limit where B < 0, byte 2 where R < 0.
- *   YUYVtoRGB888     coarse set. Tail: the same bytes without a lower limit, each at most 255 and cut to 8 bits.
+ *   YUYVtoRGB888     coarse set. Tail: the same bytes without a lower limit, each at most 255 and truncated to 8 bits.
  *   YUYVtoRGBA8888   coarse set in blocks and tail */
 
 ZIVCOLOR_API int32_t zivColorYUYVtoBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
@@ -656,7 +656,7 @@ ZIVCOLOR_API void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap,
 
 /* ---- Conversion on several threads ----------------------------------------------------------------------------------- */
 
-/* A context holds worker threads and runs one conversion on all of them: the destination's rows are cut into bands, four for
+/* A context holds worker threads and runs one conversion on all of them: the destination's rows are split into bands, four for
  * each core, and every band is converted by the kernel that zivColorCvt picks for the pair. A context knows nothing of images:
  * one serves any number of conversions, of any formats and sizes. Idle workers sleep. A process may hold any number of
  * contexts, and threads may share one.

@@ -10,11 +10,11 @@
 #include "core/targets.h"
 #include "harness/options.h"
 #include "harness/workspace.h"
-#include "lanes/lane_terms.h"
+#include "lanes/lane_operations.h"
 
-#define DECLARE(target, condition)              \
-    namespace zivcolor::target {                \
-    extern const harness::LaneTerms lane_terms; \
+#define DECLARE(target, condition)                        \
+    namespace zivcolor::target {                          \
+    extern const harness::LaneOperations lane_operations; \
     }
 ZIVCOLOR_BUILT_TARGETS(DECLARE)
 #undef DECLARE
@@ -347,25 +347,25 @@ const std::map<std::string, Meaning>& meanings() {
 
 struct Row {
     std::string target;
-    harness::LaneTerm term;
+    harness::LaneOperation term;
 };
 void PrintTo(const Row& row, std::ostream* out) { *out << row.target << " " << row.term.name; }
 
 // The terms of every target that this CPU can run.
 std::vector<Row> rows() {
     std::vector<Row> all;
-    const auto collect = [&](const std::string& name, const harness::LaneTerms& terms) {
+    const auto collect = [&](const std::string& name, const harness::LaneOperations& terms) {
         for (const zivcolor::Target& target : harness::targets())
             if (name == target.name)
                 for (int i = 0; i < terms.count; i++) all.push_back({name, terms.rows[i]});
     };
-#define COLLECT(target, condition) collect(#target, zivcolor::target::lane_terms);
+#define COLLECT(target, condition) collect(#target, zivcolor::target::lane_operations);
     ZIVCOLOR_BUILT_TARGETS(COLLECT)
 #undef COLLECT
     return all;
 }
 
-class LaneTerms : public testing::TestWithParam<Row> {
+class LaneOperations : public testing::TestWithParam<Row> {
 protected:
     // Four vectors of input; true if the term gave its meaning.
     bool agrees(const Bytes& in) {
@@ -381,9 +381,9 @@ protected:
     }
 };
 
-TEST_P(LaneTerms, HasAMeaning) { ASSERT_TRUE(meanings().count(GetParam().term.name)); }
+TEST_P(LaneOperations, HasAMeaning) { ASSERT_TRUE(meanings().count(GetParam().term.name)); }
 
-TEST_P(LaneTerms, AllPairsOfBytes) {
+TEST_P(LaneOperations, AllPairsOfBytes) {
     const auto N = static_cast<size_t>(GetParam().term.bytes);
     Bytes in(4 * N);
     for (size_t pair = 0; pair < 65536; pair += N) {
@@ -395,7 +395,7 @@ TEST_P(LaneTerms, AllPairsOfBytes) {
     }
 }
 
-TEST_P(LaneTerms, AllSingleLanesOf16Bits) {
+TEST_P(LaneOperations, AllSingleLanesOf16Bits) {
     const auto N = static_cast<size_t>(GetParam().term.bytes);
     Bytes in(4 * N);
     harness::Random random{harness::base_seed};
@@ -407,7 +407,7 @@ TEST_P(LaneTerms, AllSingleLanesOf16Bits) {
     }
 }
 
-TEST_P(LaneTerms, RandomBytes) {
+TEST_P(LaneOperations, RandomBytes) {
     Bytes in(static_cast<size_t>(4 * GetParam().term.bytes));
     harness::Random random{harness::base_seed + 1};
     for (int round = 0; round < 4000; round++) {
@@ -417,7 +417,7 @@ TEST_P(LaneTerms, RandomBytes) {
 }
 
 // 16-bit lanes of nothing but extremes, in every combination of two.
-TEST_P(LaneTerms, ExtremesOf16Bits) {
+TEST_P(LaneOperations, ExtremesOf16Bits) {
     static constexpr int extremes[] = {-32768, -32767, -16385, -16384, -256, -255, -129, -128, -1,    0,     1,
                                        2,      15,     31,     127,    128,  254,  255,  256,  16383, 16384, 32767};
     const auto N = static_cast<size_t>(GetParam().term.bytes);
@@ -429,7 +429,7 @@ TEST_P(LaneTerms, ExtremesOf16Bits) {
         }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, LaneTerms, testing::ValuesIn(rows()), [](const testing::TestParamInfo<Row>& row) {
+INSTANTIATE_TEST_SUITE_P(All, LaneOperations, testing::ValuesIn(rows()), [](const testing::TestParamInfo<Row>& row) {
     return row.param.target + "_" + std::to_string(row.param.term.bytes) + "_" + row.param.term.name;
 });
 

@@ -1,5 +1,5 @@
-// What the NV41 kernels do beside the common conversion tests: the upward kernel with its work buffer, one memory for source
-// and destination, and the first generation's end.
+// What the NV41 kernels do beside the common conversion tests: the upsampling kernel with its work buffer, one memory for
+// source and destination, and the first generation's end.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -21,7 +21,7 @@ namespace {
 
 using namespace harness;
 
-const Conversion& upward() { return conversion("zivColorNV41toNV21_2"); }
+const Conversion& upsampling() { return conversion("zivColorNV41toNV21_2"); }
 
 // The same planes for source and destination.
 int32_t convert_in_place(const zivcolor::KernelTable& kernels, const Conversion& c, uint8_t* luma, uint8_t* chroma, int width,
@@ -36,10 +36,10 @@ TEST(NV41, UpwardIsTheReferenceWhereItIsDetermined) {
     Random random{base_seed};
     for (int width = 2; width <= 300; width += width < 100 ? 1 : 5)
         for (int height = 2; height <= 17; height++) {
-            ImagePair images = tight(upward(), width, height);
+            ImagePair images = tight(upsampling(), width, height);
             const int pitch = width + 4 + random.below(30);
             images.source_pitch[1] = images.destination_pitch[1] = pitch;
-            const auto rooms = rooms_of(upward(), images);
+            const auto rooms = rooms_of(upsampling(), images);
             std::vector<std::vector<uint8_t>> expected;
             for (const uint8_t buffer_fill : {uint8_t{0x00}, uint8_t{0xFF}}) {
                 reference::g_work_buffer_fill = buffer_fill;
@@ -76,10 +76,10 @@ TEST(NV41, UpwardStaysInsideItsReach) {
     Random random{base_seed};
     for (const int width : {4, 8, 12, 16, 20, 24, 28, 32, 64, 96, 128, 160, 256, 288, 320})
         for (const int height : {4, 8, 12}) {
-            ImagePair images = tight(upward(), width, height);
+            ImagePair images = tight(upsampling(), width, height);
             images.source_pitch[1] = images.destination_pitch[1] = width;
-            expect_in_bounds(call_of(upward(), images), rooms_of(upward(), images), random.next(),
-                             [&] { return describe(upward(), images); });
+            expect_in_bounds(call_of(upsampling(), images), rooms_of(upsampling(), images), random.next(),
+                             [&] { return describe(upsampling(), images); });
             if (testing::Test::HasFailure()) return;
         }
 }

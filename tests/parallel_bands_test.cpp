@@ -1,4 +1,4 @@
-// How rows are cut into bands, which task a pair of codes has, and each task against the conversion of the whole image.
+// How rows are split into bands, which task a pair of codes has, and each task against the conversion of the whole image.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,13 +13,13 @@ namespace {
 
 using namespace harness;
 using zivcolor::band_tasks;
-using zivcolor::cut_bands;
 using zivcolor::most_bands;
 using zivcolor::RowRange;
+using zivcolor::split_into_bands;
 
 std::vector<RowRange> cut(int32_t height, int32_t count) {
     std::vector<RowRange> bands(static_cast<size_t>(count));
-    cut_bands(height, count, bands.data());
+    split_into_bands(height, count, bands.data());
     return bands;
 }
 

@@ -41,7 +41,7 @@ int32_t zivColorCvtProcess_MultiThreads(void* zivColorCvtHandle, const __tag_KOB
     RowRange bands[most_bands];
     zivColorParam_t params[most_bands];
     int32_t ids[most_bands];
-    cut_bands(dstImg->height, context.lTaskCount, bands);
+    split_into_bands(dstImg->height, context.lTaskCount, bands);
     for (int32_t i = 0; i < context.lTaskCount; ++i) {
         params[i] = {srcImg, dstImg, bands[i].start, bands[i].end, extParam ? extParam : &transparent};
         ids[i] = zivAddTask(context.hEngine, context.pfnTask[task], &params[i]);

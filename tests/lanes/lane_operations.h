@@ -1,20 +1,20 @@
-// The lane vocabulary of one target as functions over plain bytes, so that one test can run each term on every target. Built
-// once for each target, like the kernels.
+// The lane vocabulary of one target as functions over plain bytes, so that one test can run each operation on every target.
+// Built once for each target, like the kernels.
 #pragma once
 
 #include <stdint.h>
 
 namespace harness {
 
-struct LaneTerm {
+struct LaneOperation {
     const char* name;
     int bytes;  // of a vector
     // in: four vectors a, b, c, d; out: up to four vectors.
     void (*run)(const uint8_t* in, uint8_t* out);
 };
 
-struct LaneTerms {
-    const LaneTerm* rows;
+struct LaneOperations {
+    const LaneOperation* rows;
     int count;
 };
 
