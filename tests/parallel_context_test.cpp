@@ -62,7 +62,7 @@ TEST(Context, HoldsFourBandsForEachCore) {
     const auto& record = *static_cast<const zivColorCvtContext_t*>(context.handle);
     EXPECT_EQ(record.bEngineReady, 1);
     EXPECT_EQ(record.lTaskCount, 4 * zivParallelEngineCores(record.hEngine));
-    for (size_t i = 0; i < 46; i++) EXPECT_EQ(record.pfnTask[i], zivcolor::band_tasks[i]);
+    for (size_t i = 0; i < zivcolor::band_task_count; i++) EXPECT_EQ(record.pfnTask[i], zivcolor::band_tasks[i]);
 }
 
 TEST(Context, ConvertsAllPairsInAllSizesOneAfterTheOther) {

@@ -8,6 +8,7 @@
 // Kernels over a pair of image descriptors.
 //   KERNEL(name, source layout, destination layout, Alpha: takes an alpha byte | Opaque,
 //          Dispatched: zivColorCvt picks it for the pair | Direct: only by its name, slot of its band task | NoTask)
+// A slot is the task's place in the context's record and what zivColorCvtFunc returns: a new task takes the next free number.
 #define ZIVCOLOR_YUV2RGB_CONVERSIONS(KERNEL)                                           \
     KERNEL(zivColorNV12toBGR888u8,      NV12,    BGR888,   Opaque, Dispatched, 8)      \
     KERNEL(zivColorNV21toBGR888u8,      NV21,    BGR888,   Opaque, Dispatched, 2)      \
@@ -183,8 +184,13 @@
     ZIVCOLOR_YUV2RGB_CONVERSIONS(KERNEL)   \
     ZIVCOLOR_RGB2YUV_CONVERSIONS(KERNEL)   \
     ZIVCOLOR_YUVREPACK_CONVERSIONS(KERNEL) \
-    ZIVCOLOR_RGBREPACK_CONVERSIONS(KERNEL)
+    ZIVCOLOR_RGBREPACK_CONVERSIONS(KERNEL) \
+    ZIVCOLOR_HSL_CONVERSIONS(KERNEL)       \
+    ZIVCOLOR_GEOMETRY_CONVERSIONS(KERNEL)  \
+    ZIVCOLOR_ENHANCE_CONVERSIONS(KERNEL)
 #define ZIVCOLOR_ROUTINES(KERNEL)       \
+    ZIVCOLOR_YUV2RGB_ROUTINES(KERNEL)   \
+    ZIVCOLOR_RGB2YUV_ROUTINES(KERNEL)   \
     ZIVCOLOR_YUVREPACK_ROUTINES(KERNEL) \
     ZIVCOLOR_RGBREPACK_ROUTINES(KERNEL) \
     ZIVCOLOR_HSL_ROUTINES(KERNEL)       \

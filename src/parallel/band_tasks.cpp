@@ -6,8 +6,6 @@
 namespace zivcolor {
 namespace {
 
-constexpr int NoTask = -1;
-
 // The rows of a band as an image of its own. Pitches place the planes even where the kernel does not read them.
 Image band_of(const Image& whole, const Layout& layout, int32_t start, int32_t end) {
     Image band{};
@@ -30,21 +28,12 @@ void call(AlphaConversion* kernel, const Image* from, const Image* to, const voi
 // The task of a pair; the kernel is a member of KernelTable. Its status is dropped: a band that it refuses stays unwritten.
 template <uint32_t source, uint32_t destination, auto kernel>
 void convert_band(void* p) {
-    static_assert(layout_of(source)->chroma.rows <= 2 && layout_of(destination)->chroma.rows <= 2, "bands are of even rows");
+    static_assert(layout_of(source)->chroma.rows <= 2 && layout_of(destination)->chroma.rows <= 2,
+                  "a chroma row that stands for more than 2 rows of luma would belong to two bands: NoTask");
     const auto& param = *static_cast<const zivColorParam_t*>(p);
     const Image from = band_of(*param.srcImg, *layout_of(source), param.lStartLine, param.lEndLine);
     const Image to = band_of(*param.dstImg, *layout_of(destination), param.lStartLine, param.lEndLine);
     call(kernels_here().*kernel, &from, &to, param.extParam);
-}
-
-constexpr BandTasks all_tasks() {
-    BandTasks tasks{};
-#define ZIVCOLOR_TASK(name, source, destination, alpha, dispatch, slot) \
-    if constexpr (slot != NoTask)                                       \
-        tasks[static_cast<size_t>(slot)] = convert_band<zivPixFmt_##source, zivPixFmt_##destination, &KernelTable::name>;
-    ZIVCOLOR_CONVERSIONS(ZIVCOLOR_TASK)
-#undef ZIVCOLOR_TASK
-    return tasks;
 }
 
 struct SlotOfPair {
@@ -57,6 +46,30 @@ constexpr SlotOfPair slots_of_pairs[] = {
     ZIVCOLOR_CONVERSIONS(ZIVCOLOR_SLOT)
 #undef ZIVCOLOR_SLOT
 };
+
+constexpr bool every_slot_has_one_kernel() {
+    bool taken[band_task_count] = {};
+    for (const SlotOfPair& row : slots_of_pairs) {
+        if (row.slot == NoTask) continue;
+        if (row.slot < 0 || static_cast<size_t>(row.slot) >= band_task_count || taken[row.slot]) return false;
+        taken[row.slot] = true;
+    }
+    return true;
+}
+static_assert(every_slot_has_one_kernel(),
+              "core/kernel_list.h: the slots of band tasks are 0, 1, 2 and so on, each of one kernel");
+
+constexpr BandTasks all_tasks() {
+    BandTasks tasks{};
+    if constexpr (every_slot_has_one_kernel()) {
+#define ZIVCOLOR_TASK(name, source, destination, alpha, dispatch, slot) \
+    if constexpr (slot != NoTask)                                       \
+        tasks[static_cast<size_t>(slot)] = convert_band<zivPixFmt_##source, zivPixFmt_##destination, &KernelTable::name>;
+        ZIVCOLOR_CONVERSIONS(ZIVCOLOR_TASK)
+#undef ZIVCOLOR_TASK
+    }
+    return tasks;
+}
 
 }  // namespace
 

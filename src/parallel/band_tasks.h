@@ -4,6 +4,7 @@
 #include <array>
 
 #include "core/image.h"
+#include "core/kernel_list.h"
 #include "parallel/engine.h"
 
 // One band. The record and all that it points to must live until its task has finished.
@@ -17,8 +18,14 @@ struct zivColorParam_t {
 
 namespace zivcolor {
 
+constexpr int NoTask = -1;
+
+#define ZIVCOLOR_HAS_TASK(name, source, destination, alpha, dispatch, slot) +(slot != NoTask)
+inline constexpr size_t band_task_count = 0 ZIVCOLOR_CONVERSIONS(ZIVCOLOR_HAS_TASK);
+#undef ZIVCOLOR_HAS_TASK
+
 // The tasks by the index that zivColorCvtFunc returns.
-using BandTasks = std::array<TaskFunction, 46>;
+using BandTasks = std::array<TaskFunction, band_task_count>;
 extern const BandTasks band_tasks;
 
 }  // namespace zivcolor

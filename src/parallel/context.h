@@ -7,5 +7,5 @@ struct zivColorCvtContext_t {
     void* hEngine;
     int32_t bEngineReady;  // if 0, the engine is left alone when the context ends
     int32_t lTaskCount;    // bands of a conversion
-    zivcolor::TaskFunction pfnTask[46];
+    zivcolor::TaskFunction pfnTask[zivcolor::band_task_count];
 };

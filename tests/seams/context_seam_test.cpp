@@ -56,7 +56,7 @@ constexpr zivcolor::BandTasks distinct_tasks(std::index_sequence<slot...>) {
 
 namespace zivcolor {
 
-constexpr BandTasks band_tasks = distinct_tasks(std::make_index_sequence<46>{});
+constexpr BandTasks band_tasks = distinct_tasks(std::make_index_sequence<band_task_count>{});
 
 void* zivParallelInit(void* reserved, int32_t tasks_per_core) noexcept {
     world.calls.push_back("init " + std::string(reserved ? "?" : "null") + " " + std::to_string(tasks_per_core));
@@ -110,7 +110,8 @@ TEST_F(ContextSeam, InitCallsInOrder) {
     EXPECT_EQ(world.record.hEngine, engine);
     EXPECT_EQ(world.record.bEngineReady, 1);
     EXPECT_EQ(world.record.lTaskCount, 16);
-    for (size_t slot = 0; slot < 46; slot++) EXPECT_EQ(world.record.pfnTask[slot], zivcolor::band_tasks[slot]);
+    for (size_t slot = 0; slot < zivcolor::band_task_count; slot++)
+        EXPECT_EQ(world.record.pfnTask[slot], zivcolor::band_tasks[slot]);
 }
 
 TEST_F(ContextSeam, InitGivesUpWithoutAnEngine) {
