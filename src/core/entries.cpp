@@ -4,6 +4,14 @@
 using zivcolor::Image;
 using zivcolor::MaskedImage;
 
+// An entry that the header does not declare would be one that nobody sees.
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task) static_assert(sizeof(&::name) == sizeof(void*));
+#define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) static_assert(sizeof(&::name) == sizeof(void*));
+ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
+ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
+#undef ZIVCOLOR_ROUTINE
+#undef ZIVCOLOR_CONVERSION
+
 extern "C" {
 
 #define ZIVCOLOR_ENTRY_Opaque(name) \
