@@ -95,15 +95,16 @@ constexpr int count(const Row (&table)[rows], std::string_view name) {
     return n;
 }
 
-#define ZIVCOLOR_HAS_FACTS(name, ...) static_assert(count(conversions, #name) == 1, "needs one row in kernel_facts.h: " #name);
+#define ZIVCOLOR_HAS_FACTS(name, ...) \
+    static_assert(count(conversions, #name) == 1, "needs one row in docs/kernel_facts.h: " #name);
 ZIVCOLOR_CONVERSIONS(ZIVCOLOR_HAS_FACTS)
 #undef ZIVCOLOR_HAS_FACTS
 #define ZIVCOLOR_HAS_FACTS(result, name, ...) \
-    static_assert(count(routines, #name) == 1, "needs one row in kernel_facts.h: " #name);
+    static_assert(count(routines, #name) == 1, "needs one row in docs/kernel_facts.h: " #name);
 ZIVCOLOR_ROUTINES(ZIVCOLOR_HAS_FACTS)
 #undef ZIVCOLOR_HAS_FACTS
 
-#define ZIVCOLOR_HAS_FACTS(name, ...) static_assert(count(layouts, #name) == 1, "needs one row in kernel_facts.h: " #name);
+#define ZIVCOLOR_HAS_FACTS(name, ...) static_assert(count(layouts, #name) == 1, "needs one row in docs/kernel_facts.h: " #name);
 ZIVCOLOR_LAYOUTS(ZIVCOLOR_HAS_FACTS)
 #undef ZIVCOLOR_HAS_FACTS
 
