@@ -24,7 +24,7 @@ const bool harness::sanitized =
 int main(int argc, char** argv) {
     if (!harness::take_options(&argc, argv)) return 2;
     testing::InitGoogleTest(&argc, argv);
-    if (const std::string filter = harness::filter_of_options(); !filter.empty()) testing::GTEST_FLAG(filter) = filter;
+    if (!harness::select_tests()) return 2;
     std::printf("seed 0x%llx; targets:", static_cast<unsigned long long>(harness::base_seed));
     for (const zivcolor::Target& target : zivcolor::built_targets())
         std::printf(" %s%s", target.name, target.runs_here() ? "" : " (not here)");

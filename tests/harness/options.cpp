@@ -1,7 +1,10 @@
 #include "harness/options.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <cstring>
+#include <sstream>
 
 #include "harness/conversions.h"
 
@@ -12,7 +15,7 @@ namespace {
 std::string g_kernel, g_target;
 bool g_sample = false;
 
-// Kernels with a signature of their own are tested by suites that do not bear their names.
+// Suites that do not bear the names of the kernels that they test: those of kernels with a signature of their own.
 struct Suite {
     const char *kernel, *filter;
 };
@@ -24,6 +27,11 @@ constexpr Suite suites[] = {
     {"_SkinWhitenByMask_YUV420_VUVU", "*Whiten*"},
     {"CalcMergeWeightMap_neon", "*MergeWeight*"},
     {"NV41", "*NV41*:*Nv41*"},
+    {"zivColorYV12toNV21u8", "Yuv420Examples*"},
+    {"zivColorYUYVtoNV21u8", "PlainYuyvExamples*"},
+    {"zivColorYUYVtoNV12u8", "PlainYuyvExamples*"},
+    {"zivColorYUYVtoI420u8", "PlainYuyvExamples*"},
+    {"zivColorRGB888toBGR888u8", "RgbRepackExamples*"},
 };
 
 bool known_kernel(const std::string& name) {
@@ -36,6 +44,35 @@ bool known_kernel(const std::string& name) {
          })
         if (std::strstr(kernel, name.c_str())) return true;
     return false;
+}
+
+// A pattern of the test framework: * is any run of characters, ? any one.
+bool matches(const char* name, const char* pattern) {
+    if (*pattern == '*') return matches(name, pattern + 1) || (*name && matches(name + 1, pattern));
+    if (*name && (*pattern == '?' || *pattern == *name)) return matches(name + 1, pattern + 1);
+    return !*name && !*pattern;
+}
+
+// Whether one of the patterns, which stand between colons, matches.
+bool matches_any(const std::string& name, const std::string& patterns) {
+    std::istringstream list(patterns);
+    for (std::string pattern; std::getline(list, pattern, ':');)
+        if (matches(name.c_str(), pattern.c_str())) return true;
+    return false;
+}
+
+bool passes(const std::string& name, const std::string& filter) {
+    const size_t minus = filter.find('-');
+    return (minus == 0 || matches_any(name, filter.substr(0, minus))) &&
+           (minus == std::string::npos || !matches_any(name, filter.substr(minus + 1)));
+}
+
+std::string filter_of_kernel() {
+    std::string filter = "*" + g_kernel + "*";
+    for (const Suite& suite : suites)
+        if (std::strstr(suite.kernel, g_kernel.c_str()) || g_kernel.find(suite.kernel) != std::string::npos)
+            filter += std::string(":") + suite.filter;
+    return filter;
 }
 
 bool sound() {
@@ -77,13 +114,23 @@ bool take_options(int* argc, char** argv) {
     return sound();
 }
 
-std::string filter_of_options() {
-    if (g_kernel.empty()) return {};
-    std::string filter = "*" + g_kernel + "*";
-    for (const Suite& suite : suites)
-        if (std::strstr(suite.kernel, g_kernel.c_str()) || g_kernel.find(suite.kernel) != std::string::npos)
-            filter += std::string(":") + suite.filter;
-    return filter;
+bool select_tests() {
+    if (g_kernel.empty()) return true;
+    const std::string asked = testing::GTEST_FLAG(filter), of_kernel = filter_of_kernel();
+    std::string selected;
+    const testing::UnitTest& tests = *testing::UnitTest::GetInstance();
+    for (int s = 0; s < tests.total_test_suite_count(); s++) {
+        const testing::TestSuite& suite = *tests.GetTestSuite(s);
+        for (int t = 0; t < suite.total_test_count(); t++) {
+            const std::string name = std::string(suite.name()) + "." + suite.GetTestInfo(t)->name();
+            if (passes(name, of_kernel) && passes(name, asked)) selected += name + ":";
+        }
+    }
+    testing::GTEST_FLAG(filter) = selected;
+    if (selected.empty())
+        std::printf("no test of '%s' passes the filter '%s'; suites that bear other names stand in tests/harness/options.cpp\n",
+                    g_kernel.c_str(), asked.c_str());
+    return !selected.empty();
 }
 
 const std::vector<zivcolor::Target>& targets() {

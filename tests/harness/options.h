@@ -15,8 +15,9 @@ namespace harness {
 // has a value that means nothing here.
 bool take_options(int* argc, char** argv);
 
-// The test framework's filter that --kernel asks for; empty without it.
-std::string filter_of_options();
+// Narrows the test framework's filter to what --kernel asks for, once the framework has taken its flags. False, and a line on
+// the terminal, if no test is left.
+bool select_tests();
 
 // The targets to test: those that run here, or the one that was asked for.
 const std::vector<zivcolor::Target>& targets();
