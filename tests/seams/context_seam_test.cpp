@@ -14,7 +14,7 @@ static_assert(offsetof(zivColorCvtContext_t, hEngine) == 0);
 static_assert(offsetof(zivColorCvtContext_t, bEngineReady) == sizeof(void*));
 static_assert(offsetof(zivColorCvtContext_t, lTaskCount) == sizeof(void*) + 4);
 static_assert(offsetof(zivColorCvtContext_t, pfnTask) == sizeof(void*) + 8);
-static_assert(sizeof(zivColorCvtContext_t) == sizeof(void*) + 8 + 46 * sizeof(void*));
+static_assert(sizeof(zivColorCvtContext_t) == sizeof(void*) + 8 + zivcolor::band_task_count * sizeof(void*));
 static_assert(std::is_same_v<decltype(zivColorCvtContext_t::bEngineReady), int32_t>);
 static_assert(std::is_same_v<decltype(zivColorCvtContext_t::lTaskCount), int32_t>);
 static_assert(offsetof(zivColorParam_t, srcImg) == 0);
