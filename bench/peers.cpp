@@ -21,9 +21,9 @@ constexpr int sse4_flags = libyuv::kCpuInitialized | libyuv::kCpuHasX86 | libyuv
 
 #define S(k) s.plane[k], s.pitch[k]
 #define D(k) d.plane[k], d.pitch[k]
-#define PEER(kernel, call)                                            \
-    {                                                                 \
-#kernel, [](const Image& s, const Image& d) { libyuv::call; } \
+#define PEER(kernel, call)                                                                      \
+    {                                                                                           \
+#kernel, [](const Image& s, const Image& d) { static_assert(sizeof(&::kernel)); libyuv::call; } \
     }
 
 // libyuv names 32-bit pixels by their little-endian word and 24-bit RGB by its own tradition: ARGB is B G R A in memory, ABGR
