@@ -8,16 +8,16 @@
 
 #if defined(ZIVCOLOR_ONLY_TARGET)
 
-#define ZIVCOLOR_FAMILY(family, FAMILY) ZIVCOLOR_DECLARE_KERNELS(ZIVCOLOR_ONLY_TARGET, family, FAMILY)
-ZIVCOLOR_FAMILIES(ZIVCOLOR_FAMILY)
-#undef ZIVCOLOR_FAMILY
+#define ZIVCOLOR_PART(part, family, LISTS) ZIVCOLOR_DECLARE_KERNELS(ZIVCOLOR_ONLY_TARGET, family, LISTS)
+ZIVCOLOR_PARTS(ZIVCOLOR_PART)
+#undef ZIVCOLOR_PART
 
 namespace zivcolor {
 
 namespace only_target {
-#define ZIVCOLOR_FAMILY(family, FAMILY) using namespace zivcolor::ZIVCOLOR_ONLY_TARGET::family;
-ZIVCOLOR_FAMILIES(ZIVCOLOR_FAMILY)
-#undef ZIVCOLOR_FAMILY
+#define ZIVCOLOR_PART(part, family, LISTS) using namespace zivcolor::ZIVCOLOR_ONLY_TARGET::family;
+ZIVCOLOR_PARTS(ZIVCOLOR_PART)
+#undef ZIVCOLOR_PART
 }  // namespace only_target
 
 // Known to the compiler, so that it calls the kernels directly.

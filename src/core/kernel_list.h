@@ -29,20 +29,14 @@
     KERNEL(zivColorLPI422HtoBGRA8888u8, LPI422H, BGRA8888, Alpha,  Dispatched, 41)     \
     KERNEL(zivColorLPI422HtoRGBA8888u8, LPI422H, RGBA8888, Alpha,  Dispatched, 43)
 
-#define ZIVCOLOR_RGB2YUV_CONVERSIONS(KERNEL)                                           \
+// By the bytes of a pixel.
+#define ZIVCOLOR_RGB24_TO_YUV_CONVERSIONS(KERNEL)                                      \
     KERNEL(zivColorBGR888toNV21u8,      BGR888,   NV21,    Opaque, Dispatched, 23)     \
     KERNEL(zivColorRGB888toNV21u8,      RGB888,   NV21,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorBGR888toNV12u8,      BGR888,   NV12,    Opaque, Dispatched, 24)     \
     KERNEL(zivColorRGB888toNV12u8,      RGB888,   NV12,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorBGR888toI420u8,      BGR888,   I420,    Opaque, Dispatched, 22)     \
     KERNEL(zivColorRGB888toI420u8,      RGB888,   I420,    Opaque, Dispatched, 21)     \
-    KERNEL(zivColorBGRA8888toNV21u8,    BGRA8888, NV21,    Opaque, Dispatched, 18)     \
-    KERNEL(zivColorRGBA8888toNV21u8,    RGBA8888, NV21,    Opaque, Dispatched, 15)     \
-    KERNEL(zivColorBGRA8888toNV12u8,    BGRA8888, NV12,    Opaque, Dispatched, 19)     \
-    KERNEL(zivColorRGBA8888toNV12u8,    RGBA8888, NV12,    Opaque, Dispatched, 16)     \
-    KERNEL(zivColorBGRA8888toI420u8,    BGRA8888, I420,    Opaque, Dispatched, 20)     \
-    KERNEL(zivColorRGBA8888toI420u8,    RGBA8888, I420,    Opaque, Dispatched, 17)     \
-    KERNEL(zivColorRGBA8888toYUYVu8,    RGBA8888, YUYV,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorRGB888toYUYVu8,      RGB888,   YUYV,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorBGR888toYUYVu8,      BGR888,   YUYV,    Opaque, Dispatched, 45)     \
     KERNEL(zivColorRGB888toYVYUu8,      RGB888,   YVYU,    Opaque, Dispatched, NoTask) \
@@ -53,7 +47,15 @@
     KERNEL(zivColorBGR888toVYUYu8,      BGR888,   VYUY,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorRGB888toYV24u8,      RGB888,   YV24,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorRGB888toI422Hu8,     RGB888,   I422H,   Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGR888toI422Hu8,     BGR888,   I422H,   Opaque, Dispatched, NoTask) \
+    KERNEL(zivColorBGR888toI422Hu8,     BGR888,   I422H,   Opaque, Dispatched, NoTask)
+#define ZIVCOLOR_RGB32_TO_YUV_CONVERSIONS(KERNEL)                                      \
+    KERNEL(zivColorBGRA8888toNV21u8,    BGRA8888, NV21,    Opaque, Dispatched, 18)     \
+    KERNEL(zivColorRGBA8888toNV21u8,    RGBA8888, NV21,    Opaque, Dispatched, 15)     \
+    KERNEL(zivColorBGRA8888toNV12u8,    BGRA8888, NV12,    Opaque, Dispatched, 19)     \
+    KERNEL(zivColorRGBA8888toNV12u8,    RGBA8888, NV12,    Opaque, Dispatched, 16)     \
+    KERNEL(zivColorBGRA8888toI420u8,    BGRA8888, I420,    Opaque, Dispatched, 20)     \
+    KERNEL(zivColorRGBA8888toI420u8,    RGBA8888, I420,    Opaque, Dispatched, 17)     \
+    KERNEL(zivColorRGBA8888toYUYVu8,    RGBA8888, YUYV,    Opaque, Dispatched, NoTask) \
     KERNEL(zivColorBGRA8888toLPI422Hu8, BGRA8888, LPI422H, Opaque, Dispatched, 40)     \
     KERNEL(zivColorRGBA8888toLPI422Hu8, RGBA8888, LPI422H, Opaque, Dispatched, 42)
 
@@ -109,7 +111,8 @@
 //   KERNEL(result, name, (parameters), (arguments))
 #define ZIVCOLOR_YUV2RGB_ROUTINES(KERNEL)
 
-#define ZIVCOLOR_RGB2YUV_ROUTINES(KERNEL)
+#define ZIVCOLOR_RGB24_TO_YUV_ROUTINES(KERNEL)
+#define ZIVCOLOR_RGB32_TO_YUV_ROUTINES(KERNEL)
 
 #define ZIVCOLOR_YUVREPACK_ROUTINES(KERNEL)                                         \
     KERNEL(int32_t, zivColorYV12toNV21u8,                                           \
@@ -169,17 +172,21 @@
            (const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, int64_t lImgNum),                              \
            (pSumW, pWtMap, lW, lImgNum))
 
-// All families:
-//   FAMILY(namespace, name of its lists)
-#define ZIVCOLOR_FAMILIES(FAMILY) \
-    FAMILY(yuv2rgb, YUV2RGB)      \
-    FAMILY(rgb2yuv, RGB2YUV)      \
-    FAMILY(yuvrepack, YUVREPACK)  \
-    FAMILY(rgbrepack, RGBREPACK)  \
-    FAMILY(hsl, HSL)              \
-    FAMILY(geometry, GEOMETRY)    \
-    FAMILY(enhance, ENHANCE)
+// All parts: the families, or what a target may rebuild of one.
+//   PART(name, namespace of its family, name of its lists)
+#define ZIVCOLOR_PARTS(PART)                     \
+    PART(yuv2rgb,      yuv2rgb,   YUV2RGB)       \
+    PART(rgb24_to_yuv, rgb2yuv,   RGB24_TO_YUV)  \
+    PART(rgb32_to_yuv, rgb2yuv,   RGB32_TO_YUV)  \
+    PART(yuvrepack,    yuvrepack, YUVREPACK)     \
+    PART(rgbrepack,    rgbrepack, RGBREPACK)     \
+    PART(hsl,          hsl,       HSL)           \
+    PART(geometry,     geometry,  GEOMETRY)      \
+    PART(enhance,      enhance,   ENHANCE)
 
+#define ZIVCOLOR_RGB2YUV_CONVERSIONS(KERNEL)   \
+    ZIVCOLOR_RGB24_TO_YUV_CONVERSIONS(KERNEL)  \
+    ZIVCOLOR_RGB32_TO_YUV_CONVERSIONS(KERNEL)
 #define ZIVCOLOR_CONVERSIONS(KERNEL)       \
     ZIVCOLOR_YUV2RGB_CONVERSIONS(KERNEL)   \
     ZIVCOLOR_RGB2YUV_CONVERSIONS(KERNEL)   \

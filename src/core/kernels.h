@@ -21,10 +21,10 @@ struct KernelTable {
 
 }  // namespace zivcolor
 
-// Declares the kernels of a family in the namespace of a target. FAMILY is the name of the family's lists.
+// Declares the kernels of a part in the namespace of a target and a family. LISTS is the name of the part's lists.
 #define ZIVCOLOR_DECLARE_CONVERSION(name, source, destination, alpha, dispatch, task) alpha##Conversion name;
 #define ZIVCOLOR_DECLARE_ROUTINE(result, name, parameters, arguments) result name parameters;
-#define ZIVCOLOR_DECLARE_KERNELS(target, family, FAMILY)                                                                \
-    namespace zivcolor::target::family {                                                                                \
-    ZIVCOLOR_##FAMILY##_CONVERSIONS(ZIVCOLOR_DECLARE_CONVERSION) ZIVCOLOR_##FAMILY##_ROUTINES(ZIVCOLOR_DECLARE_ROUTINE) \
+#define ZIVCOLOR_DECLARE_KERNELS(target, family, LISTS)                                                               \
+    namespace zivcolor::target::family {                                                                              \
+    ZIVCOLOR_##LISTS##_CONVERSIONS(ZIVCOLOR_DECLARE_CONVERSION) ZIVCOLOR_##LISTS##_ROUTINES(ZIVCOLOR_DECLARE_ROUTINE) \
     }

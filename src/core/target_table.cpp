@@ -1,17 +1,17 @@
-// The function table of one target; built once for each. The build defines ZIVCOLOR_<family> as the target whose kernels of
-// that family it takes: itself, or one that it extends.
+// The function table of one target; built once for each. The build defines ZIVCOLOR_<part> as the target whose kernels of that
+// part it takes: itself, or one that it extends.
 #include "core/kernels.h"
 
-#define ZIVCOLOR_FAMILY(family, FAMILY) ZIVCOLOR_DECLARE_KERNELS(ZIVCOLOR_##family, family, FAMILY)
-ZIVCOLOR_FAMILIES(ZIVCOLOR_FAMILY)
-#undef ZIVCOLOR_FAMILY
+#define ZIVCOLOR_PART(part, family, LISTS) ZIVCOLOR_DECLARE_KERNELS(ZIVCOLOR_##part, family, LISTS)
+ZIVCOLOR_PARTS(ZIVCOLOR_PART)
+#undef ZIVCOLOR_PART
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
 namespace taken {
-#define ZIVCOLOR_FAMILY(family, FAMILY) using namespace zivcolor::ZIVCOLOR_##family::family;
-ZIVCOLOR_FAMILIES(ZIVCOLOR_FAMILY)
-#undef ZIVCOLOR_FAMILY
+#define ZIVCOLOR_PART(part, family, LISTS) using namespace zivcolor::ZIVCOLOR_##part::family;
+ZIVCOLOR_PARTS(ZIVCOLOR_PART)
+#undef ZIVCOLOR_PART
 }  // namespace taken
 
 extern const KernelTable kernels;

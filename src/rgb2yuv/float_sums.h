@@ -63,6 +63,9 @@ ZIV_INLINE PixelVectors<N> load_pixel_vectors(const uint8_t* p) {
 #if ZIV_HAS_ADVANCED_SIMD
 #include "rgb2yuv/float_sums_neon.h"
 #endif
+#if ZIV_HAS_DOT_PRODUCT
+#include "rgb2yuv/float_sums_neon_dot.h"
+#endif
 
 namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 

@@ -34,9 +34,15 @@ ZIV_INLINE uint8x8_t half_constant() {
 struct ApproximateLuma {
     uint8x16_t whole, fraction;
 };
+inline constexpr int wr = 19595, wg = 38470, wb = 7471;
+static_assert((wr & 255) + (wg & 255) + (wb & 255) <= 257);
+// From the sums by the lower bytes of the weights and by the upper ones, of eight pixels each.
+ZIV_INLINE ApproximateLuma approximate_luma(uint16x8_t low0, uint16x8_t low1, uint16x8_t high0, uint16x8_t high1) {
+    const uint8x16_t sum0 = vreinterpretq_u8_u16(vrsraq_n_u16(high0, low0, 8));
+    const uint8x16_t sum1 = vreinterpretq_u8_u16(vrsraq_n_u16(high1, low1, 8));
+    return {vuzp2q_u8(sum0, sum1), vuzp1q_u8(sum0, sum1)};
+}
 ZIV_INLINE ApproximateLuma approximate_luma(uint8x16_t r, uint8x16_t g, uint8x16_t b) {
-    constexpr int wr = 19595, wg = 38470, wb = 7471;
-    static_assert((wr & 255) + (wg & 255) + (wb & 255) <= 257);
     const uint8x16_t hr = byte_constant<(wr >> 8)>(), hg = byte_constant<(wg >> 8)>(), hb = byte_constant<(wb >> 8)>();
     const uint8x16_t lr = byte_constant<(wr & 255)>(), lg = byte_constant<(wg & 255)>(), lb = byte_constant<(wb & 255)>();
     const auto half = [](uint8x16_t v) ZIV_INLINE_BODY { return vget_low_u8(v); };
@@ -44,10 +50,18 @@ ZIV_INLINE ApproximateLuma approximate_luma(uint8x16_t r, uint8x16_t g, uint8x16
     const uint16x8_t low1 = vmlal_high_u8(vmlal_high_u8(vmull_high_u8(g, lg), r, lr), b, lb);
     const uint16x8_t high0 = vmlal_u8(vmlal_u8(vmull_u8(half(g), half(hg)), half(r), half(hr)), half(b), half(hb));
     const uint16x8_t high1 = vmlal_high_u8(vmlal_high_u8(vmull_high_u8(g, hg), r, hr), b, hb);
-    const uint8x16_t sum0 = vreinterpretq_u8_u16(vrsraq_n_u16(high0, low0, 8));
-    const uint8x16_t sum1 = vreinterpretq_u8_u16(vrsraq_n_u16(high1, low1, 8));
-    return {vuzp2q_u8(sum0, sum1), vuzp1q_u8(sum0, sum1)};
+    return approximate_luma(low0, low1, high0, high1);
 }
+// The same of 16 pixels that no chroma is taken from.
+template <int red>
+ZIV_INLINE ApproximateLuma approximate_luma(const uint8_t* src);
+#if !ZIV_HAS_DOT_PRODUCT
+template <int red>
+ZIV_INLINE ApproximateLuma approximate_luma(const uint8_t* src) {
+    const uint8x16x4_t pixels = vld4q_u8(src);
+    return approximate_luma(pixels.val[red], pixels.val[1], pixels.val[2 - red]);
+}
+#endif
 
 // A half of `plus` less two products, in 16 bits: the upper byte is the whole part floored, `fraction` holds 16 fractional
 // bits.
@@ -81,11 +95,15 @@ struct Told {
 };
 template <int red, bool has_chroma>
 ZIV_INLINE Told store_approximated(uint8_t* luma, uint8_t* chroma, const uint8_t* src) {
+    if constexpr (!has_chroma) {
+        const ApproximateLuma y = approximate_luma<red>(src);
+        vst1q_u8(luma, y.whole);
+        return {y.fraction, y.fraction};
+    }
     const uint8x16x4_t pixels = vld4q_u8(src);
     const uint8x16_t r = pixels.val[red], g = pixels.val[1], b = pixels.val[2 - red];
     const ApproximateLuma y = approximate_luma(r, g, b);
     vst1q_u8(luma, y.whole);
-    if constexpr (!has_chroma) return {y.fraction, y.fraction};
     const auto even = [](uint8x16_t v) ZIV_INLINE_BODY { return vmovn_u16(vreinterpretq_u16_u8(v)); };
     const uint8x8_t even_r = even(r), even_g = even(g), even_b = even(b);
     // -0.1678 R - 0.3313 G + 0.5 B and 0.5 R - 0.4187 G - 0.0813 B. Sums that binary32 may round to the other side of a whole
