@@ -90,6 +90,7 @@ ZIV_INLINE void reverse_row(const uint8_t* src, uint8_t* dst, ptrdiff_t bytes) {
         for (int k = 0; k < 4; k++) out.v[k] = reversed<samples, widest>(in.v[3 - k]);
         store_four<widest>(dst + j, out);
     }
+    if (j == bytes) return;
     const ptrdiff_t start = j;
     j += for_steps(bytes - start, [&](auto size, ptrdiff_t k) ZIV_INLINE_BODY { step(size, start + k); });
     if (j == bytes) return;
