@@ -20,9 +20,9 @@ struct Leaf {
     unsigned a = 0, b = 0, c = 0, d = 0;  // all zero where the CPU has no such leaf
 };
 
-Leaf cpuid(unsigned number) {
+Leaf cpuid(unsigned number, unsigned part = 0) {
     Leaf leaf;
-    if (!__get_cpuid_count(number, 0, &leaf.a, &leaf.b, &leaf.c, &leaf.d)) return {};
+    if (!__get_cpuid_count(number, part, &leaf.a, &leaf.b, &leaf.c, &leaf.d)) return {};
     return leaf;
 }
 
@@ -49,6 +49,20 @@ bool cpu_has_AVX512_VBMI() {
     const Leaf leaf = cpuid(7);
     const bool f = has_bit(leaf.b, 16), bw = has_bit(leaf.b, 30), vl = has_bit(leaf.b, 31), vbmi = has_bit(leaf.c, 1);
     return saves(zmm_state) && f && bw && vl && vbmi;
+}
+
+int64_t last_cache_bytes() {
+    constexpr unsigned leaves[] = {0x4, 0x8000001D};  // Intel's and AMD's, of one form: a part for each cache
+    int64_t bytes = 0;
+    for (const unsigned caches : leaves)
+        for (unsigned i = 0; i < 8; ++i) {
+            const Leaf cache = cpuid(caches, i);
+            if ((cache.a & 31) == 0) break;
+            const int64_t ways = (cache.b >> 22) + 1, partitions = (cache.b >> 12 & 0x3FF) + 1, line = (cache.b & 0xFFF) + 1;
+            const int64_t all = ways * partitions * line * (int64_t{cache.c} + 1);
+            if (all > bytes) bytes = all;
+        }
+    return bytes;
 }
 
 #elif defined(__aarch64__)

@@ -1,20 +1,22 @@
 // zivColorCvt: from a pair of format codes to the one kernel written for it.
 #include "core/chosen_kernels.h"
-#include "core/layout_list.h"
+#include "core/streaming.h"
 
 namespace zivcolor {
 namespace {
 
 int32_t dispatch(const Image* srcImg, const Image* dstImg, uint8_t alpha) {
     const KernelTable& kernels = kernels_here();
-#define ZIVCOLOR_CALL_Opaque(name) kernels.name(srcImg, dstImg)
-#define ZIVCOLOR_CALL_Alpha(name) kernels.name(srcImg, dstImg, alpha)
-#define ZIVCOLOR_ROW_Direct(source, destination, call)
-#define ZIVCOLOR_ROW_Dispatched(source, destination, call)     \
-    case pair_of(zivPixFmt_##source, zivPixFmt_##destination): \
-        return call;
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task) \
-    ZIVCOLOR_ROW_##dispatch(source, destination, ZIVCOLOR_CALL_##alpha(name))
+    const int64_t pixels = int64_t{dstImg->width} * dstImg->height;
+#define ZIVCOLOR_ARGUMENTS_Opaque srcImg, dstImg
+#define ZIVCOLOR_ARGUMENTS_Alpha srcImg, dstImg, alpha
+#define ZIVCOLOR_ROW_Direct(name, source, destination, alpha, part)
+#define ZIVCOLOR_ROW_Dispatched(name, source, destination, alpha, part)                                        \
+    case pair_of(zivPixFmt_##source, zivPixFmt_##destination):                                                 \
+        return convert_part_of<zivPixFmt_##source, zivPixFmt_##destination, parts::part>(pixels, kernels.name, \
+                                                                                         ZIVCOLOR_ARGUMENTS_##alpha);
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part) \
+    ZIVCOLOR_ROW_##dispatch(name, source, destination, alpha, part)
     switch (pair_of(srcImg->format, dstImg->format)) {
         ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
         default: return zivStatus_BadArgument;
@@ -22,8 +24,8 @@ int32_t dispatch(const Image* srcImg, const Image* dstImg, uint8_t alpha) {
 #undef ZIVCOLOR_CONVERSION
 #undef ZIVCOLOR_ROW_Dispatched
 #undef ZIVCOLOR_ROW_Direct
-#undef ZIVCOLOR_CALL_Alpha
-#undef ZIVCOLOR_CALL_Opaque
+#undef ZIVCOLOR_ARGUMENTS_Alpha
+#undef ZIVCOLOR_ARGUMENTS_Opaque
 }
 
 }  // namespace

@@ -1,11 +1,13 @@
 // The exported entry of every kernel: hands the call to the kernel that was built for this CPU.
 #include "core/chosen_kernels.h"
+#include "core/streaming.h"
 
 using zivcolor::Image;
 using zivcolor::MaskedImage;
 
 // An entry that the header does not declare would be one that nobody sees.
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task) static_assert(sizeof(&::name) == sizeof(void*));
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part) \
+    static_assert(sizeof(&::name) == sizeof(void*));
 #define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) static_assert(sizeof(&::name) == sizeof(void*));
 ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
 ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
@@ -14,13 +16,17 @@ ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
 
 extern "C" {
 
-#define ZIVCOLOR_ENTRY_Opaque(name) \
-    int32_t name(const Image* srcImg, const Image* dstImg) { return zivcolor::kernels_here().name(srcImg, dstImg); }
-#define ZIVCOLOR_ENTRY_Alpha(name)                                          \
-    int32_t name(const Image* srcImg, const Image* dstImg, uint8_t alpha) { \
-        return zivcolor::kernels_here().name(srcImg, dstImg, alpha);        \
+#define ZIVCOLOR_PAIR(source, destination, part) zivPixFmt_##source, zivPixFmt_##destination, zivcolor::parts::part
+#define ZIVCOLOR_ENTRY_Opaque(name, pair)                                              \
+    int32_t name(const Image* srcImg, const Image* dstImg) {                           \
+        return zivcolor::convert<pair>(zivcolor::kernels_here().name, srcImg, dstImg); \
     }
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task) ZIVCOLOR_ENTRY_##alpha(name)
+#define ZIVCOLOR_ENTRY_Alpha(name, pair)                                                      \
+    int32_t name(const Image* srcImg, const Image* dstImg, uint8_t alpha) {                   \
+        return zivcolor::convert<pair>(zivcolor::kernels_here().name, srcImg, dstImg, alpha); \
+    }
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part) \
+    ZIVCOLOR_ENTRY_##alpha(name, ZIVCOLOR_PAIR(source, destination, part))
 #define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) \
     result name parameters { return zivcolor::kernels_here().name arguments; }
 ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
@@ -29,5 +35,6 @@ ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
 #undef ZIVCOLOR_CONVERSION
 #undef ZIVCOLOR_ENTRY_Alpha
 #undef ZIVCOLOR_ENTRY_Opaque
+#undef ZIVCOLOR_PAIR
 
 }  // extern "C"

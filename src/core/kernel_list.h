@@ -7,101 +7,102 @@
 
 // Kernels over a pair of image descriptors.
 //   KERNEL(name, source layout, destination layout, Alpha: takes an alpha byte | Opaque,
-//          Dispatched: zivColorCvt picks it for the pair | Direct: only by its name, slot of its band task | NoTask)
+//          Dispatched: zivColorCvt picks it for the pair | Direct: only by its name, slot of its band task | NoTask,
+//          AnyPart | TightPart | NoPart: which parts of an image may be converted by themselves, see core/streaming.h)
 // A slot is the task's place in the context's record and what zivColorCvtFunc returns: a new task takes the next free number.
-#define ZIVCOLOR_YUV2RGB_CONVERSIONS(KERNEL)                                           \
-    KERNEL(zivColorNV12toBGR888u8,      NV12,    BGR888,   Opaque, Dispatched, 8)      \
-    KERNEL(zivColorNV21toBGR888u8,      NV21,    BGR888,   Opaque, Dispatched, 2)      \
-    KERNEL(zivColorNV21toRGB888u8,      NV21,    RGB888,   Opaque, Dispatched, 1)      \
-    KERNEL(zivColorNV21toBGRA8888u8,    NV21,    BGRA8888, Alpha,  Dispatched, 4)      \
-    KERNEL(zivColorNV21toRGBA8888u8,    NV21,    RGBA8888, Alpha,  Dispatched, 0)      \
-    KERNEL(zivColorNV12toRGBA8888u8,    NV12,    RGBA8888, Alpha,  Dispatched, 6)      \
-    KERNEL(zivColorNV12toBGRA8888u8,    NV12,    BGRA8888, Alpha,  Dispatched, 7)      \
-    KERNEL(zivColorI420toBGR888u8,      I420,    BGR888,   Opaque, Dispatched, 14)     \
-    KERNEL(zivColorI420toRGB888u8,      I420,    RGB888,   Opaque, Dispatched, 10)     \
-    KERNEL(zivColorI420toBGRA8888u8,    I420,    BGRA8888, Alpha,  Dispatched, 13)     \
-    KERNEL(zivColorI420toRGBA8888u8,    I420,    RGBA8888, Alpha,  Dispatched, 9)      \
-    KERNEL(zivColorYV12toBGR888u8,      YV12,    BGR888,   Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorYV12toRGB888u8,      YV12,    RGB888,   Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorYUYVtoBGR888u8,      YUYV,    BGR888,   Opaque, Dispatched, 44)     \
-    KERNEL(zivColorYUYVtoRGB888u8,      YUYV,    RGB888,   Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorYUYVtoRGBA8888u8,    YUYV,    RGBA8888, Alpha,  Dispatched, NoTask) \
-    KERNEL(zivColorLPI422HtoBGRA8888u8, LPI422H, BGRA8888, Alpha,  Dispatched, 41)     \
-    KERNEL(zivColorLPI422HtoRGBA8888u8, LPI422H, RGBA8888, Alpha,  Dispatched, 43)
+#define ZIVCOLOR_YUV2RGB_CONVERSIONS(KERNEL)                                                    \
+    KERNEL(zivColorNV12toBGR888u8,      NV12,    BGR888,   Opaque, Dispatched, 8,      AnyPart) \
+    KERNEL(zivColorNV21toBGR888u8,      NV21,    BGR888,   Opaque, Dispatched, 2,      AnyPart) \
+    KERNEL(zivColorNV21toRGB888u8,      NV21,    RGB888,   Opaque, Dispatched, 1,      AnyPart) \
+    KERNEL(zivColorNV21toBGRA8888u8,    NV21,    BGRA8888, Alpha,  Dispatched, 4,      AnyPart) \
+    KERNEL(zivColorNV21toRGBA8888u8,    NV21,    RGBA8888, Alpha,  Dispatched, 0,      AnyPart) \
+    KERNEL(zivColorNV12toRGBA8888u8,    NV12,    RGBA8888, Alpha,  Dispatched, 6,      AnyPart) \
+    KERNEL(zivColorNV12toBGRA8888u8,    NV12,    BGRA8888, Alpha,  Dispatched, 7,      AnyPart) \
+    KERNEL(zivColorI420toBGR888u8,      I420,    BGR888,   Opaque, Dispatched, 14,     AnyPart) \
+    KERNEL(zivColorI420toRGB888u8,      I420,    RGB888,   Opaque, Dispatched, 10,     AnyPart) \
+    KERNEL(zivColorI420toBGRA8888u8,    I420,    BGRA8888, Alpha,  Dispatched, 13,     AnyPart) \
+    KERNEL(zivColorI420toRGBA8888u8,    I420,    RGBA8888, Alpha,  Dispatched, 9,      AnyPart) \
+    KERNEL(zivColorYV12toBGR888u8,      YV12,    BGR888,   Opaque, Dispatched, NoTask, AnyPart) \
+    KERNEL(zivColorYV12toRGB888u8,      YV12,    RGB888,   Opaque, Dispatched, NoTask, NoPart)  \
+    KERNEL(zivColorYUYVtoBGR888u8,      YUYV,    BGR888,   Opaque, Dispatched, 44,     AnyPart) \
+    KERNEL(zivColorYUYVtoRGB888u8,      YUYV,    RGB888,   Opaque, Dispatched, NoTask, AnyPart) \
+    KERNEL(zivColorYUYVtoRGBA8888u8,    YUYV,    RGBA8888, Alpha,  Dispatched, NoTask, AnyPart) \
+    KERNEL(zivColorLPI422HtoBGRA8888u8, LPI422H, BGRA8888, Alpha,  Dispatched, 41,     NoPart)  \
+    KERNEL(zivColorLPI422HtoRGBA8888u8, LPI422H, RGBA8888, Alpha,  Dispatched, 43,     AnyPart)
 
 // By the bytes of a pixel.
-#define ZIVCOLOR_RGB24_TO_YUV_CONVERSIONS(KERNEL)                                      \
-    KERNEL(zivColorBGR888toNV21u8,      BGR888,   NV21,    Opaque, Dispatched, 23)     \
-    KERNEL(zivColorRGB888toNV21u8,      RGB888,   NV21,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGR888toNV12u8,      BGR888,   NV12,    Opaque, Dispatched, 24)     \
-    KERNEL(zivColorRGB888toNV12u8,      RGB888,   NV12,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGR888toI420u8,      BGR888,   I420,    Opaque, Dispatched, 22)     \
-    KERNEL(zivColorRGB888toI420u8,      RGB888,   I420,    Opaque, Dispatched, 21)     \
-    KERNEL(zivColorRGB888toYUYVu8,      RGB888,   YUYV,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGR888toYUYVu8,      BGR888,   YUYV,    Opaque, Dispatched, 45)     \
-    KERNEL(zivColorRGB888toYVYUu8,      RGB888,   YVYU,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGR888toYVYUu8,      BGR888,   YVYU,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorRGB888toUYVYu8,      RGB888,   UYVY,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGR888toUYVYu8,      BGR888,   UYVY,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorRGB888toVYUYu8,      RGB888,   VYUY,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGR888toVYUYu8,      BGR888,   VYUY,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorRGB888toYV24u8,      RGB888,   YV24,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorRGB888toI422Hu8,     RGB888,   I422H,   Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGR888toI422Hu8,     BGR888,   I422H,   Opaque, Dispatched, NoTask)
-#define ZIVCOLOR_RGB32_TO_YUV_CONVERSIONS(KERNEL)                                      \
-    KERNEL(zivColorBGRA8888toNV21u8,    BGRA8888, NV21,    Opaque, Dispatched, 18)     \
-    KERNEL(zivColorRGBA8888toNV21u8,    RGBA8888, NV21,    Opaque, Dispatched, 15)     \
-    KERNEL(zivColorBGRA8888toNV12u8,    BGRA8888, NV12,    Opaque, Dispatched, 19)     \
-    KERNEL(zivColorRGBA8888toNV12u8,    RGBA8888, NV12,    Opaque, Dispatched, 16)     \
-    KERNEL(zivColorBGRA8888toI420u8,    BGRA8888, I420,    Opaque, Dispatched, 20)     \
-    KERNEL(zivColorRGBA8888toI420u8,    RGBA8888, I420,    Opaque, Dispatched, 17)     \
-    KERNEL(zivColorRGBA8888toYUYVu8,    RGBA8888, YUYV,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGRA8888toLPI422Hu8, BGRA8888, LPI422H, Opaque, Dispatched, 40)     \
-    KERNEL(zivColorRGBA8888toLPI422Hu8, RGBA8888, LPI422H, Opaque, Dispatched, 42)
+#define ZIVCOLOR_RGB24_TO_YUV_CONVERSIONS(KERNEL)                                                 \
+    KERNEL(zivColorBGR888toNV21u8,      BGR888,   NV21,    Opaque, Dispatched, 23,     AnyPart)   \
+    KERNEL(zivColorRGB888toNV21u8,      RGB888,   NV21,    Opaque, Dispatched, NoTask, TightPart) \
+    KERNEL(zivColorBGR888toNV12u8,      BGR888,   NV12,    Opaque, Dispatched, 24,     AnyPart)   \
+    KERNEL(zivColorRGB888toNV12u8,      RGB888,   NV12,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorBGR888toI420u8,      BGR888,   I420,    Opaque, Dispatched, 22,     AnyPart)   \
+    KERNEL(zivColorRGB888toI420u8,      RGB888,   I420,    Opaque, Dispatched, 21,     AnyPart)   \
+    KERNEL(zivColorRGB888toYUYVu8,      RGB888,   YUYV,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorBGR888toYUYVu8,      BGR888,   YUYV,    Opaque, Dispatched, 45,     AnyPart)   \
+    KERNEL(zivColorRGB888toYVYUu8,      RGB888,   YVYU,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorBGR888toYVYUu8,      BGR888,   YVYU,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorRGB888toUYVYu8,      RGB888,   UYVY,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorBGR888toUYVYu8,      BGR888,   UYVY,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorRGB888toVYUYu8,      RGB888,   VYUY,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorBGR888toVYUYu8,      BGR888,   VYUY,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorRGB888toYV24u8,      RGB888,   YV24,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorRGB888toI422Hu8,     RGB888,   I422H,   Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorBGR888toI422Hu8,     BGR888,   I422H,   Opaque, Dispatched, NoTask, AnyPart)
+#define ZIVCOLOR_RGB32_TO_YUV_CONVERSIONS(KERNEL)                                               \
+    KERNEL(zivColorBGRA8888toNV21u8,    BGRA8888, NV21,    Opaque, Dispatched, 18,     NoPart)  \
+    KERNEL(zivColorRGBA8888toNV21u8,    RGBA8888, NV21,    Opaque, Dispatched, 15,     NoPart)  \
+    KERNEL(zivColorBGRA8888toNV12u8,    BGRA8888, NV12,    Opaque, Dispatched, 19,     AnyPart) \
+    KERNEL(zivColorRGBA8888toNV12u8,    RGBA8888, NV12,    Opaque, Dispatched, 16,     AnyPart) \
+    KERNEL(zivColorBGRA8888toI420u8,    BGRA8888, I420,    Opaque, Dispatched, 20,     AnyPart) \
+    KERNEL(zivColorRGBA8888toI420u8,    RGBA8888, I420,    Opaque, Dispatched, 17,     AnyPart) \
+    KERNEL(zivColorRGBA8888toYUYVu8,    RGBA8888, YUYV,    Opaque, Dispatched, NoTask, AnyPart) \
+    KERNEL(zivColorBGRA8888toLPI422Hu8, BGRA8888, LPI422H, Opaque, Dispatched, 40,     NoPart)  \
+    KERNEL(zivColorRGBA8888toLPI422Hu8, RGBA8888, LPI422H, Opaque, Dispatched, 42,     AnyPart)
 
-#define ZIVCOLOR_YUVREPACK_CONVERSIONS(KERNEL)                                   \
-    KERNEL(zivColorI420toNV21u8,     I420,  NV21,    Opaque, Dispatched, 11)     \
-    KERNEL(zivColorNV21toI420u8,     NV21,  I420,    Opaque, Dispatched, 3)      \
-    KERNEL(zivColorNV12toI420u8,     NV12,  I420,    Opaque, Dispatched, 5)      \
-    KERNEL(zivColorNV12toNV21u8,     NV12,  NV21,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorYV12toNV21u8_2,   YV12,  NV21,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorNV12toYUYVu8,     NV12,  YUYV,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorNV21toYUYVu8,     NV21,  YUYV,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorI420toYUYVu8,     I420,  YUYV,    Opaque, Dispatched, 12)     \
-    KERNEL(zivColorYUYVtoNV21u8_v2,  YUYV,  NV21,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorYUYVtoNV12u8_v2,  YUYV,  NV12,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorYUYVtoI420u8_2,   YUYV,  I420,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorI422HtoI420u8,    I422H, I420,    Opaque, Dispatched, 25)     \
-    KERNEL(zivColorI422HtoNV21u8,    I422H, NV21,    Opaque, Dispatched, 26)     \
-    KERNEL(zivColorI422HtoNV12u8,    I422H, NV12,    Opaque, Dispatched, 27)     \
-    KERNEL(zivColorI422HtoYUYVu8,    I422H, YUYV,    Opaque, Dispatched, 28)     \
-    KERNEL(zivColorI422HtoLPI422Hu8, I422H, LPI422H, Opaque, Dispatched, 29)     \
-    KERNEL(zivColorI422VtoI420u8,    I422V, I420,    Opaque, Dispatched, 30)     \
-    KERNEL(zivColorI422VtoNV21u8,    I422V, NV21,    Opaque, Dispatched, 31)     \
-    KERNEL(zivColorI422VtoNV12u8,    I422V, NV12,    Opaque, Dispatched, 32)     \
-    KERNEL(zivColorI422VtoYUYVu8,    I422V, YUYV,    Opaque, Dispatched, 33)     \
-    KERNEL(zivColorI422VtoLPI422Hu8, I422V, LPI422H, Opaque, Dispatched, 34)     \
-    KERNEL(zivColorI444toI420u8,     I444,  I420,    Opaque, Dispatched, 35)     \
-    KERNEL(zivColorI444toNV21u8,     I444,  NV21,    Opaque, Dispatched, 36)     \
-    KERNEL(zivColorI444toNV12u8,     I444,  NV12,    Opaque, Dispatched, 37)     \
-    KERNEL(zivColorI444toYUYVu8,     I444,  YUYV,    Opaque, Dispatched, 38)     \
-    KERNEL(zivColorI444toLPI422Hu8,  I444,  LPI422H, Opaque, Dispatched, 39)     \
-    KERNEL(zivColorYUVtoNV21u8,      YUV,   NV21,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorNV21toYUVu8,      NV21,  YUV,     Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorNV21toNV41,       NV21,  NV41,    Opaque, Direct,     NoTask) \
-    KERNEL(zivColorNV21toNV41_2,     NV21,  NV41,    Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorNV41toNV21,       NV41,  NV21,    Opaque, Direct,     NoTask) \
-    KERNEL(zivColorNV41toNV21_2,     NV41,  NV21,    Opaque, Dispatched, NoTask)
+#define ZIVCOLOR_YUVREPACK_CONVERSIONS(KERNEL)                                              \
+    KERNEL(zivColorI420toNV21u8,     I420,  NV21,    Opaque, Dispatched, 11,     AnyPart)   \
+    KERNEL(zivColorNV21toI420u8,     NV21,  I420,    Opaque, Dispatched, 3,      AnyPart)   \
+    KERNEL(zivColorNV12toI420u8,     NV12,  I420,    Opaque, Dispatched, 5,      AnyPart)   \
+    KERNEL(zivColorNV12toNV21u8,     NV12,  NV21,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorYV12toNV21u8_2,   YV12,  NV21,    Opaque, Dispatched, NoTask, TightPart) \
+    KERNEL(zivColorNV12toYUYVu8,     NV12,  YUYV,    Opaque, Dispatched, NoTask, TightPart) \
+    KERNEL(zivColorNV21toYUYVu8,     NV21,  YUYV,    Opaque, Dispatched, NoTask, TightPart) \
+    KERNEL(zivColorI420toYUYVu8,     I420,  YUYV,    Opaque, Dispatched, 12,     AnyPart)   \
+    KERNEL(zivColorYUYVtoNV21u8_v2,  YUYV,  NV21,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorYUYVtoNV12u8_v2,  YUYV,  NV12,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorYUYVtoI420u8_2,   YUYV,  I420,    Opaque, Dispatched, NoTask, NoPart)    \
+    KERNEL(zivColorI422HtoI420u8,    I422H, I420,    Opaque, Dispatched, 25,     AnyPart)   \
+    KERNEL(zivColorI422HtoNV21u8,    I422H, NV21,    Opaque, Dispatched, 26,     TightPart) \
+    KERNEL(zivColorI422HtoNV12u8,    I422H, NV12,    Opaque, Dispatched, 27,     NoPart)    \
+    KERNEL(zivColorI422HtoYUYVu8,    I422H, YUYV,    Opaque, Dispatched, 28,     AnyPart)   \
+    KERNEL(zivColorI422HtoLPI422Hu8, I422H, LPI422H, Opaque, Dispatched, 29,     AnyPart)   \
+    KERNEL(zivColorI422VtoI420u8,    I422V, I420,    Opaque, Dispatched, 30,     TightPart) \
+    KERNEL(zivColorI422VtoNV21u8,    I422V, NV21,    Opaque, Dispatched, 31,     TightPart) \
+    KERNEL(zivColorI422VtoNV12u8,    I422V, NV12,    Opaque, Dispatched, 32,     TightPart) \
+    KERNEL(zivColorI422VtoYUYVu8,    I422V, YUYV,    Opaque, Dispatched, 33,     TightPart) \
+    KERNEL(zivColorI422VtoLPI422Hu8, I422V, LPI422H, Opaque, Dispatched, 34,     TightPart) \
+    KERNEL(zivColorI444toI420u8,     I444,  I420,    Opaque, Dispatched, 35,     TightPart) \
+    KERNEL(zivColorI444toNV21u8,     I444,  NV21,    Opaque, Dispatched, 36,     TightPart) \
+    KERNEL(zivColorI444toNV12u8,     I444,  NV12,    Opaque, Dispatched, 37,     TightPart) \
+    KERNEL(zivColorI444toYUYVu8,     I444,  YUYV,    Opaque, Dispatched, 38,     TightPart) \
+    KERNEL(zivColorI444toLPI422Hu8,  I444,  LPI422H, Opaque, Dispatched, 39,     NoPart)    \
+    KERNEL(zivColorYUVtoNV21u8,      YUV,   NV21,    Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorNV21toYUVu8,      NV21,  YUV,     Opaque, Dispatched, NoTask, AnyPart)   \
+    KERNEL(zivColorNV21toNV41,       NV21,  NV41,    Opaque, Direct, NoTask, NoPart)        \
+    KERNEL(zivColorNV21toNV41_2,     NV21,  NV41,    Opaque, Dispatched, NoTask, NoPart)    \
+    KERNEL(zivColorNV41toNV21,       NV41,  NV21,    Opaque, Direct, NoTask, NoPart)        \
+    KERNEL(zivColorNV41toNV21_2,     NV41,  NV21,    Opaque, Dispatched, NoTask, NoPart)
 
-#define ZIVCOLOR_RGBREPACK_CONVERSIONS(KERNEL)                                         \
-    KERNEL(zivColorRGBA8888toBGR888u8, RGBA8888, BGR888,   Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorRGB888toBGR888u8_2, RGB888,   BGR888,   Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGR888toARGB8888u8, BGR888,   ARGB8888, Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorRGB888toARGB8888u8, RGB888,   ARGB8888, Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorRGB888toBGR565u8,   RGB888,   BGR565,   Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorRGB888toRGB565u8,   RGB888,   RGB565,   Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGR888toRGB565u8,   BGR888,   RGB565,   Opaque, Dispatched, NoTask) \
-    KERNEL(zivColorBGR888toBGR565u8,   BGR888,   BGR565,   Opaque, Dispatched, NoTask)
+#define ZIVCOLOR_RGBREPACK_CONVERSIONS(KERNEL)                                                  \
+    KERNEL(zivColorRGBA8888toBGR888u8, RGBA8888, BGR888,   Opaque, Dispatched, NoTask, AnyPart) \
+    KERNEL(zivColorRGB888toBGR888u8_2, RGB888,   BGR888,   Opaque, Dispatched, NoTask, AnyPart) \
+    KERNEL(zivColorBGR888toARGB8888u8, BGR888,   ARGB8888, Opaque, Dispatched, NoTask, AnyPart) \
+    KERNEL(zivColorRGB888toARGB8888u8, RGB888,   ARGB8888, Opaque, Dispatched, NoTask, AnyPart) \
+    KERNEL(zivColorRGB888toBGR565u8,   RGB888,   BGR565,   Opaque, Dispatched, NoTask, AnyPart) \
+    KERNEL(zivColorRGB888toRGB565u8,   RGB888,   RGB565,   Opaque, Dispatched, NoTask, AnyPart) \
+    KERNEL(zivColorBGR888toRGB565u8,   BGR888,   RGB565,   Opaque, Dispatched, NoTask, AnyPart) \
+    KERNEL(zivColorBGR888toBGR565u8,   BGR888,   BGR565,   Opaque, Dispatched, NoTask, AnyPart)
 
 #define ZIVCOLOR_HSL_CONVERSIONS(KERNEL)
 #define ZIVCOLOR_GEOMETRY_CONVERSIONS(KERNEL)

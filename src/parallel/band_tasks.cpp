@@ -1,7 +1,9 @@
 #include "parallel/band_tasks.h"
 
+#include <type_traits>
+
 #include "core/chosen_kernels.h"
-#include "core/layout_list.h"
+#include "core/streaming.h"
 
 namespace zivcolor {
 namespace {
@@ -20,20 +22,23 @@ Image band_of(const Image& whole, const Layout& layout, int32_t start, int32_t e
     return band;
 }
 
-void call(OpaqueConversion* kernel, const Image* from, const Image* to, const void*) { kernel(from, to); }
-void call(AlphaConversion* kernel, const Image* from, const Image* to, const void* extParam) {
-    kernel(from, to, static_cast<uint8_t>(static_cast<const zivColorExtParam_ALPHA_t*>(extParam)->alpha & 0xFF));
+uint8_t alpha_of(const zivColorParam_t& param) {
+    return static_cast<uint8_t>(static_cast<const zivColorExtParam_ALPHA_t*>(param.extParam)->alpha & 0xFF);
 }
 
 // The task of a pair; the kernel is a member of KernelTable. Its status is dropped: a band that it refuses stays unwritten.
-template <uint32_t source, uint32_t destination, auto kernel>
+template <uint32_t source, uint32_t destination, Parts parts, auto kernel>
 void convert_band(void* p) {
     static_assert(layout_of(source)->chroma.rows <= 2 && layout_of(destination)->chroma.rows <= 2,
                   "a chroma row that stands for more than 2 rows of luma would belong to two bands: NoTask");
     const auto& param = *static_cast<const zivColorParam_t*>(p);
     const Image from = band_of(*param.srcImg, *layout_of(source), param.lStartLine, param.lEndLine);
     const Image to = band_of(*param.dstImg, *layout_of(destination), param.lStartLine, param.lEndLine);
-    call(kernels_here().*kernel, &from, &to, param.extParam);
+    const int64_t pixels = int64_t{param.dstImg->width} * param.dstImg->height;  // all bands share the caches
+    const auto& function = kernels_here().*kernel;
+    if constexpr (std::is_same_v<decltype(function), AlphaConversion* const&>)
+        convert_part_of<source, destination, parts>(pixels, function, &from, &to, alpha_of(param));
+    else convert_part_of<source, destination, parts>(pixels, function, &from, &to);
 }
 
 struct SlotOfPair {
@@ -41,7 +46,7 @@ struct SlotOfPair {
     int32_t slot;
 };
 constexpr SlotOfPair slots_of_pairs[] = {
-#define ZIVCOLOR_SLOT(name, source, destination, alpha, dispatch, slot) \
+#define ZIVCOLOR_SLOT(name, source, destination, alpha, dispatch, slot, part) \
     {pair_of(zivPixFmt_##source, zivPixFmt_##destination), slot},
     ZIVCOLOR_CONVERSIONS(ZIVCOLOR_SLOT)
 #undef ZIVCOLOR_SLOT
@@ -62,9 +67,10 @@ static_assert(every_slot_has_one_kernel(),
 constexpr BandTasks all_tasks() {
     BandTasks tasks{};
     if constexpr (every_slot_has_one_kernel()) {
-#define ZIVCOLOR_TASK(name, source, destination, alpha, dispatch, slot) \
-    if constexpr (slot != NoTask)                                       \
-        tasks[static_cast<size_t>(slot)] = convert_band<zivPixFmt_##source, zivPixFmt_##destination, &KernelTable::name>;
+#define ZIVCOLOR_TASK(name, source, destination, alpha, dispatch, slot, part) \
+    if constexpr (slot != NoTask)                                             \
+        tasks[static_cast<size_t>(slot)] =                                    \
+            convert_band<zivPixFmt_##source, zivPixFmt_##destination, parts::part, &KernelTable::name>;
         ZIVCOLOR_CONVERSIONS(ZIVCOLOR_TASK)
 #undef ZIVCOLOR_TASK
     }

@@ -5,28 +5,58 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "core/layout_list.h"
+#include "core/streaming.h"
 
 namespace harness {
 
 using zivcolor::Image;
 using zivcolor::KernelTable;
 
+namespace {
+
+int32_t call(zivcolor::OpaqueConversion* kernel, const Image* src, const Image* dst, uint8_t) { return kernel(src, dst); }
+int32_t call(zivcolor::AlphaConversion* kernel, const Image* src, const Image* dst, uint8_t alpha) {
+    return kernel(src, dst, alpha);
+}
+template <auto kernel>
+int32_t convert(const KernelTable& kernels, const Image* src, const Image* dst, uint8_t alpha) {
+    return call(kernels.*kernel, src, dst, alpha);
+}
+
+#if defined(__x86_64__)
+int32_t stream(zivcolor::OpaqueConversion* kernel, zivcolor::StreamedPair pair, const Image* src, const Image* dst, uint8_t) {
+    return zivcolor::convert_streaming(kernel, pair, src, dst);
+}
+int32_t stream(zivcolor::AlphaConversion* kernel, zivcolor::StreamedPair pair, const Image* src, const Image* dst,
+               uint8_t alpha) {
+    return zivcolor::convert_streaming(kernel, pair, src, dst, alpha);
+}
+template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Parts parts>
+int32_t convert_streaming(const KernelTable& kernels, const Image* src, const Image* dst, uint8_t alpha) {
+    return stream(kernels.*kernel, zivcolor::streamed_pair(source, destination, parts), src, dst, alpha);
+}
+template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Parts parts>
+constexpr Conversion::Convert* streaming =
+    parts == zivcolor::Parts::none ? nullptr : convert_streaming<kernel, source, destination, parts>;
+#else
+template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Parts parts>
+constexpr Conversion::Convert* streaming = nullptr;
+#endif
+
+}  // namespace
+
 const std::vector<Conversion>& conversions() {
     [[maybe_unused]] static constexpr int NoTask = -1;
     [[maybe_unused]] static constexpr bool Alpha = true, Opaque = false, Dispatched = true, Direct = false;
-#define ZIVCOLOR_CALL_Opaque(name) k.name(s, d)
-#define ZIVCOLOR_CALL_Alpha(name) k.name(s, d, a)
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task)               \
-    {#name,                                                                                 \
-     zivPixFmt_##source,                                                                    \
-     zivPixFmt_##destination,                                                               \
-     alpha,                                                                                 \
-     dispatch,                                                                              \
-     task,                                                                                  \
-     [](const KernelTable& k, const Image* s, const Image* d, [[maybe_unused]] uint8_t a) { \
-         return ZIVCOLOR_CALL_##alpha(name);                                                \
-     }},
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part) \
+    {#name,                                                                         \
+     zivPixFmt_##source,                                                            \
+     zivPixFmt_##destination,                                                       \
+     alpha,                                                                         \
+     dispatch,                                                                      \
+     task,                                                                          \
+     convert<&KernelTable::name>,                                                   \
+     streaming<&KernelTable::name, zivPixFmt_##source, zivPixFmt_##destination, zivcolor::parts::part>},
     static const std::vector<Conversion> rows = {ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)};
 #undef ZIVCOLOR_CONVERSION
     return rows;

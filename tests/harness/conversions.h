@@ -14,8 +14,10 @@ struct Conversion {
     uint32_t source, destination;  // format codes
     bool alpha, dispatched;
     int task;  // -1: none
-    int32_t (*convert)(const zivcolor::KernelTable& kernels, const zivcolor::Image* srcImg, const zivcolor::Image* dstImg,
-                       uint8_t alpha);
+    using Convert = int32_t(const zivcolor::KernelTable& kernels, const zivcolor::Image* srcImg, const zivcolor::Image* dstImg,
+                            uint8_t alpha);
+    Convert* convert;
+    Convert* convert_streaming;  // by parts and streaming stores; null where there is no such way
 };
 
 // How a test names the row.

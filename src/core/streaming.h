@@ -1,0 +1,86 @@
+// Images beyond the caches. A kernel's stores read every line of the destination only to overwrite it: a third of the traffic
+// where nothing stays in the caches. There an image is converted by parts small enough for the first level, each into a buffer,
+// from where whole lines go out by streaming stores, which read nothing. The kernels know nothing of it.
+#pragma once
+
+#include "core/kernels.h"
+#include "core/layout_list.h"
+
+namespace zivcolor {
+
+#if defined(__x86_64__)
+inline constexpr bool has_streaming_stores = true;
+#else
+inline constexpr bool has_streaming_stores = false;
+#endif
+
+// The parts of an image that a kernel converts to the same bytes as within the whole. All are of even sizes and start at even
+// rows and at whole multiples of 16 columns; those that do not end where the image does are whole multiples of 64 columns wide.
+enum class Parts : uint8_t {
+    any,    // planes lie where the pitches say
+    tight,  // two rows at a time, where the rows of all planes follow each other without a gap
+    none,
+};
+namespace parts {
+inline constexpr Parts AnyPart = Parts::any, TightPart = Parts::tight, NoPart = Parts::none;
+}
+
+// A pair of layouts, as places in the layout list, and what is known of the kernel between them.
+struct StreamedPair {
+    uint8_t source, destination;
+    Parts parts;
+};
+constexpr StreamedPair streamed_pair(uint32_t source, uint32_t destination, Parts parts) {
+    return {static_cast<uint8_t>(layout_of(source) - layouts), static_cast<uint8_t>(layout_of(destination) - layouts), parts};
+}
+
+// Converts by parts and streaming stores, where sizes, pitches and addresses allow it, else as the kernel does.
+int32_t convert_streaming(OpaqueConversion* kernel, StreamedPair pair, const Image* src, const Image* dst);
+int32_t convert_streaming(AlphaConversion* kernel, StreamedPair pair, const Image* src, const Image* dst, uint8_t alpha);
+
+// The same for images from the bound on that pays on this machine, which belong to a whole of so many pixels.
+int32_t convert_large(int64_t pixels, OpaqueConversion* kernel, StreamedPair pair, const Image* src, const Image* dst);
+int32_t convert_large(int64_t pixels, AlphaConversion* kernel, StreamedPair pair, const Image* src, const Image* dst,
+                      uint8_t alpha);
+
+// The bytes of 8 pixels.
+constexpr int bytes_of_8(const Layout& layout) {
+    const int chroma = layout.planes == 1 ? 0 : 8 * layout.chroma.bytes / (layout.chroma.columns * layout.chroma.rows);
+    return 8 * layout.luma.bytes / layout.luma.columns + (layout.planes - 1) * chroma;
+}
+
+// So many bytes read and written are converted faster through the caches of any machine.
+inline constexpr int64_t cached_bytes = int64_t{24} << 20;
+
+// Converts an image that belongs to a whole of so many pixels: itself, or one that goes in bands, which share the caches.
+template <uint32_t source, uint32_t destination, Parts parts, class Kernel, class... Alpha>
+int32_t convert_part_of(int64_t pixels, Kernel* kernel, const Image* src, const Image* dst, Alpha... alpha) {
+    constexpr int64_t bytes = bytes_of_8(*layout_of(source)) + bytes_of_8(*layout_of(destination));
+    if constexpr (has_streaming_stores && parts != Parts::none)
+        if (pixels > cached_bytes * 8 / bytes) [[unlikely]] {
+            constexpr StreamedPair pair = streamed_pair(source, destination, parts);
+            return convert_large(pixels, kernel, pair, src, dst, alpha...);
+        }
+    return kernel(src, dst, alpha...);
+}
+template <uint32_t source, uint32_t destination, Parts parts, class Kernel, class... Alpha>
+int32_t convert(Kernel* kernel, const Image* src, const Image* dst, Alpha... alpha) {
+    const int64_t pixels = src && dst ? int64_t{dst->width} * dst->height : 0;
+    return convert_part_of<source, destination, parts>(pixels, kernel, src, dst, alpha...);
+}
+
+// The rows and columns of an image from one on, as an image of its own. A chroma row belongs to the first of its rows.
+inline Image part_of(const Image& whole, const Layout& layout, int32_t column, int32_t row, int32_t columns, int32_t rows) {
+    Image part{};
+    part.format = whole.format;
+    part.width = columns;
+    part.height = rows;
+    for (int k = 0; k < layout.planes; ++k) {
+        const int64_t plane_row = k == 0 ? row : row / layout.chroma.rows;
+        part.plane[k] = whole.plane[k] + plane_row * whole.pitch[k] + layout.row_bytes(k, column);
+        part.pitch[k] = whole.pitch[k];
+    }
+    return part;
+}
+
+}  // namespace zivcolor
