@@ -67,10 +67,10 @@ bool passes(const std::string& name, const std::string& filter) {
            (minus == std::string::npos || !matches_any(name, filter.substr(minus + 1)));
 }
 
-std::string filter_of_kernel() {
-    std::string filter = "*" + g_kernel + "*";
+std::string filter_of_kernel(const std::string& kernel) {
+    std::string filter = "*" + kernel + "*";
     for (const Suite& suite : suites)
-        if (std::strstr(suite.kernel, g_kernel.c_str()) || g_kernel.find(suite.kernel) != std::string::npos)
+        if (std::strstr(suite.kernel, kernel.c_str()) || kernel.find(suite.kernel) != std::string::npos)
             filter += std::string(":") + suite.filter;
     return filter;
 }
@@ -114,22 +114,25 @@ bool take_options(int* argc, char** argv) {
     return sound();
 }
 
-bool select_tests() {
-    if (g_kernel.empty()) return true;
-    const std::string asked = testing::GTEST_FLAG(filter), of_kernel = filter_of_kernel();
+std::string tests_of_kernel(const std::string& kernel, const std::string& filter) {
+    const std::string of_kernel = filter_of_kernel(kernel);
     std::string selected;
     const testing::UnitTest& tests = *testing::UnitTest::GetInstance();
     for (int s = 0; s < tests.total_test_suite_count(); s++) {
         const testing::TestSuite& suite = *tests.GetTestSuite(s);
         for (int t = 0; t < suite.total_test_count(); t++) {
             const std::string name = std::string(suite.name()) + "." + suite.GetTestInfo(t)->name();
-            if (passes(name, of_kernel) && passes(name, asked)) selected += name + ":";
+            if (passes(name, of_kernel) && passes(name, filter)) selected += name + ":";
         }
     }
+    return selected;
+}
+
+bool select_tests() {
+    if (g_kernel.empty()) return true;
+    const std::string asked = testing::GTEST_FLAG(filter), selected = tests_of_kernel(g_kernel, asked);
+    if (selected.empty()) std::printf("no test of '%s' passes the filter '%s'\n", g_kernel.c_str(), asked.c_str());
     testing::GTEST_FLAG(filter) = selected;
-    if (selected.empty())
-        std::printf("no test of '%s' passes the filter '%s'; suites that bear other names stand in tests/harness/options.cpp\n",
-                    g_kernel.c_str(), asked.c_str());
     return !selected.empty();
 }
 

@@ -19,6 +19,9 @@ bool take_options(int* argc, char** argv);
 // the terminal, if no test is left.
 bool select_tests();
 
+// The tests of a kernel that pass a filter of the framework's, as such a filter.
+std::string tests_of_kernel(const std::string& kernel, const std::string& filter);
+
 // The targets to test: those that run here, or the one that was asked for.
 const std::vector<zivcolor::Target>& targets();
 
