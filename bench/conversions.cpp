@@ -30,7 +30,7 @@ void add_conversions() {
         for (const zivcolor::Target& target : zivcolor::built_targets()) {
             if (!target.runs_here()) continue;
             add(name + "/" + target.name, job_of(c, [&c, kernels = target.kernels](const Image& s, const Image& d) {
-                    c.convert(*kernels, &s, &d, 255);
+                    c.convert_as_entry(*kernels, &s, &d, 255);
                 }));
         }
         const Peer peer = peer_of(name);

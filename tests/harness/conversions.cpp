@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <sstream>
 #include <stdexcept>
+#include <type_traits>
 
 #include "core/streaming.h"
 
@@ -21,6 +22,13 @@ int32_t call(zivcolor::AlphaConversion* kernel, const Image* src, const Image* d
 template <auto kernel>
 int32_t convert(const KernelTable& kernels, const Image* src, const Image* dst, uint8_t alpha) {
     return call(kernels.*kernel, src, dst, alpha);
+}
+
+template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Parts parts>
+int32_t convert_as_entry(const KernelTable& kernels, const Image* src, const Image* dst, uint8_t alpha) {
+    if constexpr (std::is_same_v<decltype(kernels.*kernel), zivcolor::AlphaConversion* const&>)
+        return zivcolor::convert<source, destination, parts>(kernels.*kernel, src, dst, alpha);
+    else return zivcolor::convert<source, destination, parts>(kernels.*kernel, src, dst);
 }
 
 #if defined(__x86_64__)
@@ -48,14 +56,15 @@ constexpr Conversion::Convert* streaming = nullptr;
 const std::vector<Conversion>& conversions() {
     [[maybe_unused]] static constexpr int NoTask = -1;
     [[maybe_unused]] static constexpr bool Alpha = true, Opaque = false, Dispatched = true, Direct = false;
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part) \
-    {#name,                                                                         \
-     zivPixFmt_##source,                                                            \
-     zivPixFmt_##destination,                                                       \
-     alpha,                                                                         \
-     dispatch,                                                                      \
-     task,                                                                          \
-     convert<&KernelTable::name>,                                                   \
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part)                            \
+    {#name,                                                                                                    \
+     zivPixFmt_##source,                                                                                       \
+     zivPixFmt_##destination,                                                                                  \
+     alpha,                                                                                                    \
+     dispatch,                                                                                                 \
+     task,                                                                                                     \
+     convert<&KernelTable::name>,                                                                              \
+     convert_as_entry<&KernelTable::name, zivPixFmt_##source, zivPixFmt_##destination, zivcolor::parts::part>, \
      streaming<&KernelTable::name, zivPixFmt_##source, zivPixFmt_##destination, zivcolor::parts::part>},
     static const std::vector<Conversion> rows = {ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)};
 #undef ZIVCOLOR_CONVERSION

@@ -17,6 +17,7 @@ struct Conversion {
     using Convert = int32_t(const zivcolor::KernelTable& kernels, const zivcolor::Image* srcImg, const zivcolor::Image* dstImg,
                             uint8_t alpha);
     Convert* convert;
+    Convert* convert_as_entry;   // as the library's entry, which looks at the size of the image
     Convert* convert_streaming;  // by parts and streaming stores; null where there is no such way
 };
 
