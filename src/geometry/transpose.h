@@ -51,6 +51,14 @@ ZIV_INLINE void transpose_tile(const Transposition& t) {
     }
 }
 
+}  // namespace zivcolor::ZIVCOLOR_TARGET::geometry
+
+#if ZIV_HAS_ADVANCED_SIMD
+#include "geometry/tiles_neon.h"
+#endif
+
+namespace zivcolor::ZIVCOLOR_TARGET::geometry {
+
 // 8 bytes of each source row to 8 / sample destination rows of 8 bytes, in ascending order of source columns.
 template <int sample>
 ZIV_INLINE void transpose_block(const Transposition& t) {
