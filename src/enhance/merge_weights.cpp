@@ -1,6 +1,6 @@
 // A row of 8-bit weights from every twentieth entry of a row of sums. Blocks of 8 columns multiply by the reciprocal in
 // binary32; the tail divides integers, takes whole entries and has no lower clamp.
-#include "core/kernel.h"
+#include "enhance/weight_lanes.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET::enhance {
 
@@ -8,15 +8,10 @@ namespace {
 
 constexpr ptrdiff_t entries_per_column = 20;
 
-// Four columns. The 32 bits of a weight are clamped before they are truncated: beyond them the conversions of CPUs differ.
-ZIV_INLINE U32<16> weights(const int64_t* sums, float reciprocal) {
-    const auto low = [=](int column) ZIV_INLINE_BODY { return static_cast<uint32_t>(sums[entries_per_column * column]); };
-    const U32<16> words = U32<16>{low(0), low(1), low(2), low(3)} - 256u;
-    const F32<16> least{}, most = least + 255.0f;
-    F32<16> weight = __builtin_convertvector((S32<16>)words, F32<16>) * reciprocal;
-    weight = weight < least ? least : weight;
-    weight = weight > most ? most : weight;
-    return (U32<16>)__builtin_convertvector(weight, S32<16>);
+// Of four columns.
+ZIV_INLINE F32<16> weights(const int64_t* sums, float reciprocal) {
+    const U32<16> words = load_lower_words<entries_per_column>(sums) - 256u;
+    return __builtin_convertvector((S32<16>)words, F32<16>) * reciprocal;
 }
 
 }  // namespace
@@ -28,9 +23,7 @@ void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, 
     const ptrdiff_t blocked = blocked_columns<8>(static_cast<ptrdiff_t>(lW));
     for (ptrdiff_t i = 0; i < blocked; i += 8) {
         const int64_t* sums = pSumW + entries_per_column * i;
-        const U16<16> left = (U16<16>)weights(sums, reciprocal);
-        const U16<16> right = (U16<16>)weights(sums + 4 * entries_per_column, reciprocal);
-        store_low_bytes<16>(pWtMap + i, __builtin_shufflevector(left, right, 0, 2, 4, 6, 8, 10, 12, 14));
+        store_as_bytes(pWtMap + i, weights(sums, reciprocal), weights(sums + 4 * entries_per_column, reciprocal));
     }
     // Column pairs: an odd width reads one entry and writes one byte beyond the row.
     for (ptrdiff_t i = blocked; i < lW; i += 2) {

@@ -5,6 +5,13 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET {
 
+// Stands between loads that clang would make a pair of, which small cores take longer for.
+ZIV_INLINE void part_loads() {
+#if ZIV_HAS_ADVANCED_SIMD && defined(__clang__)
+    asm volatile("" ::: "memory");
+#endif
+}
+
 // How a vector is loaded whose last byte may be out of bounds: whole while samples follow, one byte less at the end.
 struct WholeLoad {
     static constexpr int short_of_end = 0;

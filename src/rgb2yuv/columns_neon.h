@@ -121,21 +121,34 @@ ZIV_INLINE uint8x16_t even_columns(const Luma<32>& luma) { return vuzp1q_u8(luma
 // Chroma saturates as a signed byte around 0; turning the top bit over then adds 128.
 ZIV_INLINE uint8x16_t centred(int8x16_t v) { return veorq_u8(vreinterpretq_u8_s8(v), vdupq_n_u8(128)); }
 
+// Where a product of scale 2^8 fits, its upper byte is the result.
 template <ShiftedWeight s>
-ZIV_INLINE uint8x16_t scaled_difference(uint8x16_t a, uint8x16_t luma) {
-    // Where a product of scale 2^8 fits, its upper byte is the result.
-    constexpr bool upper_byte = (s.weight << (8 - s.shift)) * s.most < 32768;
-    const uint8x16_t w = vdupq_n_u8(upper_byte ? s.weight << (8 - s.shift) : s.weight);
-    const uint16x8_t lo = vmlsl_u8(vmull_u8(vget_low_u8(a), vget_low_u8(w)), vget_low_u8(luma), vget_low_u8(w));
-    const uint16x8_t hi = vmlsl_high_u8(vmull_high_u8(a, w), luma, w);
-    if constexpr (upper_byte) return centred(vuzp2q_s8(vreinterpretq_s8_u16(lo), vreinterpretq_s8_u16(hi)));
+inline constexpr bool upper_byte_tells = (s.weight << (8 - s.shift)) * s.most < 32768;
+template <ShiftedWeight s>
+ZIV_INLINE uint8x16_t weights_of_difference() {
+    return vdupq_n_u8(upper_byte_tells<s> ? s.weight << (8 - s.shift) : s.weight);
+}
+template <ShiftedWeight s>
+ZIV_INLINE uint8x16_t narrowed_difference(uint16x8_t lo, uint16x8_t hi) {
+    if constexpr (upper_byte_tells<s>) return centred(vuzp2q_s8(vreinterpretq_s8_u16(lo), vreinterpretq_s8_u16(hi)));
     else
         return centred(vqshrn_high_n_s16(vqshrn_n_s16(vreinterpretq_s16_u16(lo), s.shift), vreinterpretq_s16_u16(hi), s.shift));
 }
+// Of two colours at once: left to itself a compiler takes one after the other, and in-order cores wait for each product.
+template <ShiftedWeight s0, ShiftedWeight s2>
+ZIV_INLINE ChromaPairs<32> scaled_differences(uint8x16_t c0, uint8x16_t c2, uint8x16_t luma) {
+    const uint8x16_t w0 = weights_of_difference<s0>(), w2 = weights_of_difference<s2>();
+    const auto low = [](uint8x16_t v) ZIV_INLINE_BODY { return vget_low_u8(v); };
+    uint16x8_t lo0 = vmlsl_u8(vmull_u8(low(c0), low(w0)), low(luma), low(w0));
+    uint16x8_t lo2 = vmlsl_u8(vmull_u8(low(c2), low(w2)), low(luma), low(w2));
+    uint16x8_t hi0 = vmlsl_high_u8(vmull_high_u8(c0, w0), luma, w0);
+    uint16x8_t hi2 = vmlsl_high_u8(vmull_high_u8(c2, w2), luma, w2);
+    asm("" : "+w"(lo0), "+w"(hi0), "+w"(lo2), "+w"(hi2));
+    return {narrowed_difference<s0>(lo0, hi0), narrowed_difference<s2>(lo2, hi2)};
+}
 template <ShiftedWeight s0, ShiftedWeight s2, int c>
 ZIV_INLINE ChromaPairs<32> scaled_differences(const Pixels<32, c>& pixels, const Luma<32>& luma) {
-    const uint8x16_t y = even_columns(luma);
-    return {scaled_difference<s0>(even_columns(pixels, 0), y), scaled_difference<s2>(even_columns(pixels, 2), y)};
+    return scaled_differences<s0, s2>(even_columns(pixels, 0), even_columns(pixels, 2), even_columns(luma));
 }
 
 template <>
@@ -144,20 +157,22 @@ ZIV_INLINE void convert_to_yuv444<16>(const uint8_t* rgb, uint8_t* dst_y, uint8_
     const uint8x16_t y = luma_q6_of_16<Weights{19, 38, 7}, own_bytes>(in.c);
     vst1q_u8(dst_y, y);
     constexpr ShiftedWeight weight_v{91, 7, 180}, weight_u{9, 4, 228};
-    vst1q_u8(dst_v, scaled_difference<weight_v>((uint8x16_t)in.c[0], y));
-    vst1q_u8(dst_u, scaled_difference<weight_u>((uint8x16_t)in.c[2], y));
+    const ChromaPairs<32> chroma = scaled_differences<weight_v, weight_u>((uint8x16_t)in.c[0], (uint8x16_t)in.c[2], y);
+    vst1q_u8(dst_v, chroma.c0);
+    vst1q_u8(dst_u, chroma.c2);
 }
 
-template <int weight>
-ZIV_INLINE uint8x16_t rounded_difference_q15(uint8x16_t a, uint8x16_t luma) {
-    const int16x8_t lo = vreinterpretq_s16_u16(vsubl_u8(vget_low_u8(a), vget_low_u8(luma)));
-    const int16x8_t hi = vreinterpretq_s16_u16(vsubl_high_u8(a, luma));
-    return centred(vqmovn_high_s16(vqmovn_s16(vqrdmulhq_n_s16(lo, weight)), vqrdmulhq_n_s16(hi, weight)));
-}
 template <OuterWeights w>
 ZIV_INLINE ChromaPairs<32> rounded_differences_q15(const Pixels<32, 3>& pixels, const Luma<32>& luma) {
-    const uint8x16_t y = even_columns(luma);
-    return {rounded_difference_q15<w.c0>(even_columns(pixels, 0), y), rounded_difference_q15<w.c2>(even_columns(pixels, 2), y)};
+    const uint8x16_t c0 = even_columns(pixels, 0), c2 = even_columns(pixels, 2), y = even_columns(luma);
+    const auto low_difference = [](uint8x16_t a, uint8x16_t b)
+                                    ZIV_INLINE_BODY { return vreinterpretq_s16_u16(vsubl_u8(vget_low_u8(a), vget_low_u8(b))); };
+    const auto high_difference = [](uint8x16_t a, uint8x16_t b)
+                                     ZIV_INLINE_BODY { return vreinterpretq_s16_u16(vsubl_high_u8(a, b)); };
+    int16x8_t lo0 = vqrdmulhq_n_s16(low_difference(c0, y), w.c0), hi0 = vqrdmulhq_n_s16(high_difference(c0, y), w.c0);
+    int16x8_t lo2 = vqrdmulhq_n_s16(low_difference(c2, y), w.c2), hi2 = vqrdmulhq_n_s16(high_difference(c2, y), w.c2);
+    asm("" : "+w"(lo0), "+w"(hi0), "+w"(lo2), "+w"(hi2));  // both at once, as above
+    return {centred(vqmovn_high_s16(vqmovn_s16(lo0), hi0)), centred(vqmovn_high_s16(vqmovn_s16(lo2), hi2))};
 }
 
 // The difference is taken the other way round, to need one multiply-subtract, and so is the sign of the weight. The doubling

@@ -57,6 +57,7 @@ template <int block>
         pairs, lead_of<2>(dst),
         [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr int N = step.value;
+            part_loads();
             return Channels<N, 2>{{load<N>(first + j), load<N>(second + j)}};
         },
         ToPairs<0, 1>{dst});
@@ -88,6 +89,7 @@ ZIV_INLINE void split_run(const uint8_t* src, uint8_t* first, uint8_t* second, p
         2 * pairs, lead_of<2, 2>(dst),
         [=](auto step, auto, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr int N = step.value;
+            part_loads();
             return Channels<N, 1>{{swap_pairs<N>(load<N>(src + j))}};
         },
         ToPlane<0>{dst});
@@ -133,6 +135,7 @@ ZIV_INLINE void interleave_even_run(const uint8_t* first, const uint8_t* second,
         2 * pairs, lead_of<2, 2>(dst),
         [=](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr int N = step.value;
+            part_loads();
             return Channels<N, 1>{{even_pairs<N>(end.template load<N>(first + j), end.template load<N>(second + j))}};
         },
         ToPlane<0>{dst});
@@ -200,6 +203,7 @@ ZIV_INLINE void interleave_even_run(const uint8_t* first, const uint8_t* second,
         2 * pairs, lead_of<4, 2>(dst0),
         [=](auto step, auto end, ptrdiff_t j) ZIV_INLINE_BODY {
             constexpr int N = step.value;
+            part_loads();
             const U8<N> chroma = even_pairs<N>(end.template load<N>(u + j), end.template load<N>(v + j));
             return Channels<N, 3>{{load<N>(luma0 + j), load<N>(luma1 + j), chroma}};
         },

@@ -7,3 +7,6 @@
 #if ZIV_HAS_AVX2
 #include "yuvrepack/yuyv_x86.h"
 #endif
+#if ZIV_HAS_ADVANCED_SIMD
+#include "yuvrepack/yuyv_neon.h"
+#endif
