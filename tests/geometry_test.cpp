@@ -158,6 +158,17 @@ INSTANTIATE_TEST_SUITE_P(All, GeometryRoutine,
                                          Routine::horizontal, Routine::vertical),
                          name_of);
 
+// Larger than the caches, where rows are copied past them.
+TEST(GeometryBeyondTheCaches, Vertical) {
+    constexpr int width = 16398, height = 1302;
+    for (const int pitch : {width, width + 3}) {
+        const Geometry g{width, height, {pitch, pitch}, {pitch, pitch}, height};
+        const auto bytes = static_cast<size_t>(pitch) * height;
+        const Room luma{64, bytes + 64}, chroma{64, bytes / 2 + 64};
+        expect_same_bytes(call_of(Routine::vertical, g), {luma, chroma, luma, chroma}, base_seed, [&] { return describe(g); });
+    }
+}
+
 // A 16 by 8 image whose luma is 16 y + x and whose pair at (yc, xc) is 16 yc + xc, 200 + 16 yc + xc.
 struct Numbered {
     std::vector<uint8_t> bytes = std::vector<uint8_t>(16 * 12);

@@ -9,9 +9,41 @@
 
 namespace zivcolor {
 
+// ---- Rows ----
+
 namespace {
 
 constexpr int line = 64;
+
+void stream_line(uint8_t* to, const uint8_t* from) {
+    for (int k = 0; k < line; k += 16)
+        _mm_stream_si128(reinterpret_cast<__m128i*>(to + k), _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k)));
+}
+
+}  // namespace
+
+bool beyond_caches(int64_t bytes) {
+    // Of a large last cache a core has but a share, as others use it too.
+    static const int64_t share = last_cache_bytes() / 8;
+    return bytes > cached_bytes && bytes >= share;
+}
+
+void stream_bytes(uint8_t* to, const uint8_t* from, int64_t bytes, bool first, bool last) {
+    const int64_t into_line = static_cast<int64_t>(reinterpret_cast<uintptr_t>(to) % line);
+    int64_t j = -into_line;
+    if (first && into_line != 0) {
+        j += line;
+        memcpy(to, from, static_cast<size_t>(j < bytes ? j : bytes));
+    }
+    for (; j + line <= bytes; j += line) stream_line(to + j, from + j);
+    if (last && j < bytes) memcpy(to + j, from + j, static_cast<size_t>(bytes - j));
+}
+
+void end_streaming() { _mm_sfence(); }
+
+// ---- Images ----
+
+namespace {
 
 // A part, its source and the next one's source stay in the first level of the cache.
 struct PartSize {
@@ -56,25 +88,6 @@ bool destination_is_apart(const Image& src, const Layout& from, const Image& dst
     return true;
 }
 
-void stream_line(uint8_t* to, const uint8_t* from) {
-    for (int k = 0; k < line; k += 16)
-        _mm_stream_si128(reinterpret_cast<__m128i*>(to + k), _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k)));
-}
-
-// One row's bytes in a part, which all parts of the row have but the last: whole lines go out, and what does not fill a line
-// waits before the place of the next part's. `from` has room for a line before it.
-void stream_row(uint8_t* to, uint8_t* from, int64_t bytes, bool first, bool last) {
-    const int64_t into_line = static_cast<int64_t>(reinterpret_cast<uintptr_t>(to) % line);
-    int64_t j = -into_line;
-    if (first && into_line != 0) {
-        j += line;
-        memcpy(to, from, static_cast<size_t>(j < bytes ? j : bytes));
-    }
-    for (; j + line <= bytes; j += line) stream_line(to + j, from + j);
-    if (!last) memcpy(from - line, from + bytes - line, line);
-    else if (j < bytes) memcpy(to + j, from + j, static_cast<size_t>(bytes - j));
-}
-
 constexpr int stage_pitch(const Layout& layout, int plane) { return line + layout.row_bytes(plane, most.columns); }
 constexpr int stage_bytes() {
     int needed = 0;
@@ -102,14 +115,15 @@ Image image_of(Stage& stage, const Layout& layout) {
     return image;
 }
 
-// A kernel and what it takes beside the images: one of the two.
+// A kernel, one of the two, and what it takes beside the images.
 struct KernelCall {
+    bool takes_alpha;
     OpaqueConversion* opaque;
     AlphaConversion* with_alpha;
     uint8_t alpha;
 };
 int32_t call(const KernelCall& kernel, const Image& src, const Image& dst) {
-    return kernel.opaque ? kernel.opaque(&src, &dst) : kernel.with_alpha(&src, &dst, kernel.alpha);
+    return kernel.takes_alpha ? kernel.with_alpha(&src, &dst, kernel.alpha) : kernel.opaque(&src, &dst);
 }
 
 void prefetch(const Image& part, const Layout& layout) {
@@ -125,9 +139,11 @@ void prefetch(const Image& part, const Layout& layout) {
 void stream(const Image& staged, const Image& part, const Layout& layout, bool first, bool last) {
     for (int k = 0; k < layout.planes; ++k) {
         const int rows = layout.rows(k, part.height), bytes = layout.row_bytes(k, part.width);
-        for (int i = 0; i < rows; ++i)
-            stream_row(part.plane[k] + int64_t{i} * part.pitch[k], staged.plane[k] + int64_t{i} * staged.pitch[k], bytes, first,
-                       last);
+        for (int i = 0; i < rows; ++i) {
+            uint8_t* const row = staged.plane[k] + int64_t{i} * staged.pitch[k];
+            stream_bytes(part.plane[k] + int64_t{i} * part.pitch[k], row, bytes, first, last);
+            if (!last) memcpy(row - line, row + bytes - line, line);
+        }
     }
 }
 
@@ -164,23 +180,21 @@ bool has_parts(StreamedPair pair, const Image& src, const Image& dst) {
             call(kernel, part_of(src, from, streamed, row, width - streamed, rows),
                  part_of(dst, to, streamed, row, width - streamed, rows));
     }
-    _mm_sfence();  // orders what was streamed before all later stores, for other threads to see
+    end_streaming();
     return status;
 }
 
-// Whether the caches hold no such image: of a large last cache a core has but a share, as others use it too.
 bool is_large(int64_t pixels, StreamedPair pair) {
-    static const int64_t share = last_cache_bytes() / 8, bound = share > cached_bytes ? share : cached_bytes;
-    return pixels >= bound * 8 / (bytes_of_8(layouts[pair.source]) + bytes_of_8(layouts[pair.destination]));
+    return beyond_caches(pixels / 8 * (bytes_of_8(layouts[pair.source]) + bytes_of_8(layouts[pair.destination])));
 }
 
 }  // namespace
 
 int32_t convert_streaming(OpaqueConversion* kernel, StreamedPair pair, const Image* src, const Image* dst) {
-    return convert_parts({kernel, nullptr, 0}, pair, *src, *dst);
+    return convert_parts({false, kernel, nullptr, 0}, pair, *src, *dst);
 }
 int32_t convert_streaming(AlphaConversion* kernel, StreamedPair pair, const Image* src, const Image* dst, uint8_t alpha) {
-    return convert_parts({nullptr, kernel, alpha}, pair, *src, *dst);
+    return convert_parts({true, nullptr, kernel, alpha}, pair, *src, *dst);
 }
 
 int32_t convert_large(int64_t pixels, OpaqueConversion* kernel, StreamedPair pair, const Image* src, const Image* dst) {

@@ -5,14 +5,9 @@
 
 #include "core/kernels.h"
 #include "core/layout_list.h"
+#include "core/streamed_rows.h"
 
 namespace zivcolor {
-
-#if defined(__x86_64__)
-inline constexpr bool has_streaming_stores = true;
-#else
-inline constexpr bool has_streaming_stores = false;
-#endif
 
 // The parts of an image that a kernel converts to the same bytes as within the whole. All are of even sizes and start at even
 // rows and at whole multiples of 16 columns; those that do not end where the image does are whole multiples of 64 columns wide.
@@ -48,9 +43,6 @@ constexpr int bytes_of_8(const Layout& layout) {
     const int chroma = layout.planes == 1 ? 0 : 8 * layout.chroma.bytes / (layout.chroma.columns * layout.chroma.rows);
     return 8 * layout.luma.bytes / layout.luma.columns + (layout.planes - 1) * chroma;
 }
-
-// So many bytes read and written are converted faster through the caches of any machine.
-inline constexpr int64_t cached_bytes = int64_t{24} << 20;
 
 // Converts an image that belongs to a whole of so many pixels: itself, or one that goes in bands, which share the caches.
 template <uint32_t source, uint32_t destination, Parts parts, class Kernel, class... Alpha>

@@ -1,6 +1,7 @@
 // The walk of the half turn and the mirrors: two luma rows and the chroma row that belongs to them, a pass at a time.
 #pragma once
 
+#include "core/streamed_rows.h"
 #include "lanes/copy_row.h"
 
 namespace zivcolor::ZIVCOLOR_TARGET::geometry {
@@ -108,6 +109,17 @@ template <Samples samples>
     for (ptrdiff_t i = 0; i < rows; i++) reverse_row<samples>(src + i * src_pitch, dst + i * dst_pitch, bytes);
 }
 
+// Copies rows, which are a share of all `passes` runs of luma and chroma.
+ZIV_INLINE void copy_rows(const uint8_t* src, ptrdiff_t src_pitch, uint8_t* dst, ptrdiff_t dst_pitch, ptrdiff_t bytes,
+                          ptrdiff_t rows, ptrdiff_t passes) {
+    if constexpr (has_streaming_stores)
+        if (beyond_caches(6 * bytes * passes) && (dst_pitch >= bytes || -dst_pitch >= bytes)) [[unlikely]] {
+            for (ptrdiff_t i = 0; i < rows; i++) stream_bytes(dst + i * dst_pitch, src + i * src_pitch, bytes, true, true);
+            return end_streaming();
+        }
+    copy_plane(src, src_pitch, dst, dst_pitch, bytes, rows);
+}
+
 // One step of 8 or of 2 columns when the order is seen: three loads, then the stores.
 template <int N, bool mirrored>
 ZIV_INLINE void step_in_order(const uint8_t* const (&src)[3], uint8_t* const (&dst)[3], ptrdiff_t j, ptrdiff_t bytes) {
@@ -132,11 +144,11 @@ ZIV_INLINE void move_row_pairs(const PlaneRuns& src, const PlaneRuns& dst, ptrdi
             const uint8_t* from = src.luma.at(i >> 1);
             uint8_t* to = dst.luma.at(i >> 1);
             if constexpr (mirrored) reverse_rows<Samples::bytes>(from, src.to_lower, to, dst.to_lower, bytes, rows);
-            else copy_plane(from, src.to_lower, to, dst.to_lower, bytes, rows);
+            else copy_rows(from, src.to_lower, to, dst.to_lower, bytes, rows, passes);
         }
         const Runs from = src.chroma, to = dst.chroma;
         if constexpr (mirrored) reverse_rows<Samples::pairs>(from.first, from.step, to.first, to.step, bytes, passes);
-        else copy_plane(from.first, from.step, to.first, to.step, bytes, passes);
+        else copy_rows(from.first, from.step, to.first, to.step, bytes, passes, passes);
         return;
     }
     for (ptrdiff_t pass = 0; pass < passes; pass++) {
