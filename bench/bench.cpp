@@ -2,8 +2,10 @@
 //   zivcolor_bench [google benchmark's flags]
 // Names read kernel/target/width:W/height:H/offset:BYTES. Each is repeated, the repetitions of all interleaved, and reported by
 // mean, median and deviation, unless flags say otherwise.
+#include <string>
 #include <vector>
 
+#include "core/targets.h"
 #include "measure.h"
 
 int main(int argc, char** argv) {
@@ -17,6 +19,9 @@ int main(int argc, char** argv) {
     int count = static_cast<int>(arguments.size());
     arguments.push_back(nullptr);
 
+    std::string targets;
+    for (const zivcolor::Target& target : zivcolor::built_targets()) targets.append(target.name).append(" ");
+    benchmark::AddCustomContext("targets", targets);  // best first, for the report
     bench::add_conversions();
     bench::add_routines();
     bench::add_threads();

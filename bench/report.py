@@ -6,23 +6,27 @@ import json
 import math
 import sys
 
-TARGETS = ["avx512", "avx2", "sse4", "neon_dot", "neon", "portable"]
-PEERS = {"avx512": "libyuv", "avx2": "libyuv_avx2", "sse4": "libyuv_sse4"}
+HELD_PEERS = {"avx2": "libyuv_avx2", "sse4": "libyuv_sse4"}  # libyuv held to the instructions of a target; all of them for others
 SHADES = {0: "#14604d", 1: "#1f9273", 16: "#7cc4ad"}  # by offset
 
 
 def load(path):
-    """kernel -> (width, height, offset) -> contender -> medians"""
+    """names of the targets, best first; kernel -> (width, height, offset) -> contender -> medians"""
     rows = {}
     with open(path) as file:
-        for run in json.load(file)["benchmarks"]:
+        results = json.load(file)
+        for run in results["benchmarks"]:
             if run.get("aggregate_name", "median") != "median":
                 continue
             kernel, contender, *arguments = run["run_name"].split("/")
             named = dict(part.split(":") for part in arguments if ":" in part)
             shape = (int(named["width"]), int(named["height"]), int(named["offset"]))
             rows.setdefault(kernel, {}).setdefault(shape, {})[contender] = run
-    return rows
+    return results["context"]["targets"].split(), rows
+
+
+def peer_of(target):
+    return HELD_PEERS.get(target, "libyuv")
 
 
 def size_name(shape):
@@ -33,27 +37,28 @@ def geometric_mean(values):
     return math.exp(sum(map(math.log, values)) / len(values))
 
 
-def kernel_table(rows):
+def kernel_table(targets, rows):
     shapes = sorted({s for k, by_shape in rows.items() if not k.startswith("threads_") for s in by_shape})
     for shape in shapes:
         here = {k: by_shape[shape] for k, by_shape in rows.items() if shape in by_shape and not k.startswith("threads_")}
-        contenders = [c for c in TARGETS + ["libyuv"] if any(c in runs for runs in here.values())]
+        contenders = [c for c in targets + ["libyuv"] if any(c in runs for runs in here.values())]
         print(f"\n{size_name(shape)}, {shape[2]} bytes past a page: ns a pixel (median); the best target against libyuv, and in copies")
         print(f"{'kernel':36}" + "".join(f"{c:>10}" for c in contenders) + f"{'x libyuv':>10}{'copies':>8}{'GB/s':>8}")
         for kernel, runs in here.items():
             line = f"{kernel:36}"
             line += "".join(f"{runs[c]['time_per_pixel'] * 1e9:10.4f}" if c in runs else f"{'':10}" for c in contenders)
-            best = min((runs[t] for t in TARGETS if t in runs), key=lambda r: r["cpu_time"], default=None)
+            best = min((runs[t] for t in targets if t in runs), key=lambda r: r["cpu_time"], default=None)
             if best:
                 line += f"{runs['libyuv']['real_time'] / best['real_time']:10.2f}" if "libyuv" in runs else f"{'':10}"
                 line += f"{best['copies']:8.2f}{best['bytes_per_second'] * 1e-9:8.1f}"
             print(line)
 
 
-def summary(rows):
+def summary(targets, rows):
     """target -> (width, height, offset) -> geometric mean of the ratios, least ratio and its kernel, geometric mean of the copies"""
     result = {}
-    for target, peer in PEERS.items():
+    for target in (t for t in targets if t != "portable"):
+        peer = peer_of(target)
         for shape in sorted({s for by_shape in rows.values() for s in by_shape}):
             both = {k: b[shape] for k, b in rows.items() if shape in b and target in b[shape] and peer in b[shape]}
             if not both:
@@ -104,7 +109,7 @@ def chart(table, path):
 
     for n, (target, by_shape) in enumerate(table.items()):
         x0 = left + n * panel
-        note = "" if PEERS[target] == "libyuv" else f" (libyuv held to {target})"
+        note = "" if peer_of(target) == "libyuv" else f" (libyuv held to {target})"
         out.append(f'<text x="{x0}" y="44" font-size="12" fill="#222">{target}{note}</text>')
         out.append(f'<line x1="{x0}" x2="{x0 + panel - 40}" y1="{y(1):.1f}" y2="{y(1):.1f}" stroke="#d98032" stroke-dasharray="4 3"/>'
                    f'<text x="{x0 - 6}" y="{y(1) + 4:.1f}" text-anchor="end" fill="#d98032">1</text>')
@@ -139,10 +144,10 @@ def chart(table, path):
 
 
 def main():
-    rows = load(sys.argv[1])
-    kernel_table(rows)
+    targets, rows = load(sys.argv[1])
+    kernel_table(targets, rows)
     thread_table(rows)
-    table = summary(rows)
+    table = summary(targets, rows)
     summary_table(table)
     if table:
         chart(table, sys.argv[2])
