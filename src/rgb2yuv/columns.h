@@ -50,6 +50,12 @@ ZIV_INLINE void convert_to_yuv444(const uint8_t* rgb, uint8_t* dst_y, uint8_t* d
 
 namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 
+// (c0 * w.c0 + c1 * w.c1 + c2 * w.c2 + 2^14) >> 15, whole.
+template <Weights w, int C>
+ZIV_INLINE auto luma_q15(const Pixels<C, 3>& pixels) {
+    return rounded(luma_q7<w>(pixels));
+}
+
 inline constexpr int widest_columns = ZIV_HAS_ADVANCED_SIMD ? 32 : widest;
 
 // for_steps over columns of RGB. Two of the widest steps stand in the loop where vectors are short, to halve its own cost. The

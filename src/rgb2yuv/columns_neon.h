@@ -98,6 +98,36 @@ ZIV_INLINE uint8x16_t round_q7(LumaQ7Of16 luma) { return vrshrn_high_n_u16(vrshr
 ZIV_INLINE Luma<16> rounded(const LumaQ7<16>& luma) { return {(U8<16>)round_q7({(uint16x8_t)luma.lo, (uint16x8_t)luma.hi})}; }
 ZIV_INLINE Luma<32> rounded(const LumaQ7<32>& luma) { return {{round_q7(luma.part[0]), round_q7(luma.part[1])}}; }
 
+// The whole luma by fewer products, as they are what cores have the fewest units for: the first weight is 2^12 - 2^8 less the
+// rest.
+template <Weights w>
+ZIV_INLINE uint8x16_t luma_q15_of_16(const U8<16>* channels) {
+    constexpr int less = (1 << 12) - (1 << 8) - w.c0;
+    static_assert(0 <= less && less < 128 && 15 + (w.c1 >> 8) + (w.c2 >> 8) <= 128 && (w.c1 & 255) + (w.c2 & 255) < 128);
+    const auto low = [](uint8x16_t v) ZIV_INLINE_BODY { return vget_low_u8(v); };
+    const uint8x16_t c0 = (uint8x16_t)channels[0], c1 = (uint8x16_t)channels[1], c2 = (uint8x16_t)channels[2];
+    const uint8x16_t u1 = vdupq_n_u8(w.c1 >> 8), u2 = vdupq_n_u8(w.c2 >> 8);
+    const uint8x16_t l0 = vdupq_n_u8(less), l1 = vdupq_n_u8(w.c1 & 255), l2 = vdupq_n_u8(w.c2 & 255);
+    uint16x8_t upper_lo = vshll_n_u8(low(c0), 4), upper_hi = vshll_high_n_u8(c0, 4);
+    asm("" : "+w"(upper_lo), "+w"(upper_hi));  // or else clang makes a product of it again
+    upper_lo = vmlal_u8(vmlal_u8(vsubw_u8(upper_lo, low(c0)), low(c1), low(u1)), low(c2), low(u2));
+    upper_hi = vmlal_high_u8(vmlal_high_u8(vsubw_high_u8(upper_hi, c0), c1, u1), c2, u2);
+    const uint16x8_t lower_lo = vmlsl_u8(vmlal_u8(vmull_u8(low(c2), low(l2)), low(c1), low(l1)), low(c0), low(l0));
+    const uint16x8_t lower_hi = vmlsl_high_u8(vmlal_high_u8(vmull_high_u8(c2, l2), c1, l1), c0, l0);
+    const auto add_lower = [](uint16x8_t upper, uint16x8_t lower) ZIV_INLINE_BODY {
+        return vreinterpretq_u16_s16(vsraq_n_s16(vreinterpretq_s16_u16(upper), vreinterpretq_s16_u16(lower), 8));
+    };
+    return round_q7({add_lower(upper_lo, lower_lo), add_lower(upper_hi, lower_hi)});
+}
+template <Weights w>
+ZIV_INLINE Luma<16> luma_q15(const Pixels<16, 3>& pixels) {
+    return {(U8<16>)luma_q15_of_16<w>(pixels.channels.c)};
+}
+template <Weights w>
+ZIV_INLINE Luma<32> luma_q15(const Pixels<32, 3>& pixels) {
+    return {{luma_q15_of_16<w>(pixels.part[0].c), luma_q15_of_16<w>(pixels.part[1].c)}};
+}
+
 ZIV_INLINE void store_luma(uint8_t* p, const Luma<32>& luma) {
     vst1q_u8(p, luma.part[0]);
     vst1q_u8(p + 16, luma.part[1]);

@@ -57,6 +57,11 @@ struct TruncatedSet {
     ZIV_INLINE static const Weighed& luma(const Weighed& luma) {
         return luma;
     }
+    // Where no chroma is asked for.
+    template <PixelLayout in, int C>
+    ZIV_INLINE static auto luma_alone(const Pixels<C, in.bytes>& pixels) {
+        return weigh<in>(pixels);
+    }
     template <PixelLayout in, int C, class Luma>
     ZIV_INLINE static auto chroma(const Pixels<C, in.bytes>& pixels, const Luma& luma) {
         constexpr ShiftedWeight u{weight_u, shift_u, 228}, v{weight_v, shift_v, 180};
@@ -81,6 +86,10 @@ struct FineLuma {
     ZIV_INLINE static auto luma(const LumaQ7& luma) {
         return rounded(luma);
     }
+    template <PixelLayout in, int C>
+    ZIV_INLINE static auto luma_alone(const Pixels<C, in.bytes>& pixels) {
+        return luma_q15<weights_in_memory_order<in>(9798, 19235, 3736)>(pixels);
+    }
     template <PixelLayout in>
     static constexpr OuterWeights chroma_weights = in.blue == 0 ? OuterWeights{18492, 23372} : OuterWeights{23372, 18492};
 };
@@ -90,9 +99,17 @@ struct FineRoundedSet : FineLuma {
     static int u(Pixel p) { return clamp_byte((((p.b - y(p)) * 18492 + 16384) >> 15) + 128); }
     static int v(Pixel p) { return clamp_byte((((p.r - y(p)) * 23372 + 16384) >> 15) + 128); }
 
-    template <PixelLayout in, int C, class LumaQ7>
-    ZIV_INLINE static auto chroma(const Pixels<C, in.bytes>& pixels, const LumaQ7& luma) {
-        return rounded_differences_q15<chroma_weights<in>>(pixels, rounded(luma));
+    template <PixelLayout in, int C>
+    ZIV_INLINE static auto weigh(const Pixels<C, in.bytes>& pixels) {
+        return luma_alone<in>(pixels);
+    }
+    template <class Luma>
+    ZIV_INLINE static const Luma& luma(const Luma& luma) {
+        return luma;
+    }
+    template <PixelLayout in, int C, class Luma>
+    ZIV_INLINE static auto chroma(const Pixels<C, in.bytes>& pixels, const Luma& luma) {
+        return rounded_differences_q15<chroma_weights<in>>(pixels, luma);
     }
 };
 

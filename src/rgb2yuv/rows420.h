@@ -19,7 +19,7 @@ ZIV_INLINE void convert_luma_blocks(const uint8_t* src, uint8_t* luma, ptrdiff_t
     for_column_steps(columns, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         const auto pixels = load_columns<in, step.value>(src + in.bytes * j);
         prefetch_luma<step.value>(luma + j);
-        store_luma(luma + j, Set::luma(Set::template weigh<in>(pixels)));
+        store_luma(luma + j, Set::template luma_alone<in>(pixels));
     });
 }
 template <class Set, PixelLayout in, PairOrder order>
