@@ -17,13 +17,17 @@ using zivcolor::MaskedImage;
 struct Whitening {
     int width, height, pitch[2];
     int64_t mask_line, red_level;
-    uint64_t table;  // 0: a plausible table; else the seed of a wild one
+    uint64_t table;  // 0: a plausible table; 1: every rise from 0 to 255; 2 and 3: but for one; else the seed of a wild one
 };
 
 std::array<int32_t, 256> table_of(const Whitening& w) {
     std::array<int32_t, 256> table{};
     for (int y = 0; y < 256; ++y) table[static_cast<size_t>(y)] = std::min(255, y + (255 - y) / 3);
-    if (w.table) fill(reinterpret_cast<uint8_t*>(table.data()), sizeof table, w.table);
+    if (w.table >= 1 && w.table <= 3)
+        for (int y = 0; y < 256; ++y) table[static_cast<size_t>(y)] = y + (77 * y + 13) % 256;
+    if (w.table == 2) table[200] = 200 + 256;
+    if (w.table == 3) table[100] = 100 - 1;
+    if (w.table > 3) fill(reinterpret_cast<uint8_t*>(table.data()), sizeof table, w.table);
     return table;
 }
 
@@ -97,7 +101,7 @@ TEST_P(Whiten, Levels) {
         levels.push_back(level);
     for (int k = 0; k < 300; ++k) levels.push_back(static_cast<int64_t>(random.next()) << random.below(32) >> random.below(32));
     for (const int64_t level : levels)
-        for (const uint64_t table : {uint64_t{0}, uint64_t{random.next()} + 1}) {
+        for (const uint64_t table : {uint64_t{0}, uint64_t{1}, uint64_t{2}, uint64_t{3}, uint64_t{random.next()} | 4}) {
             Whitening w = tight(150, 8, level);
             w.table = table;
             expect_same(w, random.next());

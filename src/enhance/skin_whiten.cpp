@@ -2,6 +2,9 @@
 // luma samples and one pair V, U. Three forms of the chroma arithmetic, each as its callers know it: the scalar kernel's, the
 // blocks', and that of the blocked kernel's tail. The mask starts again for every pair of rows.
 #include "core/kernel.h"
+#if ZIV_HAS_ADVANCED_SIMD
+#include "enhance/rises_neon.h"
+#endif
 
 namespace zivcolor::ZIVCOLOR_TARGET::enhance {
 
@@ -52,16 +55,15 @@ ZIV_INLINE void whiten_cell(const RowPair& rows, ptrdiff_t x, const Lift& lift, 
     }
 }
 
-// Brightens N columns of a row: one share for each pair of columns, in wrapping 16-bit lanes.
-template <int N>
-ZIV_INLINE U8<N> brighten(U8<N> luma, U16<N> share, const int32_t* brightened) {
-    U16<N> even, odd;
-    for (int i = 0; i < N / 2; i++) {
+// Brightens 16 columns of a row: one share for each pair of columns, in wrapping 16-bit lanes.
+ZIV_INLINE U8<16> brighten(U8<16> luma, U16<16> share, const int32_t* brightened) {
+    U16<16> even, odd;
+    for (int i = 0; i < 8; i++) {
         even[i] = static_cast<uint16_t>(brightened[luma[2 * i]]);
         odd[i] = static_cast<uint16_t>(brightened[luma[2 * i + 1]]);
     }
-    const U16<N> rest = 256 - share;
-    return merge_bytes<N>((share * even + rest * even_bytes<N>(luma)) >> 8, (share * odd + rest * odd_bytes<N>(luma)) >> 8);
+    const U16<16> rest = 256 - share;
+    return merge_bytes<16>((share * even + rest * even_bytes<16>(luma)) >> 8, (share * odd + rest * odd_bytes<16>(luma)) >> 8);
 }
 
 // clamp((strength * distance) >> 8, 0, 9) with a wrapping product.
@@ -73,8 +75,8 @@ ZIV_INLINE S16<N> lift_lanes(U16<N> strength, S16<N> distance) {
 
 // N columns from x on, N / 2 cells. All of it is read before any of it is written: with padded luma the chroma lies within the
 // luma's rows, so that wider steps than the blocks of 16 columns would show.
-template <int N>
-ZIV_INLINE void whiten_block(const RowPair& rows, ptrdiff_t x, const Lift& lift) {
+template <int N, class Table>
+ZIV_INLINE void whiten_block(const RowPair& rows, ptrdiff_t x, const Lift& lift, const Table& brightened) {
     const U8<N> mask0 = load<N>(lift.mask[0] + x), mask1 = load<N>(lift.mask[1] + x);
     const U8<N> luma0 = load<N>(rows.luma[0] + x), luma1 = load<N>(rows.luma[1] + x), chroma = load<N>(rows.chroma + x);
     const U16<N> sum = even_bytes<N>(mask0) + odd_bytes<N>(mask0) + even_bytes<N>(mask1) + odd_bytes<N>(mask1);
@@ -89,9 +91,20 @@ ZIV_INLINE void whiten_block(const RowPair& rows, ptrdiff_t x, const Lift& lift)
     const S16<N> lifted_v = v + (lift_lanes<N>(strength, distance_v) & (S16<N>)(v > 128));
     const S16<N> lifted_u = u + (lift_lanes<N>(strength, distance_u) & (S16<N>)(u < 128));
 
-    store(rows.luma[0] + x, brighten<N>(luma0, share, lift.brightened));
-    store(rows.luma[1] + x, brighten<N>(luma1, share, lift.brightened));
+    store(rows.luma[0] + x, brighten(luma0, share, brightened));
+    store(rows.luma[1] + x, brighten(luma1, share, brightened));
     store(rows.chroma + x, merge_bytes<N>((U16<N>)lifted_v & 0xFF, (U16<N>)lifted_u & 0xFF));
+}
+
+// Blocks, then cells whose distances are not bent.
+template <class Table>
+ZIV_INLINE void whiten_rows(const MaskedImage* image, const Lift& lift, const Table& brightened) {
+    const ptrdiff_t pairs = image->height / 2, width = image->width, blocked = blocked_columns<16>(width);
+    for (ptrdiff_t y = 0; y < pairs; y++) {
+        const RowPair rows = row_pair(image, y);
+        for (ptrdiff_t x = 0; x < blocked; x += 16) whiten_block<16>(rows, x, lift, brightened);
+        for (ptrdiff_t x = blocked; x <= width - 2; x += 2) whiten_cell(rows, x, lift, 1, 1);
+    }
 }
 
 }  // namespace
@@ -113,13 +126,16 @@ int64_t _SkinWhitenByMask_YUV420_VUVU(const MaskedImage* pImg, const uint8_t* pM
 int64_t _SkinWhitenByMask_YUV420_VUVU_neon(const MaskedImage* pImg, const uint8_t* pMskData, int64_t lMskLine,
                                            const int32_t* plBrightenTab, int64_t lRedLevel, const int32_t*) {
     if (pImg->height < 2) return 0;
-    const ptrdiff_t pairs = pImg->height / 2, width = pImg->width, blocked = blocked_columns<16>(width);
     const Lift lift{{pMskData, pMskData + lMskLine}, plBrightenTab, lRedLevel};
-    for (ptrdiff_t y = 0; y < pairs; y++) {
-        const RowPair rows = row_pair(pImg, y);
-        for (ptrdiff_t x = 0; x < blocked; x += 16) whiten_block<16>(rows, x, lift);
-        for (ptrdiff_t x = blocked; x <= width - 2; x += 2) whiten_cell(rows, x, lift, 1, 1);
+#if ZIV_HAS_ADVANCED_SIMD
+    // Enough blocks to pay for a walk over the table.
+    uint8_t rises[256];
+    if (int64_t{pImg->width / 16} * pImg->height >= 32 && find_rises(plBrightenTab, rises)) {
+        whiten_rows(pImg, lift, load_rises(rises));
+        return 0;
     }
+#endif
+    whiten_rows(pImg, lift, plBrightenTab);
     return 0;
 }
 
