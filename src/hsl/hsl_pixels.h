@@ -60,13 +60,14 @@ ZIV_INLINE void BGRtoHSL_lanes(const Channels<N, 3>& mBGR888, uint8_t* hsl) {
     // The sum, or 510 less the sum from a lightness of 128 on: either way it fits a byte, so that the wrapped sum will do.
     const U8<N> light = (U8<N>)((S8<N>)lightness < 0), divisor = ((max + min) ^ light) + light;
 
-    const Wide<N> d16 = widen<N>(d), base16 = widen<N>(base), per_d = reciprocals<N>(d), per_divisor = reciprocals<N>(divisor);
+    const Wide<N> d16 = widen<N>(d), base16 = widen<N>(base);
+    const TwoReciprocals<N> per = two_reciprocals<N>(d, divisor);
     const Wide<N> delta = widen_difference<N>(minuend, subtrahend, 42), d_and_half = widen_joined<N>(divisor >> 1, d);
-    const U8<N> hue = narrow<N>({base16.lo - scaled_down<N>(per_d.lo, delta.lo + (d16.lo >> 1)),
-                                 base16.hi - scaled_down<N>(per_d.hi, delta.hi + (d16.hi >> 1))});
+    const U8<N> hue = narrow<N>({base16.lo - scaled_down<N>(per.first.lo, delta.lo + (d16.lo >> 1)),
+                                 base16.hi - scaled_down<N>(per.first.hi, delta.hi + (d16.hi >> 1))});
     // 255 d + (divisor >> 1), at most 65152.
-    const U8<N> saturation = narrow<N>({multiply_high_unsigned<N>(per_divisor.lo, d_and_half.lo - d16.lo),
-                                        multiply_high_unsigned<N>(per_divisor.hi, d_and_half.hi - d16.hi)});
+    const U8<N> saturation = narrow<N>({multiply_high_unsigned<N>(per.second.lo, d_and_half.lo - d16.lo),
+                                        multiply_high_unsigned<N>(per.second.hi, d_and_half.hi - d16.hi)});
     store3<N>(hsl, hue, saturation, lightness);
 }
 

@@ -33,4 +33,13 @@ ZIV_INLINE Wide<N> reciprocals(U8<N> divisors) {
     return {reciprocals_of_lanes(v.lo), reciprocals_of_lanes(v.hi)};
 }
 
+template <int N>
+struct TwoReciprocals {
+    Wide<N> first, second;
+};
+template <int N>
+ZIV_INLINE TwoReciprocals<N> two_reciprocals(U8<N> first, U8<N> second) {
+    return {reciprocals<N>(first), reciprocals<N>(second)};
+}
+
 }  // namespace zivcolor::ZIVCOLOR_TARGET::hsl
