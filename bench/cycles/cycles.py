@@ -14,7 +14,8 @@ import sys
 import tempfile
 
 CORES = ["cortex-a55", "cortex-a510", "neoverse-n1", "neoverse-v1", "neoverse-v2"]
-CPU = "cortex-a76"  # what is emulated: it has the dot product
+# What is emulated: a CPU with the dot product, as all of the cores above, and one without.
+CPU, OLD_CPU = "cortex-a76", "cortex-a53"
 PIXELS = 640 * 64  # of the program's picture
 FEW, MANY = 2, 12  # calls; their difference leaves out what happens once
 
@@ -27,7 +28,7 @@ class Counter:
     """Runs the program and counts its blocks."""
 
     def __init__(self, program, plugin, library_path):
-        self.program = ["qemu-aarch64", "-L", "/usr/aarch64-linux-gnu", "-E", f"LD_LIBRARY_PATH={library_path}", "-cpu", CPU]
+        self.program = ["qemu-aarch64", "-L", "/usr/aarch64-linux-gnu", "-E", f"LD_LIBRARY_PATH={library_path}"]
         self.plugin, self.path = plugin, program
 
     def names(self):
@@ -35,9 +36,10 @@ class Counter:
 
     def blocks(self, name, side, calls):
         """(address, instruction words) -> runs"""
+        cpu, code = (OLD_CPU, "ours") if side == "ours without" else (CPU, side)
         with tempfile.NamedTemporaryFile("r") as file:
-            subprocess.run(self.program + ["-plugin", f"{self.plugin},out={file.name}", self.path, name, side, str(calls)], check=True,
-                           stdout=subprocess.DEVNULL)
+            subprocess.run(self.program + ["-cpu", cpu, "-plugin", f"{self.plugin},out={file.name}", self.path, name, code, str(calls)],
+                           check=True, stdout=subprocess.DEVNULL)
             counts = collections.Counter()
             for line in file:
                 address, runs, words = line.split()
@@ -118,8 +120,8 @@ def model(core, blocks, texts):
 
 
 def estimate(counter, names):
-    """kernel -> core -> (ours, libyuv's), in cycles a pixel"""
-    jobs = [(name, side) for name in names for side in ("ours", "libyuv")]
+    """kernel -> core -> (ours, libyuv's, ours without the dot product or None where that is the same code), in cycles a pixel"""
+    jobs = [(name, side) for name in names for side in ("ours", "ours without", "libyuv")]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         counts = dict(pool.map(counter.calls, jobs))
         blocks = sorted({words for count in counts.values() for words in count})
@@ -129,13 +131,19 @@ def estimate(counter, names):
     def cycles(name, side, core):
         return sum(runs * models[core][words] for words, runs in counts[name, side].items()) / ((MANY - FEW) * PIXELS)
 
-    return {name: {core: (cycles(name, "ours", core), cycles(name, "libyuv", core)) for core in CORES} for name in names}
+    def without(name, core):
+        return None if counts[name, "ours"] == counts[name, "ours without"] else cycles(name, "ours without", core)
+
+    return {name: {core: (cycles(name, "ours", core), cycles(name, "libyuv", core), without(name, core)) for core in CORES}
+            for name in names}
 
 
 def table(results):
     print(f"\n{'cycles a pixel: ours, libyuv':34}" + "".join(f"{core:>22}" for core in CORES))
     for name, by_core in results.items():
-        print(f"{name:34}" + "".join(f"{ours:8.3f}{peer:7.3f}{ours / peer:7.2f}" for ours, peer in by_core.values()))
+        print(f"{name:34}" + "".join(f"{ours:8.3f}{peer:7.3f}{ours / peer:7.2f}" for ours, peer, _ in by_core.values()))
+        if by_core[CORES[0]][2] is not None:
+            print(f"{'  without the dot product':34}" + "".join(f"{old:8.3f}{'':7}{old / peer:7.2f}" for _, peer, old in by_core.values()))
     for core in CORES:
         ratios = {name: by_core[core][0] / by_core[core][1] for name, by_core in results.items()}
         worst = max(ratios, key=ratios.get)
@@ -144,26 +152,30 @@ def table(results):
 
 
 def chart(results, path):
-    row, left, panel, bar = 30, 150, 150, 9
-    longest = {core: max(max(by_core[core]) for by_core in results.values()) for core in CORES}
-    width, height = left + panel * len(CORES) + 16, 66 + row * len(results)
+    left, panel, bar = 150, 150, 9
+    colours = {"zivcolor": "#1a7f64", "libyuv": "#d98032", "zivcolor without the dot product, where that differs": "#9ccbbd"}
+    longest = {core: max(cycles for by_core in results.values() for cycles in by_core[core] if cycles is not None) for core in CORES}
+    bars = [sum(cycles is not None for cycles in by_core[CORES[0]]) for by_core in results.values()]
+    width, height = left + panel * len(CORES) + 16, 66 + sum(count * (bar + 1) + 10 for count in bars)
     out = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{height}" font-family="sans-serif" font-size="11">'
            '<rect width="100%" height="100%" fill="#fff"/>'
-           '<text x="12" y="20" font-size="14" fill="#222">Estimated cycles a pixel on AArch64 cores; shorter is better</text>'
-           '<rect x="12" y="30" width="10" height="10" fill="#1a7f64"/><text x="27" y="39" fill="#444">zivcolor</text>'
-           '<rect x="90" y="30" width="10" height="10" fill="#d98032"/><text x="105" y="39" fill="#444">libyuv</text>']
+           '<text x="12" y="20" font-size="14" fill="#222">Estimated cycles a pixel on AArch64 cores; shorter is better</text>']
+    for x, (what, colour) in zip((12, 90, 155), colours.items()):
+        out.append(f'<rect x="{x}" y="30" width="10" height="10" fill="{colour}"/><text x="{x + 15}" y="39" fill="#444">{what}</text>')
     for n, core in enumerate(CORES):
         out.append(f'<text x="{left + n * panel}" y="54" fill="#222">{core}</text>')
-    for k, (name, by_core) in enumerate(results.items()):
-        y = 62 + k * row
+    y = 62
+    for (name, by_core), count in zip(results.items(), bars):
         short = name.removeprefix("zivColor").removesuffix("u8").replace("to", " to ")
-        out.append(f'<text x="{left - 8}" y="{y + bar + 4}" text-anchor="end" fill="#222">{short}</text>')
+        out.append(f'<text x="{left - 8}" y="{y + count * (bar + 1) / 2 + 3:.0f}" text-anchor="end" fill="#222">{short}</text>')
         for n, core in enumerate(CORES):
-            for j, (value, colour) in enumerate(zip(by_core[core], ("#1a7f64", "#d98032"))):
+            ours, peer, old = by_core[core]
+            for j, (value, colour) in enumerate(zip((ours, peer, old)[:count], colours.values())):
                 length = max(1.0, value / longest[core] * (panel - 48))
                 out.append(f'<rect x="{left + n * panel}" y="{y + j * (bar + 1)}" width="{length:.1f}" height="{bar}" fill="{colour}"/>'
                            f'<text x="{left + n * panel + length + 3:.1f}" y="{y + j * (bar + 1) + 8}" font-size="8.5" fill="#555">'
                            f'{value:.2f}</text>')
+        y += count * (bar + 1) + 10
     out.append("</svg>")
     with open(path, "w") as file:
         file.write("\n".join(out) + "\n")
