@@ -60,6 +60,22 @@ TEST(Bands, CoverEveryRowOnceInPairs) {
         }
 }
 
+// Also for heights that every kernel refuses.
+TEST(Bands, AreEachTheirShareOfThePairsLeft) {
+    for (int count = 4; count <= most_bands; count += 4)
+        for (int height = -500; height <= 2200; height++) {
+            int pairs = height >> 1, row = 0, left = count;
+            for (const RowRange& band : cut(height, count)) {
+                const int share = pairs / left;
+                ASSERT_EQ(band.start, row);
+                ASSERT_EQ(band.end, left == 1 ? height : row + 2 * share) << height << " " << count;
+                pairs -= share;
+                row += 2 * share;
+                left--;
+            }
+        }
+}
+
 TEST(Bands, OfTheExtremeHeightsDoNotOverflow) {
     for (const int32_t height : {INT32_MAX, INT32_MIN, INT32_MIN + 1, -1, -7})
         for (int count = 4; count <= most_bands; count += 4) EXPECT_EQ(cut(height, count).back().end, height);

@@ -13,16 +13,18 @@ struct RowRange {
 };
 
 // Splits height rows into count bands, in order. Bands begin at even rows, so that a chroma row of a 4:2:0 layout belongs to
-// one band alone. Each takes its share of the row pairs that are left, so the higher ones come last; the last one also takes
-// the odd row. With few rows, the first bands are empty.
+// one band alone. The row pairs are shared out evenly; the last bands are one pair higher if they do not go up in count, and the
+// very last one also takes the odd row. With few rows, the first bands are empty.
 constexpr void split_into_bands(int32_t height, int32_t count, RowRange* bands) {
-    int32_t pairs = height >> 1;
+    const int32_t pairs = height >> 1;
+    const int32_t share = pairs / count, surplus = pairs % count;
+    const int32_t first_higher = count - (surplus < 0 ? -surplus : surplus);
+    const int32_t higher = share + (surplus < 0 ? -1 : 1);
     int32_t start = 0;
     for (int32_t i = 0; i < count - 1; ++i) {
-        const int32_t share = pairs / (count - i);
-        bands[i] = {start, start + 2 * share};
-        pairs -= share;
-        start += 2 * share;
+        const int32_t end = start + 2 * (i < first_higher ? share : higher);
+        bands[i] = {start, end};
+        start = end;
     }
     bands[count - 1] = {start, height};
 }
