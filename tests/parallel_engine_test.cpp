@@ -68,7 +68,7 @@ TEST(Engine, SenselessRoomIsTheLeastRoom) {
 TEST(Engine, RunsTasksThatNobodyWaitsFor) {
     const Engine engine;
     std::atomic<int> runs{0};
-    for (int i = 0; i < 40; i++) EXPECT_GE(zivAddTask(engine.handle, count_up, &runs), 0);
+    for (int i = 0; i < 40; i++) zivAddTask(engine.handle, count_up, &runs);
     wait_for(runs, 40);
 }
 
@@ -159,14 +159,15 @@ TEST(Engine, HoldsAsManyTasksAsAskedFor) {
     wait_for(runs, queued);
 }
 
-// As many tasks as cores meet one another, with and without a thread that waits.
+// As many tasks as cores meet one another, with and without a thread that waits. An engine that knows no tasks yet takes them
+// for long ones, and queues them all.
 TEST(Engine, RunsAsManyTasksAtOnceAsItHasCores) {
     struct Meeting {
         std::atomic<int> present{0};
         int expected = 0;
     };
-    const Engine engine;
     for (int round = 0; round < 50; round++) {
+        const Engine engine;
         Meeting meeting;
         meeting.expected = zivParallelEngineCores(engine.handle);
         std::vector<int32_t> ids;
@@ -212,6 +213,37 @@ TEST(Engine, RunsOneTaskAtATimeOnOneCore) {
     ASSERT_EQ(sched_setaffinity(0, sizeof all, &all), 0);
 }
 #endif
+
+// Also one after the other, without a thread that waits.
+TEST(Engine, LeavesNoTaskLying) {
+    const Engine engine;
+    std::atomic<int> runs{0};
+    for (int round = 1; round <= 3000; round++) {
+        zivAddTask(engine.handle, count_up, &runs);
+        if (round % 3 == 0) {
+            zivAddTask(
+                engine.handle, [](void*) { std::this_thread::sleep_for(std::chrono::microseconds(20)); }, nullptr);
+        }
+        wait_for(runs, round);
+    }
+}
+
+// Small ones in the thread that adds them.
+TEST(Engine, RunsSmallTasksAtOnce) {
+    const Engine engine;
+    std::atomic<int> runs{0};
+    const auto convert = [&] {
+        int queued = 0;
+        int32_t ids[32];
+        for (int32_t& id : ids) id = zivAddTask(engine.handle, count_up, &runs), queued += id >= 0;
+        for (const int32_t id : ids) zivWaitTask(engine.handle, id);
+        return queued;
+    };
+    int quiet = 0;
+    for (int i = 0; i < 1000; i++) quiet += convert() == 0;
+    EXPECT_EQ(runs.load(), 32000);
+    EXPECT_GT(quiet, 500);
+}
 
 TEST(Engine, ServesManyThreadsAtOnce) {
     const Engine engine;

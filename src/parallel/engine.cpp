@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "parallel/cores.h"
+#include "parallel/pace.h"
 #include "parallel/sync.h"
 #include "parallel/task_queue.h"
 #include "parallel/threads.h"
@@ -15,72 +16,68 @@
 namespace zivcolor {
 namespace {
 
-using Duration = std::chrono::nanoseconds;
 using Lock = std::unique_lock<Mutex>;
 using namespace std::chrono_literals;
+
+constexpr auto relaxed = std::memory_order_relaxed;
 
 constexpr int32_t most_cores = 8;
 constexpr int32_t least_room = 64;
 constexpr int32_t most_tasks_per_core = 1 << 16;
 
-// How long a thread that has run out of work yields, in the hope of more, before it sleeps.
-constexpr Duration spin_time = 50us;
-
-// From the call of a worker to its first task: one that sleeps, and one that spins.
-constexpr Duration wake_time = 20us;
-constexpr Duration spinner_time = 10us;
-
-// Two threads that share tasks shorter than this are in each other's way at the lock.
-constexpr Duration least_shared_time = 2us;
-
-// A thread that took less than this goes on to the next task without looking back.
-constexpr Duration small_time = 10us;
-
-// What a task takes is unknown at first: so long that any worker is worth its waking.
-constexpr Duration unknown_time = 1s;
-
-// A sleeping worker looks after the queue at first so often, then ever less.
-constexpr Duration least_watch = 1ms;
-constexpr Duration longest_watch = 256ms;
+// How long a worker that is in the way of another thread stays away.
+constexpr Duration away_time = 20ms;
 
 struct alignas(apart) Worker {
     struct Engine* engine = nullptr;
     Thread thread;
     Condition wake;
-    Atomic<bool> called{false};  // written under the lock; polled without it by the worker itself while it spins
-    Worker* below = nullptr;     // in the stack of those asleep
+    Atomic<bool> called{false};   // written under the lock; polled without it by the worker itself while it spins
+    Clock::time_point call_time;  // when it was called from sleep
+    Worker* below = nullptr;      // in the stack of those asleep
 };
 
 // How it works
 //
-// One lock guards everything; it is open while a task runs, while a thread spins and while a worker is woken. Without it, only
-// the id of an unfinished task is read (see Task), and by a spinning worker its own flag. A task is run by whoever takes it out
-// of the queue: a worker, or a thread that waits. No more tasks run at a time than there are cores (but for those that found no
-// room).
+// Calling a worker takes longer than converting a small image. So as long as no task is unfinished, one that is not worth a
+// call, by what the last ones took, runs at once in the thread that adds it. That takes no lock.
 //
-// Waking a worker takes longer than converting a small image. So a thread that waits starts on the tasks by itself, its own one
-// first, and workers are called for what is left if that pays: call_worker compares the tasks queued, by what the last ones
-// took, with the time of a wake-up. Each thread that takes a task calls one worker at most, and a called worker does the same,
-// so that a late one holds up nobody. A worker that has run out of work spins a little: between two images of a stream it needs
-// no wake-up. Only one spins at a time.
+// All other tasks are queued. One lock guards everything; it is open while tasks run, while a thread spins and while a worker
+// is woken. Without it, only the id of an unfinished task is read (see Task), by a spinning worker its own flag, and hints,
+// which order nothing. A queued task is run by whoever takes it out of the queue: a worker, or a thread that waits, which
+// begins with its own task. No more of them run at a time than there are cores, but for those that found no room.
 //
-// No task is left lying: as long as tasks are queued and a core is free, a worker has been called, or spins, or a sleeping one
-// looks after the queue by a timer. The timer slows down while there is nothing to do and stops in the end: after that, the
-// next task that is added calls a worker in any case. It finds what the estimate gets wrong, such as a task that nobody waits
-// for, or that stands behind a long one. A thread that sleeps until its task has finished is woken for that alone. Should the
-// task still be queued then, because no core was free, the next free core calls a worker for it in any case.
+// Each thread that adds or takes tasks calls one worker at most, if that pays, and a called worker does the same, so that a
+// late one holds up nobody. No task is left lying:
+// - As long as tasks are queued, somebody attends to them: a worker that works, spins or is on watch, or a thread that runs
+// tasks
+//   and waits for one. A worker ends none of this without a look at the queue, and sleeps only if that is empty or all cores
+//   are taken. A thread that leaves tasks to nobody calls a worker, and so does one that adds them to nobody. That a worker
+//   spins or tasks are run is enough for short ones: long ones get a worker at once.
+// - A thread that waits runs queued tasks until its own one has finished. It sleeps only if there are none, or if all cores are
+//   taken. It is woken for its own task alone; so if that is queued, the next thread to leave a core calls a worker for it in
+//   any case, and until it runs, all begin with the oldest task.
+//
+// A worker that has run out of work spins a little: between two images of a stream it needs no wake-up. Only one spins at a
+// time.
+//
+// There may be fewer CPUs to be had than there are cores. A worker that comes to a CPU on which another thread runs tasks would
+// only take time from it: it goes on watch. It sleeps a little, looks after the queue then, and until then no more threads are
+// called than there proved to be CPUs.
 struct Engine {
     Mutex mutex;
     TaskQueue queue;
-    int32_t cores = 0;    // fixed after the start
-    int32_t running = 0;  // threads that run tasks: never more than cores
-    int32_t coming = 0;   // workers that have been called and have not looked at the queue yet
-    int32_t hungry = 0;   // threads that sleep on a queued task
-    Duration task_time = unknown_time;
-    Duration watch_time{0};      // 0: nobody watches
-    Worker* asleep = nullptr;    // a stack: the one that worked last is called first
-    Worker* spinning = nullptr;  // at most one, and none that has been called
-    Worker* watching = nullptr;  // one of those asleep
+    Pace pace;
+    int32_t cores = 0;           // fixed after the start
+    int32_t useful = 0;          // threads that may be called because it pays: cores, unless a worker is on watch
+    int32_t running = 0;         // threads that run tasks: never more than cores
+    int32_t cpus[most_cores]{};  // those that they were on when they began
+    int32_t coming = 0;          // workers that have been called and have not come yet
+    int32_t working = 0;         // these, and those that have come and not run out of work
+    int32_t hungry = 0;          // threads that sleep on a queued task
+    bool on_watch = false;
+    Worker* asleep = nullptr;           // a stack: the one that worked last is called first
+    Atomic<Worker*> spinning{nullptr};  // at most one, and none that has been called; read without the lock as a hint
     bool stopping = false;
     int32_t started = 0;
     Condition all_started;
@@ -88,6 +85,7 @@ struct Engine {
     Worker workers[most_cores];
 
     bool may_start() const { return queue.count > 0 && running < cores; }
+    bool is_attended() const { return working > 0 || on_watch || running > 0 || spinning.load(relaxed); }
 };
 
 // Sections under the lock take tens of nanoseconds: a few attempts are cheaper than sleeping on it.
@@ -100,121 +98,138 @@ void acquire(Lock& lock) {
 }
 
 // Calls a worker to what is queued, if it must come or pays. team counts the threads that are at it, come to it or will help.
-// One that sleeps is returned, for wake() after unlocking.
-Worker* call_worker(Engine& engine, int32_t team) {
+// The worker is returned, for wake() after unlocking.
+Worker* call_worker(Engine& engine, int32_t team, bool must = false) {
     if (engine.queue.count <= engine.coming || engine.running + engine.coming >= engine.cores) return nullptr;
-    const bool must = engine.hungry > 0 || !(engine.watching || engine.spinning || engine.coming > 0);
-    // A worker that comes after some time saves a (team + 1)th of (left / team - time). It pays where that is worth the call.
-    const Duration left = engine.queue.count * engine.task_time;
-    const bool can_pay = team < engine.cores && engine.task_time > least_shared_time;
-    const auto pays = [&](Duration time) { return can_pay && left > 2 * std::max(team, 1) * time; };
-    if (engine.spinning && (must || pays(spinner_time))) {
-        ++engine.coming;
-        std::exchange(engine.spinning, nullptr)->called.store(true, std::memory_order_relaxed);
-        return nullptr;
+    must = must || engine.hungry > 0 || !engine.is_attended() ||
+           (engine.working == 0 && !engine.on_watch && !is_short(engine.pace));
+    const auto comes = [&](Duration time) {
+        return must || (team < engine.useful && pays(engine.pace, engine.queue.count, team, time));
+    };
+    Worker* worker = engine.spinning.load(relaxed);
+    if (worker && comes(spinner_time)) {
+        engine.spinning.store(nullptr, relaxed);
+    } else {
+        worker = engine.asleep;
+        if (!worker || !comes(wake_time(engine.pace))) return nullptr;
+        engine.asleep = worker->below;
+        worker->call_time = Clock::now();
     }
-    Worker* worker = engine.asleep;
-    if (!worker || !(must || pays(wake_time))) return nullptr;
     ++engine.coming;
-    engine.asleep = worker->below;
-    if (engine.watching == worker) engine.watching = nullptr;
-    worker->called.store(true, std::memory_order_relaxed);
+    ++engine.working;
+    worker->called.store(true, relaxed);
     return worker;
 }
 
+// In vain, and next to nothing, for one that spins.
 void wake(Worker* worker) {
     if (worker) worker->wake.notify_one();
 }
 
-// Runs a queued task and, as long as they prove small, the oldest ones after it. The lock is open while a task runs.
-void run_tasks(Engine& engine, Lock& lock, Task* task) {
-    ++engine.running;
-    const auto start = Clock::now();
-    bool small = true;
-    for (int32_t runs = 1, look = 1; task; ++runs) {
+// Takes a task out of the queue and, while they are short, more from the end of it where that one stands: as many as take
+// portion_time, and no more than half of the thread's share. Returns how many; they are linked by next.
+int32_t take_portion(Engine& engine, Task& first) {
+    const bool newest = &first == engine.queue.newest;
+    const int64_t share = engine.queue.count / (2 * (engine.running + engine.coming));
+    const int64_t most = std::min(share, portion_time / std::max(task_time(engine.pace), Duration{1}));
+    int32_t count = 0;
+    Task* last = nullptr;
+    for (Task* task = &first; task && (count == 0 || count < most); ++count) {
         engine.hungry -= task->sleepers;
         take_task(engine.queue, *task);
-        Worker* worker = call_worker(engine, engine.running + engine.coming);
-        lock.unlock();
-        wake(worker);
-        task->function(task->argument);
-        // The clock costs as much as a small task: it is read after 1, 4, 16... of them.
-        const bool looks = runs == look;
-        const Duration time = looks ? Clock::now() - start : Duration{0};
-        acquire(lock);
-        if (looks) {
-            look *= 4;
-            small = time < small_time;
-            if (runs == 1) engine.task_time = time;  // later, it would include what the lock takes
-        }
-        finish_task(engine.queue, *task);
-        task = small ? engine.queue.oldest : nullptr;
+        task->next = nullptr;
+        if (last) last->next = task;
+        last = task;
+        task = newest ? engine.queue.newest : engine.queue.oldest;
     }
+    return count;
+}
+
+// Runs a queued task, and what is taken with it. The lock is open meanwhile.
+void run_tasks(Engine& engine, Lock& lock, Task* first) {
+    const int32_t cpu = this_cpu();
+    engine.cpus[engine.running++] = cpu;
+    const int32_t count = take_portion(engine, *first);
+    Worker* worker = call_worker(engine, engine.running + engine.coming);
+    lock.unlock();
+    wake(worker);
+    const auto start = Clock::now();
+    for (const Task* task = first; task; task = task->next) task->function(task->argument);
+    learn_task_time(engine.pace, (Clock::now() - start) / count);
+    acquire(lock);
+    while (first) finish_task(engine.queue, *std::exchange(first, first->next));
+    *std::find(engine.cpus, engine.cpus + engine.running, cpu) = engine.cpus[engine.running - 1];
     --engine.running;
 }
 
+// The task to begin with: should a thread sleep for want of a core, the oldest one.
+Task* next_task(const Engine& engine, Task* preferred) { return engine.hungry > 0 ? engine.queue.oldest : preferred; }
+
+// A worker begins at the end that the waiting threads come to last: so each goes through memory in order, and in a stream
+// through the same part of each image.
+void run_queue(Engine& engine, Lock& lock) {
+    while (engine.may_start()) run_tasks(engine, lock, next_task(engine, engine.queue.newest));
+}
+
+bool is_called(const Worker& worker) { return worker.called.load(relaxed); }
+
 // A called worker has come.
 void arrive(Engine& engine, Worker& self) {
-    self.called.store(false, std::memory_order_relaxed);
+    self.called.store(false, relaxed);
     --engine.coming;
 }
 
-// True if the worker has been called meanwhile.
+// Sleeps until the worker is called; false if the engine ends.
+bool sleep(Engine& engine, Worker& self, Lock& lock) {
+    self.below = std::exchange(engine.asleep, &self);
+    self.wake.wait(lock, [&] { return is_called(self) || engine.stopping; });
+    if (!is_called(self)) return false;
+    arrive(engine, self);
+    learn_wake_time(engine.pace, Clock::now() - self.call_time);
+    return true;
+}
+
+// Returns true if the worker has been called meanwhile, or finds tasks.
 bool spin(Engine& engine, Worker& self, Lock& lock) {
-    if (engine.spinning) return false;
-    engine.spinning = &self;
+    if (engine.spinning.load(relaxed)) return false;
+    engine.spinning.store(&self, relaxed);
     lock.unlock();
     // That it was called is read again under the lock, so this load orders nothing.
     const auto end = Clock::now() + spin_time;
-    while (!self.called.load(std::memory_order_relaxed) && Clock::now() < end) yield();
+    while (!is_called(self) && Clock::now() < end) yield();
     acquire(lock);
-    if (engine.spinning == &self) {
-        engine.spinning = nullptr;
-        return false;
+    if (engine.spinning.load(relaxed) == &self) {
+        engine.spinning.store(nullptr, relaxed);
+        if (!engine.may_start()) return false;
+        ++engine.working;
+        return true;
     }
     arrive(engine, self);
     return true;
 }
 
-void leave_the_sleeping(Engine& engine, const Worker& self) {
-    Worker** place = &engine.asleep;
-    while (*place != &self) place = &(*place)->below;
-    *place = self.below;
+// True if a worker that has come is on the CPU of another thread. The first one is let pass: it may have been put there for
+// want of care.
+bool is_in_the_way(const Engine& engine) {
+    const int32_t cpu = this_cpu();
+    const int32_t* end = engine.cpus + engine.running;
+    return cpu >= 0 && engine.running + engine.coming >= 2 && std::find(engine.cpus, end, cpu) != end;
 }
 
-// Sleeps until the worker is called, or finds a task as the oldest a second time while a core is free, or the engine ends.
-void sleep(Engine& engine, Worker& self, Lock& lock) {
-    self.below = std::exchange(engine.asleep, &self);
-    int32_t seen = no_task;
-    uint32_t added = engine.queue.added;
-    const auto roused = [&] { return self.called.load(std::memory_order_relaxed) || engine.stopping; };
-    while (!roused()) {
-        if (!engine.watching && engine.watch_time > Duration{0}) engine.watching = &self;
-        if (engine.watching != &self) {
-            self.wake.wait(lock);
-            continue;
-        }
-        if (self.wake.wait_for(lock, seen == no_task ? engine.watch_time : least_watch, roused)) break;
-        const bool idle = engine.queue.count == 0, nothing_added = added == engine.queue.added;
-        added = engine.queue.added;
-        if (idle && nothing_added && engine.watch_time == longest_watch) {
-            engine.watch_time = Duration{0};
-            engine.watching = nullptr;
-        } else if (idle) {
-            engine.watch_time = std::min(2 * engine.watch_time, longest_watch);
-            seen = no_task;
-        } else if (engine.may_start() && engine.queue.oldest->id == seen) {
-            engine.watch_time = least_watch;
-            engine.watching = nullptr;
-            engine.task_time = unknown_time;
-            leave_the_sleeping(engine, self);
-            return;
-        } else {
-            seen = engine.queue.oldest->id;
-        }
-    }
-    if (self.called.load(std::memory_order_relaxed)) arrive(engine, self);
-    if (engine.watch_time == Duration{0}) engine.watch_time = least_watch;
+// Returns true when it is time to look after the queue, false if another worker does that.
+bool watch(Engine& engine, Worker& self, Lock& lock) {
+    --engine.working;
+    if (engine.on_watch) return false;
+    engine.on_watch = true;
+    int32_t distinct = 0;
+    for (int32_t* cpu = engine.cpus; cpu < engine.cpus + engine.running; ++cpu)
+        distinct += std::find(engine.cpus, cpu, *cpu) == cpu;
+    engine.useful = std::max(distinct, 2);
+    self.wake.wait_for(lock, away_time, [&] { return engine.stopping; });
+    engine.useful = engine.cores;
+    engine.on_watch = false;
+    ++engine.working;
+    return true;
 }
 
 void work(void* argument) {
@@ -225,16 +240,14 @@ void work(void* argument) {
     Lock lock(engine.mutex);
     ++engine.started;
     engine.all_started.notify_one();
-    const auto run_queue = [&] {
-        while (engine.may_start()) run_tasks(engine, lock, engine.queue.oldest);
-    };
-    while (!engine.stopping) {
-        sleep(engine, self, lock);
+    while (sleep(engine, self, lock)) {
+        if (is_in_the_way(engine) && !watch(engine, self, lock)) continue;
         do {
-            run_queue();
+            run_queue(engine, lock);
+            --engine.working;
         } while (spin(engine, self, lock));
     }
-    run_queue();
+    run_queue(engine, lock);
 }
 
 // The number of workers that could be had.
@@ -262,7 +275,7 @@ void sleep_on(Engine& engine, Task& task, int32_t id, Lock& lock) {
     ++task.sleepers;
     if (task.queued) ++engine.hungry;
     task.finished.wait(lock);
-    if (task.unfinished.load(std::memory_order_relaxed) != id) return;  // finish_task has dealt with the sleepers
+    if (task.unfinished.load(relaxed) != id) return;  // finish_task has dealt with the sleepers
     --task.sleepers;
     if (task.queued) --engine.hungry;
 }
@@ -284,7 +297,8 @@ void* start_engine(int32_t tasks_per_core, int32_t first_id) noexcept {
     // Once they all run, they keep the library loaded.
     Lock lock(engine->mutex);
     engine->all_started.wait(lock, [&] { return engine->started == workers; });
-    engine->cores = workers;
+    engine->cores = engine->useful = workers;
+    engine->pace.usual = workers * std::max(tasks_per_core, 1);
     return engine.release();
 }
 
@@ -295,6 +309,10 @@ int32_t zivParallelEngineCores(void* handle) noexcept { return as_engine(handle)
 int32_t zivAddTask(void* handle, TaskFunction function, void* argument) noexcept {
     if (!handle || !function) return no_task;
     Engine& engine = *as_engine(handle);
+    if (engine.queue.unfinished.load(relaxed) == 0 && !is_worth_queuing(engine.pace, engine.spinning.load(relaxed))) {
+        run_at_once(engine.pace, function, argument);
+        return no_task;
+    }
     Lock lock(engine.mutex, std::defer_lock);
     acquire(lock);
     const Task* task = add_task(engine.queue, function, argument);
@@ -304,16 +322,24 @@ int32_t zivAddTask(void* handle, TaskFunction function, void* argument) noexcept
         return no_task;
     }
     const int32_t id = task->id;
-    // The adding thread will mostly wait, and help; and whoever comes calls the next one.
-    Worker* worker = engine.coming == 0 ? call_worker(engine, engine.running + 1) : nullptr;
+    // The adding thread will mostly wait, and help; and whoever comes calls the next one. While short tasks are added, a worker
+    // would only be in the way at the lock.
+    const bool must = is_in_a_row(engine.pace) || !engine.is_attended();
+    end_row(engine.pace);
+    const bool may = must || !is_short(engine.pace) || engine.queue.count >= engine.pace.usual;
+    Worker* worker = may && engine.coming == 0 ? call_worker(engine, engine.running + 1, must) : nullptr;
     lock.unlock();
     wake(worker);
     return id;
 }
 
 int32_t zivWaitTask(void* handle, int32_t id) noexcept {
-    if (!handle || id < 0) return 0;
+    if (!handle) return 0;
     Engine& engine = *as_engine(handle);
+    if (id < 0) {
+        end_runs(engine.pace);
+        return 0;
+    }
     Task& task = place_of(engine.queue, id);
     const auto unfinished = [&] { return task.unfinished.load(std::memory_order_acquire) == id; };
     if (!unfinished()) return 0;
@@ -323,7 +349,7 @@ int32_t zivWaitTask(void* handle, int32_t id) noexcept {
     bool has_spun = false;
     while (unfinished()) {
         if (engine.may_start()) {
-            run_tasks(engine, lock, task.queued ? &task : engine.queue.oldest);
+            run_tasks(engine, lock, next_task(engine, task.queued ? &task : engine.queue.oldest));
             has_spun = false;
         } else if (!has_spun) {
             lock.unlock();
@@ -334,7 +360,7 @@ int32_t zivWaitTask(void* handle, int32_t id) noexcept {
             sleep_on(engine, task, id, lock);
         }
     }
-    // What other tasks are left needs somebody, should this thread not wait for them too.
+    // The tasks that are left need somebody, should this thread not wait for them too.
     Worker* worker = call_worker(engine, engine.running + engine.coming + 1);
     lock.unlock();
     wake(worker);

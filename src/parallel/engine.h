@@ -1,5 +1,5 @@
 // The parallel engine: runs task functions on worker threads. An engine is an opaque handle; a process may hold any number of
-// them, and any thread may add and wait. Workers sleep while there is nothing to run.
+// them, and any thread may add and wait. Workers sleep while there is nothing to run. Tasks must not wait for one another.
 #pragma once
 
 #include <stdint.h>
@@ -9,22 +9,23 @@ namespace zivcolor {
 using TaskFunction = void (*)(void* argument);
 
 // Starts an engine with one worker for each core, and room for tasks_per_core unfinished tasks for each of them (never less
-// than 64 in all). Cores are the CPUs that the calling thread may run on, from 1 to 8. If the system grants fewer threads, the
-// engine has fewer cores. The first argument is not read. Null if there is not one worker.
+// than 64 in all); as many are taken to be usually added together. Cores are the CPUs that the calling thread may run on, from
+// 1 to 8. If the system grants fewer threads, the engine has fewer cores. The first argument is not read. Null if there is not
+// one worker.
 void* zivParallelInit(void* reserved, int32_t tasks_per_core) noexcept;
 
-// The number of cores, which is also how many tasks run at the same time: 1 to 8.
+// The number of cores, which is also how many queued tasks run at the same time at most: 1 to 8.
 int32_t zivParallelEngineCores(void* engine) noexcept;
 
-// Queues function(argument) and returns the task's id; never blocks. When the engine is full, the function has run in the
-// calling thread on return. Negative if there is nothing left to wait for: that is harmless to wait on. A worker is woken if
-// that pays, by what the last tasks took; where it does not, and nobody waits, the task begins within a quarter of a second.
+// Queues function(argument) and returns the task's id. Negative if there is nothing left to wait for, which is harmless to wait
+// on: the function has run in the calling thread. So it does when the engine is full, and when no task is unfinished and the
+// last ones were too short for a worker to be worth its call. Never waits for a task. A worker is called if that pays, by what
+// the last tasks took, and whenever nobody else would look after the queue.
 int32_t zivAddTask(void* engine, TaskFunction function, void* argument) noexcept;
 
 // Returns 0 once the task has finished, and what it wrote is then visible to the caller. Returns at once for an id that has
-// finished before or that the engine does not know. While the task is unfinished, the caller runs queued tasks of the engine
-// in its own thread, this one first, as long as a core is free; after it, it may run a few more small ones. A task must not
-// wait for another.
+// finished before or that the engine does not know. While the task is unfinished, the caller runs queued tasks of the engine in
+// its own thread as long as a core is free, this one first.
 int32_t zivWaitTask(void* engine, int32_t id) noexcept;
 
 // Hints around a time of heavy work. They do nothing: the governors of today's systems see the load by themselves.

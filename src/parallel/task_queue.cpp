@@ -44,7 +44,7 @@ Task* add_task(TaskQueue& queue, TaskFunction function, void* argument) {
     (queue.newest ? queue.newest->next : queue.oldest) = task;
     queue.newest = task;
     ++queue.count;
-    ++queue.added;
+    queue.unfinished.store(queue.unfinished.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     task->unfinished.store(task->id, std::memory_order_release);
     return task;
 }
@@ -59,6 +59,7 @@ void take_task(TaskQueue& queue, Task& task) {
 void finish_task(TaskQueue& queue, Task& task) {
     task.unfinished.store(no_task, std::memory_order_release);
     task.id = id_after(task.id, queue.room);
+    queue.unfinished.store(queue.unfinished.load(std::memory_order_relaxed) - 1, std::memory_order_relaxed);
     if (task.sleepers > 0) task.finished.notify_all();
     task.sleepers = 0;
     free_place(queue, task);

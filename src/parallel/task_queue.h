@@ -28,16 +28,16 @@ struct alignas(apart) Task {
     int32_t id = 0;            // of this task; while the place is free, of the next one in it
     bool queued = false;       // neither running nor finished
     int32_t sleepers = 0;      // threads that sleep on finished
-    Task* next = nullptr;      // in the queue, or among the free places
+    Task* next = nullptr;      // in the queue, among those that a thread has taken together, or among the free places
     Task* previous = nullptr;  // in the queue
     Condition finished;
 };
 
 struct TaskQueue {
     std::unique_ptr<Task[]> places;
-    int32_t room = 0;   // how many, a power of two: an id modulo room is its place
-    int32_t count = 0;  // queued tasks
-    uint32_t added = 0;
+    int32_t room = 0;               // how many, a power of two: an id modulo room is its place
+    int32_t count = 0;              // queued tasks
+    Atomic<int32_t> unfinished{0};  // these and those that run; also read without the lock, as a hint
     Task* oldest = nullptr;
     Task* newest = nullptr;
     Task* free = nullptr;

@@ -9,6 +9,10 @@
 #include <unistd.h>
 #endif
 
+#if defined(__linux__)
+#include <sched.h>
+#endif
+
 namespace zivcolor {
 
 Thread start_without_signals(void (*function)(void*), void* argument) {
@@ -59,6 +63,14 @@ void keep_library_loaded() { holder.holds = true; }
 void keep_library_loaded() {}
 
 #endif
+
+int32_t this_cpu() {
+#if defined(__linux__)
+    return sched_getcpu();
+#else
+    return -1;
+#endif
+}
 
 int64_t process_id() {
 #if ZIVCOLOR_POSIX

@@ -25,6 +25,9 @@ void name_this_thread();
 // Keeps the library loaded until the calling thread has ended, even if the application closes it before.
 void keep_library_loaded();
 
+// The CPU that the calling thread is on; negative where the system does not say.
+int32_t this_cpu();
+
 // Differs between a process and its forked child.
 int64_t process_id();
 

@@ -21,6 +21,7 @@ struct System {
     int32_t cores = 2;
     int64_t process = 1;
     int threads_granted = 1000;
+    int cpus = 0;  // fewer than threads, which share them in turn; 0: the system does not say
 };
 System host;
 
@@ -30,6 +31,7 @@ System host;
 
 int32_t zivcolor::usable_cores() { return host.cores; }
 int64_t zivcolor::process_id() { return host.process; }
+int32_t zivcolor::this_cpu() { return host.cpus ? model::this_thread() % host.cpus : -1; }
 void zivcolor::name_this_thread() {}
 void zivcolor::keep_library_loaded() {}
 model::Thread zivcolor::start_without_signals(void (*function)(void*), void* argument) {
@@ -52,21 +54,24 @@ struct EngineModel : testing::Test {
 // A task: what it takes, and where and when it ran.
 struct Job {
     static inline int running = 0, most_running = 0;
+    static inline std::set<int> adding;  // threads: what they run meanwhile needs no core
     Time takes{0};
     int ran_by = -1, runs = 0;
     Time began{0}, ended{0};
     model::Cell result;
 
+    explicit Job(Time time = Time{0}) : takes(time) {}
     static void run(void* p) {
         Job& job = *static_cast<Job*>(p);
-        most_running = std::max(most_running, ++running);
+        const bool on_a_core = adding.count(model::this_thread()) == 0;
+        if (on_a_core) most_running = std::max(most_running, ++running);
         job.began = now();
         job.ran_by = model::this_thread();
         if (job.takes > Time{0}) model::spend(job.takes);
         job.result.write(1);
         job.runs++;
         job.ended = now();
-        running--;
+        if (on_a_core) running--;
     }
 };
 
@@ -74,6 +79,7 @@ struct Engine {
     void* handle;
     explicit Engine(int32_t first_id = 0, int32_t tasks_per_core = 4) : handle(start_engine(tasks_per_core, first_id)) {
         Job::running = Job::most_running = 0;
+        Job::adding.clear();
         if (!handle) model::fail("no engine");
     }
     ~Engine() {
@@ -83,7 +89,12 @@ struct Engine {
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
-    int32_t add(Job& job) const { return zivAddTask(handle, Job::run, &job); }
+    int32_t add(Job& job) const {
+        Job::adding.insert(model::this_thread());
+        const int32_t id = zivAddTask(handle, Job::run, &job);
+        Job::adding.erase(model::this_thread());
+        return id;
+    }
     // Waits, and the task's result is there.
     void wait(int32_t id, Job& job) const {
         zivWaitTask(handle, id);
@@ -124,29 +135,34 @@ void expect_explored(const std::function<void()>& program, int preemptions) {
 
 // ---- Every schedule ----
 
+// Tasks that are queued, since they are worth it, and tasks of which all but the first may run at once.
+constexpr Time lengths[] = {20us, 0us};
+
 TEST_F(EngineModel, TwoTasksOnOneCore) {
     host.cores = 1;
-    expect_explored(
-        [] {
-            const Engine engine;
-            Job first, second;
-            const int32_t a = engine.add(first), b = engine.add(second);
-            engine.wait(a, first);
-            engine.wait(b, second);
-        },
-        2);
+    for (const Time takes : lengths)
+        expect_explored(
+            [takes] {
+                const Engine engine;
+                Job first{takes}, second{takes};
+                const int32_t a = engine.add(first), b = engine.add(second);
+                engine.wait(a, first);
+                engine.wait(b, second);
+            },
+            2);
 }
 
 TEST_F(EngineModel, TwoThreadsWithATaskEach) {
-    expect_explored(
-        [] {
-            const Engine engine;
-            Job mine, others;
-            model::Thread other([&] { engine.wait(engine.add(others), others); });
-            engine.wait(engine.add(mine), mine);
-            other.join();
-        },
-        2);
+    for (const Time takes : lengths)
+        expect_explored(
+            [takes] {
+                const Engine engine;
+                Job mine{takes}, others{takes};
+                model::Thread other([&] { engine.wait(engine.add(others), others); });
+                engine.wait(engine.add(mine), mine);
+                other.join();
+            },
+            2);
 }
 
 TEST_F(EngineModel, TwoThreadsThatWaitForOneTask) {
@@ -169,7 +185,7 @@ TEST_F(EngineModel, AWaitWhileThePlaceIsGivenAway) {
     expect_explored(
         [] {
             const Engine engine;
-            Job first, second;
+            Job first{20us}, second{20us};
             const int32_t a = engine.add(first);
             model::Thread other([&] { engine.wait(a, first); });
             zivWaitTask(engine.handle, a);
@@ -180,17 +196,18 @@ TEST_F(EngineModel, AWaitWhileThePlaceIsGivenAway) {
 }
 
 TEST_F(EngineModel, TasksThatNobodyWaitsForRunBeforeTheEnd) {
-    expect_explored(
-        [] {
-            Job first, second;
-            {
-                const Engine engine;
-                engine.add(first);
-                engine.add(second);
-            }
-            expect(first.result.read() == 1 && second.result.read() == 1, "a task has not run");
-        },
-        2);
+    for (const Time takes : lengths)
+        expect_explored(
+            [takes] {
+                Job first{takes}, second{takes};
+                {
+                    const Engine engine;
+                    engine.add(first);
+                    engine.add(second);
+                }
+                expect(first.result.read() == 1 && second.result.read() == 1, "a task has not run");
+            },
+            2);
 }
 
 TEST_F(EngineModel, TasksOfManyThreadsAcrossTheLastId) {
@@ -198,9 +215,29 @@ TEST_F(EngineModel, TasksOfManyThreadsAcrossTheLastId) {
     expect_explored(
         [] {
             const Engine engine(INT32_MAX);
-            Job jobs[3];
+            Job jobs[3] = {Job{20us}, Job{20us}, Job{20us}};
             model::Thread other([&] { engine.wait(engine.add(jobs[0]), jobs[0]); });
             for (int i = 1; i < 3; i++) engine.wait(engine.add(jobs[i]), jobs[i]);
+            other.join();
+        },
+        1);
+}
+
+// Short tasks behind a long one: a thread takes several of them at a time.
+TEST_F(EngineModel, TasksThatAreTakenTogether) {
+    expect_explored(
+        [] {
+            const Engine engine;
+            Job long_one{1ms}, short_one{1us};
+            const int32_t id = engine.add(long_one);
+            engine.wait(engine.add(short_one), short_one);
+            std::vector<Job> jobs(6, Job{1us});
+            model::Thread other([&] {
+                std::vector<Job> others(6, Job{1us});
+                engine.convert(others);
+            });
+            engine.convert(jobs);
+            engine.wait(id, long_one);
             other.join();
         },
         1);
@@ -397,7 +434,7 @@ TEST_F(EngineModel, SmallTasksStayWithTheirThread) {
             const Engine engine;
             for (int i = 0; i < 3; i++) engine.convert(static_cast<size_t>(4 * cores), 50ns);
             model::spend(1ms);
-            const int notified = model::counts.notified;
+            const int notified = model::counts.notified, locked = model::counts.locked;
             for (int i = 0; i < 1000; i++) {
                 std::vector<Job> jobs;
                 const Time time = engine.convert(static_cast<size_t>(4 * cores), 50ns, &jobs);
@@ -405,6 +442,7 @@ TEST_F(EngineModel, SmallTasksStayWithTheirThread) {
                 expect(time == 4 * cores * 50ns, "time was lost");
             }
             expect(model::counts.notified == notified, "somebody was woken");
+            expect(model::counts.locked == locked, "a lock was taken");
         });
     }
 }
@@ -427,6 +465,46 @@ TEST_F(EngineModel, AStreamWakesNobody) {
         const int notified = model::counts.notified;
         for (int i = 0; i < 100; i++) expect(engine.convert(8, 12us) <= 64us, "time was lost");
         expect(model::counts.notified == notified, "somebody was woken");
+    });
+}
+
+// Images that are not worth a wake-up, but come one after the other: soon a worker spins between them.
+TEST_F(EngineModel, AStreamOfSmallImagesIsShared) {
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        engine.convert(8, 3us);
+        model::spend(1ms);
+        const int notified = model::counts.notified;
+        for (int i = 0; i < 20; i++) engine.convert(8, 3us);
+        for (int i = 0; i < 100; i++) expect(engine.convert(8, 3us) <= 18us, "it was not shared");
+        expect(model::counts.notified == notified + 1, "not one worker was woken");
+    });
+}
+
+TEST_F(EngineModel, SmallImagesWithPausesAreNotShared) {
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        engine.convert(8, 3us);
+        const int notified = model::counts.notified;
+        for (int i = 0; i < 100; i++) {
+            model::spend(1ms);
+            expect(engine.convert(8, 3us) == 24us, "time was lost");
+        }
+        expect(model::counts.notified == notified, "somebody was woken");
+    });
+}
+
+// Each thread takes several at a time, so that they do not meet at the lock for each.
+TEST_F(EngineModel, ShortTasksAreTakenTogether) {
+    host.cores = 8;
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        for (int i = 0; i < 30; i++) engine.convert(32, 500ns);
+        const int locked = model::counts.locked;
+        std::vector<Job> jobs;
+        expect(engine.convert(32, 500ns, &jobs) < 11us, "time was lost");
+        expect(threads_of(jobs) >= 2, "it was not shared");
+        expect(model::counts.locked - locked < 32 + 40, "locks were taken for each");
     });
 }
 
@@ -494,7 +572,7 @@ TEST_F(EngineModel, AnIdleEngineSleeps) {
     });
 }
 
-// What the estimate says may be wrong: no task is left lying.
+// No task is left lying.
 TEST_F(EngineModel, SmallTasksThatNobodyWaitsForRunSoon) {
     EXPECT_SIMULATED([] {
         const Engine engine;
@@ -514,11 +592,51 @@ TEST_F(EngineModel, TasksBehindALongOneRunSoon) {
     host.cores = 4;
     EXPECT_SIMULATED([] {
         const Engine engine;
-        for (int i = 0; i < 100; i++) engine.convert(16, 50ns);
-        std::vector<Job> jobs(16);
+        engine.convert(16, 50us);
+        std::vector<Job> jobs(16, Job{50us});
         jobs[0].takes = 10s;
         engine.convert(jobs);
-        for (size_t i = 1; i < jobs.size(); i++) expect(jobs[i].ended - jobs[0].began < 300ms, "a task was left lying");
+        for (size_t i = 1; i < jobs.size(); i++) expect(jobs[i].ended - jobs[0].began < 1ms, "a task was left lying");
+    });
+}
+
+// A task that is run at once for a short one, and is long, holds up its own thread alone.
+TEST_F(EngineModel, AMistakenTaskHoldsUpNoOtherThread) {
+    host.cores = 4;
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        for (int i = 0; i < 10; i++) engine.convert(16, 50ns);
+        model::Thread other([&] {
+            Job long_one{10s};
+            expect(engine.add(long_one) < 0, "it was queued");
+        });
+        model::spend(1ms);
+        for (int i = 0; i < 10; i++) {
+            std::vector<Job> jobs;
+            engine.convert(16, 100us, &jobs);
+            if (i > 0) expect(threads_of(jobs) == 4, "a core was left out");
+        }
+        other.join();
+    });
+}
+
+// Also while others are at it: what is long for one thread may be short for the next one.
+TEST_F(EngineModel, NothingRunsAtOnceWhileATaskIsUnfinished) {
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        Job long_one{10ms};
+        const int32_t id = engine.add(long_one);
+        model::spend(100us);
+        for (int i = 0; i < 200; i++) {
+            std::vector<Job> jobs(8, Job{50ns});
+            std::vector<int32_t> ids;
+            for (Job& job : jobs) ids.push_back(engine.add(job));
+            for (size_t k = 0; k < jobs.size(); k++) {
+                expect(ids[k] >= 0 && ids[k] != id, "it has run at once");
+                engine.wait(ids[k], jobs[k]);
+            }
+        }
+        engine.wait(id, long_one);
     });
 }
 
@@ -527,11 +645,9 @@ TEST_F(EngineModel, AFreeCoreComesToWhoSleepsForWantOfOne) {
     host.cores = 1;
     EXPECT_SIMULATED([] {
         const Engine engine;
-        for (int i = 0; i < 100; i++) engine.convert(4, 50ns);
-        model::spend(100ms);  // the worker looks after the queue rarely
-        engine.convert(4, 50ns);
-        Job long_one, small;
-        long_one.takes = 10ms;
+        engine.convert(4, 20us);
+        model::spend(100ms);
+        Job long_one{10ms}, small{20us};
         model::Thread other([&] {
             const int32_t id = engine.add(long_one);
             engine.wait(id, long_one);
@@ -541,6 +657,61 @@ TEST_F(EngineModel, AFreeCoreComesToWhoSleepsForWantOfOne) {
         expect(small.began - long_one.ended < 100us, "it slept on");
         expect(long_one.ran_by == other.index, "a worker was at it");
         other.join();
+    });
+}
+
+// Tasks of many threads are run in no order, but one for which a thread sleeps gets its turn while others go on adding.
+TEST_F(EngineModel, WhoSleepsGetsATurn) {
+    host.cores = 1;
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        engine.convert(4, 20us);
+        bool stop = false;
+        model::Thread other([&] {
+            for (int i = 0; i < 1000 && !stop; i++) engine.convert(4, 100us);
+        });
+        model::spend(1ms);
+        Job mine{100us};
+        const Time before = now();
+        engine.wait(engine.add(mine), mine);
+        expect(now() - before < 2ms, "it has waited for all others");
+        stop = true;
+        other.join();
+    });
+}
+
+// Eight workers share two CPUs: no more threads are at it than have one, but for a try now and then.
+TEST_F(EngineModel, WorkersWithoutACpuStayAway) {
+    host.cores = 8;
+    host.cpus = 2;
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        engine.convert(32, 100us);
+        const int notified = model::counts.notified;
+        const Time before = now();
+        int crowded = 0, images = 0;
+        for (; now() - before < 1s; images++) {
+            std::vector<Job> jobs;
+            engine.convert(32, 100us, &jobs);
+            crowded += threads_of(jobs) > 2;
+            expect(threads_of(jobs) >= 2, "a CPU was left out");
+        }
+        expect(images > 500, "time was lost");
+        expect(crowded <= 60, "more threads than CPUs were at it");
+        expect(model::counts.notified - notified < 200, "workers were woken in vain");
+    });
+}
+
+// Were the system wrong, or do tasks sleep: all cores are used in the end.
+TEST_F(EngineModel, WorkersWithoutACpuDoNotStayAwayForEver) {
+    host.cores = 8;
+    host.cpus = 1;
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        std::vector<Job> jobs(8, Job{1s});
+        for (Job& job : jobs) engine.add(job);
+        model::spend(500ms);
+        for (const Job& job : jobs) expect(job.runs == 0 && job.began > Time{0}, "a task was left lying");
     });
 }
 
@@ -574,8 +745,7 @@ TEST_F(EngineModel, UnknownIdsAreHarmless) {
 TEST_F(EngineModel, AWaitForAFinishedTaskEndsAtOnce) {
     EXPECT_SIMULATED([] {
         const Engine engine;
-        Job first, second;
-        second.takes = 10ms;
+        Job first{100us}, second{10ms};
         const int32_t a = engine.add(first);
         engine.wait(a, first);
         const int32_t b = engine.add(second);

@@ -203,6 +203,7 @@ void Mutex::lock() {
     point();
     while (held) block(State::on_mutex, this, world.now);
     held = true;
+    counts.locked++;
     acquire_from(knowledge);
 }
 
@@ -210,6 +211,7 @@ bool Mutex::try_lock() {
     point();
     if (held) return false;
     held = true;
+    counts.locked++;
     acquire_from(knowledge);
     return true;
 }

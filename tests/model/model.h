@@ -118,6 +118,7 @@ struct Counts {
     int threads = 0;                   // started beside the program's first
     int notified = 0;                  // sleepers that were woken by a notification
     int timers = 0;                    // sleepers that were woken by time
+    int locked = 0;                    // how often a lock was taken
     std::map<int, int> wakes, yields;  // by thread
 };
 extern Counts counts;
