@@ -1,7 +1,8 @@
 // From which size on threads pay: conversions on one thread and on a context, by size.
 //   zivcolor_break_even [BLOCKS]   prints a line of JSON for each pair and size: microseconds a call, median and least
 // Both are measured in turn, in blocks of some milliseconds, so that what else the machine does meets both. Within a block,
-// calls follow one another as the images of a stream do.
+// calls follow one another as the images of a stream do; and some calls are measured by themselves, after a pause in which
+// threads go to sleep.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -10,9 +11,11 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "harness/conversions.h"
+#include "parallel/context.h"
 
 namespace {
 
@@ -28,6 +31,8 @@ constexpr const char* kernels[] = {"zivColorNV21toBGR888u8", "zivColorNV21toRGBA
 
 constexpr double block_seconds = 4e-3;
 constexpr double group_seconds = 2e-5;  // calls shorter than this are timed together
+constexpr auto pause_time = std::chrono::milliseconds(1);
+constexpr int calls_apart = 4;  // for each block
 
 double seconds(const Work& work, int calls) {
     const auto start = Clock::now();
@@ -35,10 +40,21 @@ double seconds(const Work& work, int calls) {
     return std::chrono::duration<double>(Clock::now() - start).count() / calls;
 }
 
+struct Times {
+    std::vector<double> samples;
+
+    double median() {
+        const auto middle = samples.begin() + static_cast<ptrdiff_t>(samples.size() / 2);
+        std::nth_element(samples.begin(), middle, samples.end());
+        return 1e6 * *middle;
+    }
+    double least() const { return 1e6 * *std::min_element(samples.begin(), samples.end()); }
+};
+
 struct Series {
     Work work;
     int calls = 1;
-    std::vector<double> samples;
+    Times in_a_row{}, apart{};
 
     void warm_up() {
         double time = seconds(work, 10);
@@ -48,15 +64,15 @@ struct Series {
     void measure_block() {
         seconds(work, calls);
         const auto start = Clock::now();
-        do samples.push_back(seconds(work, calls));
+        do in_a_row.samples.push_back(seconds(work, calls));
         while (std::chrono::duration<double>(Clock::now() - start).count() < block_seconds);
     }
-    double median() {
-        const auto middle = samples.begin() + static_cast<ptrdiff_t>(samples.size() / 2);
-        std::nth_element(samples.begin(), middle, samples.end());
-        return 1e6 * *middle;
+    void measure_apart() {
+        for (int i = 0; i < calls_apart; i++) {
+            std::this_thread::sleep_for(pause_time);
+            apart.samples.push_back(seconds(work, 1));
+        }
     }
-    double least() const { return 1e6 * *std::min_element(samples.begin(), samples.end()); }
 };
 
 zivcolor::Image image(uint32_t format, Size size, std::vector<uint8_t>& memory) {
@@ -77,6 +93,7 @@ int main(int argc, char** argv) {
     const std::shared_ptr<void> context(zivColorCvtInit_MultiThreads(nullptr),
                                         [](void* handle) { zivColorCvtUnInit_MultiThreads(nullptr, handle); });
     if (!context) return 1;
+    const int cores = zivcolor::zivParallelEngineCores(static_cast<const zivColorCvtContext_t*>(context.get())->hEngine);
     const zivColorExtParam_ALPHA_t opaque{255};
     std::vector<uint8_t> from(3840 * 2160 * 4), to(from.size());
     std::mt19937 random(1);
@@ -85,18 +102,23 @@ int main(int argc, char** argv) {
         const harness::Conversion& c = harness::conversion(kernel);
         for (const Size size : sizes) {
             const zivcolor::Image source = image(c.source, size, from), destination = image(c.destination, size, to);
-            Series one{[&] { zivColorCvt(&source, &destination, opaque); }, 1, {}};
-            Series all{[&] { zivColorCvtProcess_MultiThreads(context.get(), &source, &destination, &opaque); }, 1, {}};
+            Series one{[&] { zivColorCvt(&source, &destination, opaque); }};
+            Series all{[&] { zivColorCvtProcess_MultiThreads(context.get(), &source, &destination, &opaque); }};
             one.warm_up();
             all.warm_up();
             for (int i = 0; i < blocks; i++) {
                 one.measure_block();
                 all.measure_block();
             }
-            std::printf("{\"pair\": \"%s to %s\", \"size\": \"%dx%d\", \"one\": %.3f, \"all\": %.3f, ",
-                        harness::format_name(c.source), harness::format_name(c.destination), size.width, size.height,
-                        one.median(), all.median());
-            std::printf("\"one_least\": %.3f, \"all_least\": %.3f}\n", one.least(), all.least());
+            for (int i = 0; i < blocks; i++) {
+                one.measure_apart();
+                all.measure_apart();
+            }
+            std::printf("{\"cores\": %d, \"pair\": \"%s to %s\", \"size\": \"%dx%d\", ", cores, harness::format_name(c.source),
+                        harness::format_name(c.destination), size.width, size.height);
+            std::printf("\"one\": %.3f, \"all\": %.3f, \"one_least\": %.3f, \"all_least\": %.3f, ", one.in_a_row.median(),
+                        all.in_a_row.median(), one.in_a_row.least(), all.in_a_row.least());
+            std::printf("\"one_apart\": %.3f, \"all_apart\": %.3f}\n", one.apart.median(), all.apart.median());
             std::fflush(stdout);
         }
     }

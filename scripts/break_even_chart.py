@@ -15,12 +15,15 @@ def load(path):
 
 def table(rows):
     """Medians, and whether a context takes more than 1 microsecond and more than 5 percent above one thread."""
-    print(f"{'pair':20}{'size':>11}{'one, us':>10}{'all, us':>10}{'speed-up':>10}{'more, us':>10}")
+    print(f"{'':31}{'images in a row':^40}  {'with pauses':^40}")
+    print(f"{'pair':20}{'size':>11}" + 2 * f"{'one, us':>10}{'all, us':>10}{'speed-up':>10}{'more, us':>10}  ")
     for row in rows:
-        more = row["all"] - row["one"]
-        slower = "  slower" if more > max(1, 0.05 * row["one"]) else ""
-        print(f"{row['pair']:20}{row['size']:>11}{row['one']:10.2f}{row['all']:10.2f}{row['one'] / row['all']:10.2f}"
-              f"{more:10.2f}{slower}")
+        line = f"{row['pair']:20}{row['size']:>11}"
+        for one, all_cores in ((row["one"], row["all"]), (row["one_apart"], row["all_apart"])):
+            more = all_cores - one
+            slower = " !" if more > max(1, 0.05 * one) else "  "
+            line += f"{one:10.2f}{all_cores:10.2f}{one / all_cores:10.2f}{more:10.2f}{slower}"
+        print(line)
 
 
 def pixels(size):
@@ -29,9 +32,10 @@ def pixels(size):
 
 
 def chart(rows, path):
-    """Microseconds on one thread across, speed-up upward."""
+    """Sizes across, speed-up of images in a row upward."""
     left, top, width, height = 48, 44, 560, 220
     sizes = sorted({row["size"] for row in rows}, key=pixels)
+    cores = f"{rows[0]['cores']} cores" if rows[0]["cores"] > 1 else "one core"
     fastest = max(2.0, max(row["one"] / row["all"] for row in rows))
 
     def x(size):
@@ -42,7 +46,8 @@ def chart(rows, path):
 
     out = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{left + width + 40}" height="{top + height + 62}" '
            f'font-family="sans-serif" font-size="11"><rect width="100%" height="100%" fill="#fff"/>',
-           '<text x="12" y="18" font-size="14" fill="#222">Speed of a context of two cores, times that of one thread</text>']
+           '<text x="12" y="18" font-size="14" fill="#222">'
+           f'Speed of a context of {cores}, times that of one thread</text>']
     for step in range(int(fastest * 2) + 1):
         speed = step / 2
         colour = "#888" if speed == 1 else "#ddd"
