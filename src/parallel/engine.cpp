@@ -74,7 +74,6 @@ struct Engine {
     int32_t cpus[most_cores]{};  // those that they were on when they began
     int32_t coming = 0;          // workers that have been called and have not come yet
     int32_t working = 0;         // these, and those that have come and not run out of work
-    int32_t hungry = 0;          // threads that sleep on a queued task
     bool on_watch = false;
     Worker* asleep = nullptr;           // a stack: the one that worked last is called first
     Atomic<Worker*> spinning{nullptr};  // at most one, and none that has been called; read without the lock as a hint
@@ -101,7 +100,7 @@ void acquire(Lock& lock) {
 // The worker is returned, for wake() after unlocking.
 Worker* call_worker(Engine& engine, int32_t team, bool must = false) {
     if (engine.queue.count <= engine.coming || engine.running + engine.coming >= engine.cores) return nullptr;
-    must = must || engine.hungry > 0 || !engine.is_attended() ||
+    must = must || engine.queue.hungry > 0 || !engine.is_attended() ||
            (engine.working == 0 && !engine.on_watch && !is_short(engine.pace));
     const auto comes = [&](Duration time) {
         return must || (team < engine.useful && pays(engine.pace, engine.queue.count, team, time));
@@ -135,7 +134,6 @@ int32_t take_portion(Engine& engine, Task& first) {
     int32_t count = 0;
     Task* last = nullptr;
     for (Task* task = &first; task && (count == 0 || count < most); ++count) {
-        engine.hungry -= task->sleepers;
         take_task(engine.queue, *task);
         task->next = nullptr;
         if (last) last->next = task;
@@ -163,7 +161,7 @@ void run_tasks(Engine& engine, Lock& lock, Task* first) {
 }
 
 // The task to begin with: should a thread sleep for want of a core, the oldest one.
-Task* next_task(const Engine& engine, Task* preferred) { return engine.hungry > 0 ? engine.queue.oldest : preferred; }
+Task* next_task(const Engine& engine, Task* preferred) { return engine.queue.hungry > 0 ? engine.queue.oldest : preferred; }
 
 // A worker begins at the end that the waiting threads come to last: so each goes through memory in order, and in a stream
 // through the same part of each image.
@@ -247,7 +245,6 @@ void work(void* argument) {
             --engine.working;
         } while (spin(engine, self, lock));
     }
-    run_queue(engine, lock);
 }
 
 // The number of workers that could be had.
@@ -273,11 +270,11 @@ void spin_while(const Unfinished& unfinished) {
 
 void sleep_on(Engine& engine, Task& task, int32_t id, Lock& lock) {
     ++task.sleepers;
-    if (task.queued) ++engine.hungry;
+    if (task.queued) ++engine.queue.hungry;
     task.finished.wait(lock);
     if (task.unfinished.load(relaxed) != id) return;  // finish_task has dealt with the sleepers
     --task.sleepers;
-    if (task.queued) --engine.hungry;
+    if (task.queued) --engine.queue.hungry;
 }
 
 Engine* as_engine(void* handle) { return static_cast<Engine*>(handle); }

@@ -17,8 +17,8 @@ using Duration = std::chrono::nanoseconds;
 // How long a thread that has run out of work yields, in the hope of more, before it sleeps.
 constexpr Duration spin_time = std::chrono::microseconds(50);
 
-// From the call of a worker to its first task: one that spins, and at best one that sleeps. Some systems put a worker on the CPU
-// that it is called from, and leave it there behind the caller for as long as that works: see Pace.
+// From the call of a worker to its first task: one that spins, and at best one that sleeps. Some systems put a worker on the
+// CPU that it is called from, and leave it there behind the caller for as long as that works: see Pace.
 constexpr Duration spinner_time = std::chrono::microseconds(2);
 constexpr Duration least_wake_time = std::chrono::microseconds(20);
 
@@ -32,7 +32,7 @@ struct Pace {
     int32_t usual = 1;  // tasks that are usually added together; fixed after the start
     Atomic<int32_t> task_time{unknown_time / std::chrono::nanoseconds(1)};     // nanoseconds
     Atomic<int32_t> wake_time{least_wake_time / std::chrono::nanoseconds(1)};  // the same, of a worker that sleeps
-    Atomic<uint32_t> runs{0};                                                  // tasks that were run at once since the last wait
+    Atomic<uint32_t> runs{0};          // tasks that were run at once since the last wait
     Atomic<uint32_t> series{0};        // such images in a row, none of them long after the one before it
     Atomic<uint32_t> series_began{0};  // when the last one did, in microseconds
 };

@@ -54,6 +54,7 @@ void take_task(TaskQueue& queue, Task& task) {
     (task.next ? task.next->previous : queue.newest) = task.previous;
     task.queued = false;
     --queue.count;
+    queue.hungry -= task.sleepers;
 }
 
 void finish_task(TaskQueue& queue, Task& task) {

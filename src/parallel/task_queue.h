@@ -37,6 +37,7 @@ struct TaskQueue {
     std::unique_ptr<Task[]> places;
     int32_t room = 0;               // how many, a power of two: an id modulo room is its place
     int32_t count = 0;              // queued tasks
+    int32_t hungry = 0;             // threads that sleep on these
     Atomic<int32_t> unfinished{0};  // these and those that run; also read without the lock, as a hint
     Task* oldest = nullptr;
     Task* newest = nullptr;

@@ -135,8 +135,8 @@ void expect_explored(const std::function<void()>& program, int preemptions) {
 
 // ---- Every schedule ----
 
-// Tasks that are queued, since they are worth it, and tasks of which all but the first may run at once.
-constexpr Time lengths[] = {20us, 0us};
+// Tasks that are queued, tasks that are queued as long as a worker spins, and tasks of which all but the first may run at once.
+constexpr Time lengths[] = {20us, 3us, 0us};
 
 TEST_F(EngineModel, TwoTasksOnOneCore) {
     host.cores = 1;
@@ -208,6 +208,21 @@ TEST_F(EngineModel, TasksThatNobodyWaitsForRunBeforeTheEnd) {
                 expect(first.result.read() == 1 && second.result.read() == 1, "a task has not run");
             },
             2);
+}
+
+// A short task is added while the worker spins, which is to look after it, and goes to sleep just then.
+TEST_F(EngineModel, ATaskForAWorkerThatGoesToSleep) {
+    expect_explored(
+        [] {
+            Job first{3us}, second{3us};
+            {
+                const Engine engine;
+                engine.wait(engine.add(first), first);
+                engine.add(second);
+            }
+            expect(second.result.read() == 1, "a task has not run");
+        },
+        2);
 }
 
 TEST_F(EngineModel, TasksOfManyThreadsAcrossTheLastId) {
@@ -494,6 +509,31 @@ TEST_F(EngineModel, SmallImagesWithPausesAreNotShared) {
     });
 }
 
+// Where a woken worker comes when the image is done, single images are left to their thread. Now and then one is woken in vain:
+// so it is seen when that has changed.
+TEST_F(EngineModel, ASlowWakeUpIsLearnt) {
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        const auto images = [&](int count) {
+            int shared = 0;
+            for (int i = 0; i < count; i++) {
+                model::spend(2ms);
+                shared += engine.convert(8, 20us) < 150us;
+            }
+            return shared;
+        };
+        expect(images(100) == 100, "images were not shared");
+        model::wake_latency = [](int) { return Time{500us}; };
+        images(10);
+        const int notified = model::counts.notified;
+        expect(images(300) == 0, "who has shared them?");
+        expect(model::counts.notified - notified < 10, "workers were woken in vain");
+        model::wake_latency = [](int) { return Time{20us}; };
+        images(150);
+        expect(images(100) == 100, "images were not shared again");
+    });
+}
+
 // Each thread takes several at a time, so that they do not meet at the lock for each.
 TEST_F(EngineModel, ShortTasksAreTakenTogether) {
     host.cores = 8;
@@ -640,6 +680,36 @@ TEST_F(EngineModel, NothingRunsAtOnceWhileATaskIsUnfinished) {
     });
 }
 
+// Short tasks that nobody waits for are left to whoever attends to the queue: a worker that spins,
+TEST_F(EngineModel, AWorkerThatSpinsLooksAfterTheQueue) {
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        for (int i = 0; i < 10; i++) engine.convert(8, 3us);
+        Job jobs[2] = {Job{3us}, Job{3us}};
+        for (Job& job : jobs) expect(engine.add(job) >= 0, "it was not queued");
+        model::spend(100us);
+        for (const Job& job : jobs) expect(job.runs == 1, "a task was left lying");
+    });
+}
+
+// or a thread that runs tasks, which calls a worker in its place.
+TEST_F(EngineModel, AThreadThatLeavesTasksToNobodyCallsAWorker) {
+    host.cores = 1;
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        engine.convert(4, 20us);
+        for (int i = 0; i < 10; i++) engine.convert(4, 3us);
+        Job long_one{1ms}, small[2] = {Job{3us}, Job{3us}};
+        model::Thread other([&] { engine.wait(engine.add(long_one), long_one); });
+        model::spend(500us);
+        for (Job& job : small) expect(engine.add(job) >= 0, "it was not queued");
+        model::spend(1ms);
+        expect(long_one.ran_by == other.index, "a worker was at it");
+        for (const Job& job : small) expect(job.runs == 1, "a task was left lying");
+        other.join();
+    });
+}
+
 // A thread that sleeps because no core was free does not sleep on when one is: the one that leaves it calls a worker.
 TEST_F(EngineModel, AFreeCoreComesToWhoSleepsForWantOfOne) {
     host.cores = 1;
@@ -657,6 +727,22 @@ TEST_F(EngineModel, AFreeCoreComesToWhoSleepsForWantOfOne) {
         expect(small.began - long_one.ended < 100us, "it slept on");
         expect(long_one.ran_by == other.index, "a worker was at it");
         other.join();
+    });
+}
+
+// Also while a worker is long at a task: that it works is not enough.
+TEST_F(EngineModel, AFreeCoreComesToWhoSleepsBehindALongTask) {
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        Job longest{1s}, long_one{10ms}, small{20us};
+        const int32_t id = engine.add(longest);
+        model::spend(100us);
+        model::Thread other([&] { engine.wait(engine.add(long_one), long_one); });
+        model::spend(100us);
+        engine.wait(engine.add(small), small);
+        expect(small.ended - long_one.ended < 200us, "it slept on");
+        other.join();
+        engine.wait(id, longest);
     });
 }
 
