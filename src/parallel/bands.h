@@ -13,8 +13,8 @@ struct RowRange {
 };
 
 // Splits height rows into count bands, in order. Bands begin at even rows, so that a chroma row of a 4:2:0 layout belongs to
-// one band alone. The row pairs are shared out evenly; the last bands are one pair higher if they do not go up in count, and the
-// very last one also takes the odd row. With few rows, the first bands are empty.
+// one band alone. The row pairs are shared out evenly; the last bands are one pair higher if they do not go up in count, and
+// the very last one also takes the odd row. With few rows, the first bands are empty.
 constexpr void split_into_bands(int32_t height, int32_t count, RowRange* bands) {
     const int32_t pairs = height >> 1;
     const int32_t share = pairs / count, surplus = pairs % count;

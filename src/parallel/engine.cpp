@@ -25,6 +25,9 @@ constexpr int32_t most_cores = 8;
 constexpr int32_t least_room = 64;
 constexpr int32_t most_tasks_per_core = 1 << 16;
 
+// Tasks that take longer than this are run by as many workers as there are cores, whether or not somebody waits for them.
+constexpr Duration very_long = 1ms;
+
 // How long a worker that is in the way of another thread stays away.
 constexpr Duration away_time = 20ms;
 
@@ -319,12 +322,13 @@ int32_t zivAddTask(void* handle, TaskFunction function, void* argument) noexcept
         return no_task;
     }
     const int32_t id = task->id;
-    // The adding thread will mostly wait, and help; and whoever comes calls the next one. While short tasks are added, a worker
-    // would only be in the way at the lock.
+    // The adding thread will mostly wait, and help, but very long tasks are not left to that; and whoever comes calls the next
+    // one. While short tasks are added, a worker would only be in the way at the lock.
+    const int32_t helpers = task_time(engine.pace) < very_long ? 1 : 0;
     const bool must = is_in_a_row(engine.pace) || !engine.is_attended();
     end_row(engine.pace);
     const bool may = must || !is_short(engine.pace) || engine.queue.count >= engine.pace.usual;
-    Worker* worker = may && engine.coming == 0 ? call_worker(engine, engine.running + 1, must) : nullptr;
+    Worker* worker = may && engine.coming == 0 ? call_worker(engine, engine.running + helpers, must) : nullptr;
     lock.unlock();
     wake(worker);
     return id;

@@ -20,7 +20,8 @@ int32_t zivParallelEngineCores(void* engine) noexcept;
 // Queues function(argument) and returns the task's id. Negative if there is nothing left to wait for, which is harmless to wait
 // on: the function has run in the calling thread. So it does when the engine is full, and when no task is unfinished and the
 // last ones were too short for a worker to be worth its call. Never waits for a task. A worker is called if that pays, by what
-// the last tasks took, and whenever nobody else would look after the queue.
+// the last tasks took, and whenever nobody else would look after the queue: a task that nobody waits for begins at the latest
+// when one of those that run has finished.
 int32_t zivAddTask(void* engine, TaskFunction function, void* argument) noexcept;
 
 // Returns 0 once the task has finished, and what it wrote is then visible to the caller. Returns at once for an id that has

@@ -425,6 +425,20 @@ TEST_F(EngineModel, WorkersCallOneAnother) {
     });
 }
 
+// Also if they are added while one is at a task.
+TEST_F(EngineModel, VeryLongTasksGetAllCores) {
+    host.cores = 4;
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        std::vector<Job> jobs(4, Job{10ms});
+        for (Job& job : jobs) {
+            engine.add(job);
+            model::spend(1ms);
+        }
+        for (const Job& job : jobs) expect(job.began > Time{0} && job.began < 5ms, "a core was left out");
+    });
+}
+
 // Also if the one worker does not sleep just then.
 TEST_F(EngineModel, WhatIsQueuedRunsBeforeTheEngineEnds) {
     host.cores = 1;
