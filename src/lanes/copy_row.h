@@ -7,7 +7,7 @@ namespace zivcolor::ZIVCOLOR_TARGET {
 
 // From this many bytes on a copy is left to the C library, which knows the machine: vectors wider than the target's, and how to
 // overwrite a line without reading it first. Below, its call costs more than it brings.
-inline constexpr ptrdiff_t long_row = ZIV_HAS_ADVANCED_SIMD ? PTRDIFF_MAX : widest > 16 ? 1024 : 128;
+inline constexpr ptrdiff_t long_row = ZIV_HAS_ADVANCED_SIMD ? PTRDIFF_MAX : widest > 16 ? 1024 : 512;
 
 // Reads and writes exactly count bytes, in ascending order; where the two runs are apart or the same, in any order and the
 // first and the last of them perhaps twice.
