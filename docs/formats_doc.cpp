@@ -22,7 +22,7 @@ struct Kernel {
 constexpr int NoTask = -1;
 constexpr bool Alpha = true, Opaque = false, Dispatched = true, Direct = false;
 
-#define ZIVCOLOR_KERNEL(name, source, destination, alpha, dispatch, task, part) \
+#define ZIVCOLOR_KERNEL(name, source, destination, alpha, dispatch, task, tile) \
     {#name, #source, #destination, alpha, dispatch, task},
 constexpr Kernel yuv_to_rgb[] = {ZIVCOLOR_YUV2RGB_CONVERSIONS(ZIVCOLOR_KERNEL)};
 constexpr Kernel rgb_to_yuv[] = {ZIVCOLOR_RGB2YUV_CONVERSIONS(ZIVCOLOR_KERNEL)};

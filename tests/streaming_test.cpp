@@ -1,4 +1,4 @@
-// Every conversion that goes by parts and streaming stores where images are large, on every target, made to go so at small
+// Every conversion that goes by tiles and streaming stores where images are large, on every target, made to go so at small
 // sizes: whole arenas against the reference, byte for byte. And large images by way of the entries, which choose.
 #include <gtest/gtest.h>
 
@@ -41,7 +41,7 @@ protected:
         expect_same_bytes(streamed(images, shift), rooms, random.next(),
                           [&] { return describe(GetParam(), images) + ", streaming, shift " + std::to_string(shift); });
     }
-    // Sizes around those where parts begin and end, whole lines and not.
+    // Sizes around those where tiles begin and end, whole lines and not.
     template <class Change>
     void every_size(Change change) {
         for (const int edge : {64, 128, 192, 256, 320, 512, 576, 768, 1024, 1088})
@@ -59,7 +59,7 @@ TEST_P(Streaming, TightImages) {
     every_size([&](ImagePair& p) { p.alpha = static_cast<uint8_t>(random.next()); });
 }
 
-TEST_P(Streaming, TightImagesOfWholeParts) {
+TEST_P(Streaming, TightImagesOfWholeTiles) {
     for (int shift = 0; shift < 64; shift++) {
         expect_same(tight(GetParam(), random.between(2, 20) * 64, random.between(1, 6) * 2), shift);
         if (HasFailure()) return;

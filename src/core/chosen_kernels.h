@@ -22,7 +22,7 @@ ZIVCOLOR_PARTS(ZIVCOLOR_PART)
 
 // Known to the compiler, so that it calls the kernels directly.
 inline constexpr KernelTable only_kernels = {
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part) only_target::name,
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, tile) only_target::name,
 #define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) only_target::name,
     ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION) ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
 #undef ZIVCOLOR_ROUTINE

@@ -10,13 +10,13 @@ int32_t dispatch(const Image* srcImg, const Image* dstImg, uint8_t alpha) {
     const int64_t pixels = int64_t{dstImg->width} * dstImg->height;
 #define ZIVCOLOR_ARGUMENTS_Opaque srcImg, dstImg
 #define ZIVCOLOR_ARGUMENTS_Alpha srcImg, dstImg, alpha
-#define ZIVCOLOR_ROW_Direct(name, source, destination, alpha, part)
-#define ZIVCOLOR_ROW_Dispatched(name, source, destination, alpha, part)                                        \
-    case pair_of(zivPixFmt_##source, zivPixFmt_##destination):                                                 \
-        return convert_part_of<zivPixFmt_##source, zivPixFmt_##destination, parts::part>(pixels, kernels.name, \
-                                                                                         ZIVCOLOR_ARGUMENTS_##alpha);
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part) \
-    ZIVCOLOR_ROW_##dispatch(name, source, destination, alpha, part)
+#define ZIVCOLOR_ROW_Direct(name, source, destination, alpha, tile)
+#define ZIVCOLOR_ROW_Dispatched(name, source, destination, alpha, tile)                                       \
+    case pair_of(zivPixFmt_##source, zivPixFmt_##destination):                                                \
+        return convert_within<zivPixFmt_##source, zivPixFmt_##destination, Tiles::tile>(pixels, kernels.name, \
+                                                                                        ZIVCOLOR_ARGUMENTS_##alpha);
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, tile) \
+    ZIVCOLOR_ROW_##dispatch(name, source, destination, alpha, tile)
     switch (pair_of(srcImg->format, dstImg->format)) {
         ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
         default: return zivStatus_BadArgument;

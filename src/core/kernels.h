@@ -11,7 +11,7 @@ using AlphaConversion = int32_t(const Image* srcImg, const Image* dstImg, uint8_
 
 // A pointer to each.
 struct KernelTable {
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part) alpha##Conversion* name;
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, tile) alpha##Conversion* name;
 #define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) result(*name) parameters;
     ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
     ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
@@ -22,7 +22,7 @@ struct KernelTable {
 }  // namespace zivcolor
 
 // Declares the kernels of a part in the namespace of a target and a family. LISTS is the name of the part's lists.
-#define ZIVCOLOR_DECLARE_CONVERSION(name, source, destination, alpha, dispatch, task, part) alpha##Conversion name;
+#define ZIVCOLOR_DECLARE_CONVERSION(name, source, destination, alpha, dispatch, task, tile) alpha##Conversion name;
 #define ZIVCOLOR_DECLARE_ROUTINE(result, name, parameters, arguments) result name parameters;
 #define ZIVCOLOR_DECLARE_KERNELS(target, family, LISTS)                                                               \
     namespace zivcolor::target::family {                                                                              \

@@ -45,20 +45,20 @@ void end_streaming() { _mm_sfence(); }
 
 namespace {
 
-// A part, its source and the next one's source stay in the first level of the cache.
-struct PartSize {
+// A tile, its source and the next one's source stay in the first level of the cache.
+struct TileSize {
     int32_t columns, rows;
 };
-constexpr PartSize any_part{256, 4}, tight_part{512, 2}, most{512, 4};
+constexpr TileSize any_tile{256, 4}, tight_tile{512, 2}, most{512, 4};
 
 int32_t at_most(int32_t value, int32_t limit) { return value < limit ? value : limit; }
 
-// Whether parts of the image are told by its pitches, in products of 32 bits, and whole rows of it share no byte.
-bool is_sound(const Image& image, const Layout& layout, Parts parts) {
+// Whether tiles of the image are told by its pitches, in products of 32 bits, and whole rows of it share no byte.
+bool is_sound(const Image& image, const Layout& layout, Tiles tiles) {
     for (int k = 0; k < layout.planes; ++k) {
         const int64_t pitch = image.pitch[k], row_bytes = layout.row_bytes(k, image.width),
                       distance = pitch < 0 ? -pitch : pitch;
-        if (parts == Parts::tight ? pitch != row_bytes : distance < row_bytes) return false;
+        if (tiles == Tiles::TightTile ? pitch != row_bytes : distance < row_bytes) return false;
         if (distance * image.height > INT32_MAX) return false;
     }
     return true;
@@ -76,7 +76,7 @@ Extent extent_of(const Image& image, const Layout& layout, int plane) {
 }
 bool apart(Extent a, Extent b) { return a.past <= b.first || b.past <= a.first; }
 
-// Whether nothing that is written is read or written by another part.
+// Whether nothing that is written is read or written by another tile.
 bool destination_is_apart(const Image& src, const Layout& from, const Image& dst, const Layout& to) {
     for (int k = 0; k < to.planes; ++k) {
         const Extent written = extent_of(dst, to, k);
@@ -99,7 +99,7 @@ constexpr int stage_bytes() {
     return needed;
 }
 
-// The buffer that parts are converted to: an image with room for a line before every row.
+// The buffer that tiles are converted to: an image with room for a line before every row.
 struct Stage {
     alignas(line) uint8_t bytes[stage_bytes()];
 };
@@ -126,40 +126,40 @@ int32_t call(const KernelCall& kernel, const Image& src, const Image& dst) {
     return kernel.takes_alpha ? kernel.with_alpha(&src, &dst, kernel.alpha) : kernel.opaque(&src, &dst);
 }
 
-void prefetch(const Image& part, const Layout& layout) {
+void prefetch(const Image& tile, const Layout& layout) {
     asm volatile("");  // or else the compiler drops the call
     for (int k = 0; k < layout.planes; ++k) {
-        const int rows = layout.rows(k, part.height), bytes = layout.row_bytes(k, part.width);
-        const uint8_t* row = part.plane[k];
-        for (int i = 0; i < rows; ++i, row += part.pitch[k])
+        const int rows = layout.rows(k, tile.height), bytes = layout.row_bytes(k, tile.width);
+        const uint8_t* row = tile.plane[k];
+        for (int i = 0; i < rows; ++i, row += tile.pitch[k])
             for (int j = 0; j < bytes; j += line) __builtin_prefetch(row + j);
     }
 }
 
-void stream(const Image& staged, const Image& part, const Layout& layout, bool first, bool last) {
+void stream(const Image& staged, const Image& tile, const Layout& layout, bool first, bool last) {
     for (int k = 0; k < layout.planes; ++k) {
-        const int rows = layout.rows(k, part.height), bytes = layout.row_bytes(k, part.width);
+        const int rows = layout.rows(k, tile.height), bytes = layout.row_bytes(k, tile.width);
         for (int i = 0; i < rows; ++i) {
             uint8_t* const row = staged.plane[k] + int64_t{i} * staged.pitch[k];
-            stream_bytes(part.plane[k] + int64_t{i} * part.pitch[k], row, bytes, first, last);
+            stream_bytes(tile.plane[k] + int64_t{i} * tile.pitch[k], row, bytes, first, last);
             if (!last) memcpy(row - line, row + bytes - line, line);
         }
     }
 }
 
-// Whether the parts of these images can be converted by themselves, in any order.
-bool has_parts(StreamedPair pair, const Image& src, const Image& dst) {
+// Whether the tiles of these images can be converted by themselves, in any order.
+bool has_tiles(StreamedPair pair, const Image& src, const Image& dst) {
     const Layout &from = layouts[pair.source], &to = layouts[pair.destination];
     return src.format == from.format && dst.format == to.format && src.width == dst.width && src.height == dst.height &&
            dst.width >= 2 * line && dst.height >= 2 && dst.width % 2 == 0 && dst.height % 2 == 0 &&
-           is_sound(src, from, pair.parts) && is_sound(dst, to, pair.parts) && destination_is_apart(src, from, dst, to);
+           is_sound(src, from, pair.tiles) && is_sound(dst, to, pair.tiles) && destination_is_apart(src, from, dst, to);
 }
 
-[[gnu::noinline]] int32_t convert_parts(const KernelCall& kernel, StreamedPair pair, const Image& src, const Image& dst) {
-    if (!has_parts(pair, src, dst)) return call(kernel, src, dst);
+[[gnu::noinline]] int32_t convert_tiles(const KernelCall& kernel, StreamedPair pair, const Image& src, const Image& dst) {
+    if (!has_tiles(pair, src, dst)) return call(kernel, src, dst);
     const Layout &from = layouts[pair.source], &to = layouts[pair.destination];
-    const PartSize size = pair.parts == Parts::tight ? tight_part : any_part;
-    // The last columns go the kernel's own way, with the end of the row: no part is narrower than a line.
+    const TileSize size = pair.tiles == Tiles::TightTile ? tight_tile : any_tile;
+    // The last columns go the kernel's own way, with the end of the row: no tile is narrower than a line.
     const int32_t width = dst.width, streamed = width % line == 0 ? width : (width / line - 1) * line;
     Stage stage;
     Image staged = image_of(stage, to);
@@ -169,16 +169,16 @@ bool has_parts(StreamedPair pair, const Image& src, const Image& dst) {
         for (int32_t column = 0, next; column < streamed; column = next) {
             const int32_t columns = at_most(size.columns, streamed - column);
             next = column + columns;
-            if (next < streamed) prefetch(part_of(src, from, next, row, at_most(size.columns, streamed - next), rows), from);
-            else prefetch(part_of(src, from, 0, row + rows, at_most(size.columns, streamed), next_rows), from);
+            if (next < streamed) prefetch(tile_of(src, from, next, row, at_most(size.columns, streamed - next), rows), from);
+            else prefetch(tile_of(src, from, 0, row + rows, at_most(size.columns, streamed), next_rows), from);
             staged.width = columns;
             staged.height = rows;
-            status = call(kernel, part_of(src, from, column, row, columns, rows), staged);
-            stream(staged, part_of(dst, to, column, row, columns, rows), to, column == 0, next == streamed);
+            status = call(kernel, tile_of(src, from, column, row, columns, rows), staged);
+            stream(staged, tile_of(dst, to, column, row, columns, rows), to, column == 0, next == streamed);
         }
         if (streamed < width)
-            call(kernel, part_of(src, from, streamed, row, width - streamed, rows),
-                 part_of(dst, to, streamed, row, width - streamed, rows));
+            call(kernel, tile_of(src, from, streamed, row, width - streamed, rows),
+                 tile_of(dst, to, streamed, row, width - streamed, rows));
     }
     end_streaming();
     return status;
@@ -191,10 +191,10 @@ bool is_large(int64_t pixels, StreamedPair pair) {
 }  // namespace
 
 int32_t convert_streaming(OpaqueConversion* kernel, StreamedPair pair, const Image* src, const Image* dst) {
-    return convert_parts({false, kernel, nullptr, 0}, pair, *src, *dst);
+    return convert_tiles({false, kernel, nullptr, 0}, pair, *src, *dst);
 }
 int32_t convert_streaming(AlphaConversion* kernel, StreamedPair pair, const Image* src, const Image* dst, uint8_t alpha) {
-    return convert_parts({true, nullptr, kernel, alpha}, pair, *src, *dst);
+    return convert_tiles({true, nullptr, kernel, alpha}, pair, *src, *dst);
 }
 
 int32_t convert_large(int64_t pixels, OpaqueConversion* kernel, StreamedPair pair, const Image* src, const Image* dst) {

@@ -1,5 +1,5 @@
 // Images beyond the caches. A kernel's stores read every line of the destination only to overwrite it: a third of the traffic
-// where nothing stays in the caches. There an image is converted by parts small enough for the first level, each into a buffer,
+// where nothing stays in the caches. There an image is converted by tiles small enough for the first level, each into a buffer,
 // from where whole lines go out by streaming stores, which read nothing. The kernels know nothing of it.
 #pragma once
 
@@ -9,27 +9,24 @@
 
 namespace zivcolor {
 
-// The parts of an image that a kernel converts to the same bytes as within the whole. All are of even sizes and start at even
+// The tiles of an image that a kernel converts to the same bytes as within the whole. All are of even sizes and start at even
 // rows and at whole multiples of 16 columns; those that do not end where the image does are whole multiples of 64 columns wide.
-enum class Parts : uint8_t {
-    any,    // planes lie where the pitches say
-    tight,  // two rows at a time, where the rows of all planes follow each other without a gap
-    none,
+enum class Tiles : uint8_t {
+    AnyTile,    // planes lie where the pitches say
+    TightTile,  // two rows at a time, where the rows of all planes follow each other without a gap
+    NoTile,
 };
-namespace parts {
-inline constexpr Parts AnyPart = Parts::any, TightPart = Parts::tight, NoPart = Parts::none;
-}
 
 // A pair of layouts, as places in the layout list, and what is known of the kernel between them.
 struct StreamedPair {
     uint8_t source, destination;
-    Parts parts;
+    Tiles tiles;
 };
-constexpr StreamedPair streamed_pair(uint32_t source, uint32_t destination, Parts parts) {
-    return {static_cast<uint8_t>(layout_of(source) - layouts), static_cast<uint8_t>(layout_of(destination) - layouts), parts};
+constexpr StreamedPair streamed_pair(uint32_t source, uint32_t destination, Tiles tiles) {
+    return {static_cast<uint8_t>(layout_of(source) - layouts), static_cast<uint8_t>(layout_of(destination) - layouts), tiles};
 }
 
-// Converts by parts and streaming stores, where sizes, pitches and addresses allow it, else as the kernel does.
+// Converts by tiles and streaming stores, where sizes, pitches and addresses allow it, else as the kernel does.
 int32_t convert_streaming(OpaqueConversion* kernel, StreamedPair pair, const Image* src, const Image* dst);
 int32_t convert_streaming(AlphaConversion* kernel, StreamedPair pair, const Image* src, const Image* dst, uint8_t alpha);
 
@@ -45,34 +42,34 @@ constexpr int bytes_of_8(const Layout& layout) {
 }
 
 // Converts an image that belongs to a whole of so many pixels: itself, or one that goes in bands, which share the caches.
-template <uint32_t source, uint32_t destination, Parts parts, class Kernel, class... Alpha>
-int32_t convert_part_of(int64_t pixels, Kernel* kernel, const Image* src, const Image* dst, Alpha... alpha) {
+template <uint32_t source, uint32_t destination, Tiles tiles, class Kernel, class... Alpha>
+int32_t convert_within(int64_t pixels, Kernel* kernel, const Image* src, const Image* dst, Alpha... alpha) {
     constexpr int64_t bytes = bytes_of_8(*layout_of(source)) + bytes_of_8(*layout_of(destination));
-    if constexpr (has_streaming_stores && parts != Parts::none)
+    if constexpr (has_streaming_stores && tiles != Tiles::NoTile)
         if (pixels > cached_bytes * 8 / bytes) [[unlikely]] {
-            constexpr StreamedPair pair = streamed_pair(source, destination, parts);
+            constexpr StreamedPair pair = streamed_pair(source, destination, tiles);
             return convert_large(pixels, kernel, pair, src, dst, alpha...);
         }
     return kernel(src, dst, alpha...);
 }
-template <uint32_t source, uint32_t destination, Parts parts, class Kernel, class... Alpha>
+template <uint32_t source, uint32_t destination, Tiles tiles, class Kernel, class... Alpha>
 int32_t convert(Kernel* kernel, const Image* src, const Image* dst, Alpha... alpha) {
     const int64_t pixels = src && dst ? int64_t{dst->width} * dst->height : 0;
-    return convert_part_of<source, destination, parts>(pixels, kernel, src, dst, alpha...);
+    return convert_within<source, destination, tiles>(pixels, kernel, src, dst, alpha...);
 }
 
 // The rows and columns of an image from one on, as an image of its own. A chroma row belongs to the first of its rows.
-inline Image part_of(const Image& whole, const Layout& layout, int32_t column, int32_t row, int32_t columns, int32_t rows) {
-    Image part{};
-    part.format = whole.format;
-    part.width = columns;
-    part.height = rows;
+inline Image tile_of(const Image& whole, const Layout& layout, int32_t column, int32_t row, int32_t columns, int32_t rows) {
+    Image tile{};
+    tile.format = whole.format;
+    tile.width = columns;
+    tile.height = rows;
     for (int k = 0; k < layout.planes; ++k) {
         const int64_t plane_row = k == 0 ? row : row / layout.chroma.rows;
-        part.plane[k] = whole.plane[k] + plane_row * whole.pitch[k] + layout.row_bytes(k, column);
-        part.pitch[k] = whole.pitch[k];
+        tile.plane[k] = whole.plane[k] + plane_row * whole.pitch[k] + layout.row_bytes(k, column);
+        tile.pitch[k] = whole.pitch[k];
     }
-    return part;
+    return tile;
 }
 
 }  // namespace zivcolor

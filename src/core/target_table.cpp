@@ -16,7 +16,7 @@ ZIVCOLOR_PARTS(ZIVCOLOR_PART)
 
 extern const KernelTable kernels;
 const KernelTable kernels = {
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part) taken::name,
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, tile) taken::name,
 #define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) taken::name,
     ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION) ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
 #undef ZIVCOLOR_ROUTINE

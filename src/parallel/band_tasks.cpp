@@ -27,7 +27,7 @@ uint8_t alpha_of(const zivColorParam_t& param) {
 }
 
 // The task of a pair; the kernel is a member of KernelTable. Its status is dropped: a band that it refuses stays unwritten.
-template <uint32_t source, uint32_t destination, Parts parts, auto kernel>
+template <uint32_t source, uint32_t destination, Tiles tiles, auto kernel>
 void convert_band(void* p) {
     static_assert(layout_of(source)->chroma.rows <= 2 && layout_of(destination)->chroma.rows <= 2,
                   "a chroma row that stands for more than 2 rows of luma would belong to two bands: NoTask");
@@ -37,8 +37,8 @@ void convert_band(void* p) {
     const int64_t pixels = int64_t{param.dstImg->width} * param.dstImg->height;  // all bands share the caches
     const auto& function = kernels_here().*kernel;
     if constexpr (std::is_same_v<decltype(function), AlphaConversion* const&>)
-        convert_part_of<source, destination, parts>(pixels, function, &from, &to, alpha_of(param));
-    else convert_part_of<source, destination, parts>(pixels, function, &from, &to);
+        convert_within<source, destination, tiles>(pixels, function, &from, &to, alpha_of(param));
+    else convert_within<source, destination, tiles>(pixels, function, &from, &to);
 }
 
 struct SlotOfPair {
@@ -46,7 +46,7 @@ struct SlotOfPair {
     int32_t slot;
 };
 constexpr SlotOfPair slots_of_pairs[] = {
-#define ZIVCOLOR_SLOT(name, source, destination, alpha, dispatch, slot, part) \
+#define ZIVCOLOR_SLOT(name, source, destination, alpha, dispatch, slot, tile) \
     {pair_of(zivPixFmt_##source, zivPixFmt_##destination), slot},
     ZIVCOLOR_CONVERSIONS(ZIVCOLOR_SLOT)
 #undef ZIVCOLOR_SLOT
@@ -67,10 +67,10 @@ static_assert(every_slot_has_one_kernel(),
 constexpr BandTasks all_tasks() {
     BandTasks tasks{};
     if constexpr (every_slot_has_one_kernel()) {
-#define ZIVCOLOR_TASK(name, source, destination, alpha, dispatch, slot, part) \
+#define ZIVCOLOR_TASK(name, source, destination, alpha, dispatch, slot, tile) \
     if constexpr (slot != NoTask)                                             \
         tasks[static_cast<size_t>(slot)] =                                    \
-            convert_band<zivPixFmt_##source, zivPixFmt_##destination, parts::part, &KernelTable::name>;
+            convert_band<zivPixFmt_##source, zivPixFmt_##destination, Tiles::tile, &KernelTable::name>;
         ZIVCOLOR_CONVERSIONS(ZIVCOLOR_TASK)
 #undef ZIVCOLOR_TASK
     }

@@ -20,7 +20,7 @@ namespace zivcolor {
 
 constexpr int NoTask = -1;
 
-#define ZIVCOLOR_HAS_TASK(name, source, destination, alpha, dispatch, slot, part) +(slot != NoTask)
+#define ZIVCOLOR_HAS_TASK(name, source, destination, alpha, dispatch, slot, tile) +(slot != NoTask)
 inline constexpr size_t band_task_count = 0 ZIVCOLOR_CONVERSIONS(ZIVCOLOR_HAS_TASK);
 #undef ZIVCOLOR_HAS_TASK
 

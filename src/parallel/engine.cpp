@@ -53,10 +53,9 @@ struct alignas(apart) Worker {
 // Each thread that adds or takes tasks calls one worker at most, if that pays, and a called worker does the same, so that a
 // late one holds up nobody. No task is left lying:
 // - As long as tasks are queued, somebody attends to them: a worker that works, spins or is on watch, or a thread that runs
-// tasks
-//   and waits for one. A worker ends none of this without a look at the queue, and sleeps only if that is empty or all cores
-//   are taken. A thread that leaves tasks to nobody calls a worker, and so does one that adds them to nobody. That a worker
-//   spins or tasks are run is enough for short ones: long ones get a worker at once.
+//   tasks and waits for one. A worker ends none of this without a look at the queue, and sleeps only if that is empty or all
+//   cores are taken. A thread that leaves tasks to nobody calls a worker, and so does one that adds them to nobody. That a
+//   worker spins or tasks are run is enough for short ones: long ones get a worker at once.
 // - A thread that waits runs queued tasks until its own one has finished. It sleeps only if there are none, or if all cores are
 //   taken. It is woken for its own task alone; so if that is queued, the next thread to leave a core calls a worker for it in
 //   any case, and until it runs, all begin with the oldest task.

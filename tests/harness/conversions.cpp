@@ -24,11 +24,11 @@ int32_t convert(const KernelTable& kernels, const Image* src, const Image* dst, 
     return call(kernels.*kernel, src, dst, alpha);
 }
 
-template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Parts parts>
+template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Tiles tiles>
 int32_t convert_as_entry(const KernelTable& kernels, const Image* src, const Image* dst, uint8_t alpha) {
     if constexpr (std::is_same_v<decltype(kernels.*kernel), zivcolor::AlphaConversion* const&>)
-        return zivcolor::convert<source, destination, parts>(kernels.*kernel, src, dst, alpha);
-    else return zivcolor::convert<source, destination, parts>(kernels.*kernel, src, dst);
+        return zivcolor::convert<source, destination, tiles>(kernels.*kernel, src, dst, alpha);
+    else return zivcolor::convert<source, destination, tiles>(kernels.*kernel, src, dst);
 }
 
 #if defined(__x86_64__)
@@ -39,15 +39,15 @@ int32_t stream(zivcolor::AlphaConversion* kernel, zivcolor::StreamedPair pair, c
                uint8_t alpha) {
     return zivcolor::convert_streaming(kernel, pair, src, dst, alpha);
 }
-template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Parts parts>
+template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Tiles tiles>
 int32_t convert_streaming(const KernelTable& kernels, const Image* src, const Image* dst, uint8_t alpha) {
-    return stream(kernels.*kernel, zivcolor::streamed_pair(source, destination, parts), src, dst, alpha);
+    return stream(kernels.*kernel, zivcolor::streamed_pair(source, destination, tiles), src, dst, alpha);
 }
-template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Parts parts>
+template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Tiles tiles>
 constexpr Conversion::Convert* streaming =
-    parts == zivcolor::Parts::none ? nullptr : convert_streaming<kernel, source, destination, parts>;
+    tiles == zivcolor::Tiles::NoTile ? nullptr : convert_streaming<kernel, source, destination, tiles>;
 #else
-template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Parts parts>
+template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Tiles tiles>
 constexpr Conversion::Convert* streaming = nullptr;
 #endif
 
@@ -56,7 +56,7 @@ constexpr Conversion::Convert* streaming = nullptr;
 const std::vector<Conversion>& conversions() {
     [[maybe_unused]] static constexpr int NoTask = -1;
     [[maybe_unused]] static constexpr bool Alpha = true, Opaque = false, Dispatched = true, Direct = false;
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part)                            \
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, tile)                            \
     {#name,                                                                                                    \
      zivPixFmt_##source,                                                                                       \
      zivPixFmt_##destination,                                                                                  \
@@ -64,8 +64,8 @@ const std::vector<Conversion>& conversions() {
      dispatch,                                                                                                 \
      task,                                                                                                     \
      convert<&KernelTable::name>,                                                                              \
-     convert_as_entry<&KernelTable::name, zivPixFmt_##source, zivPixFmt_##destination, zivcolor::parts::part>, \
-     streaming<&KernelTable::name, zivPixFmt_##source, zivPixFmt_##destination, zivcolor::parts::part>},
+     convert_as_entry<&KernelTable::name, zivPixFmt_##source, zivPixFmt_##destination, zivcolor::Tiles::tile>, \
+     streaming<&KernelTable::name, zivPixFmt_##source, zivPixFmt_##destination, zivcolor::Tiles::tile>},
     static const std::vector<Conversion> rows = {ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)};
 #undef ZIVCOLOR_CONVERSION
     return rows;

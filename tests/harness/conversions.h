@@ -18,7 +18,7 @@ struct Conversion {
                             uint8_t alpha);
     Convert* convert;
     Convert* convert_as_entry;   // as the library's entry, which looks at the size of the image
-    Convert* convert_streaming;  // by parts and streaming stores; null where there is no such way
+    Convert* convert_streaming;  // by tiles and streaming stores; null where there is no such way
 };
 
 // How a test names the row.

@@ -36,7 +36,7 @@ constexpr Suite suites[] = {
 
 bool known_kernel(const std::string& name) {
     for (const char* kernel : {
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task, part) #name,
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task, tile) #name,
 #define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) #name,
              ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION) ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
 #undef ZIVCOLOR_ROUTINE

@@ -103,7 +103,7 @@ constexpr KernelTable naming_kernels = [] {
         g_called = #name;                                             \
         return 0;                                                     \
     };
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task, part) ZIVCOLOR_NAME_##alpha(name)
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task, tile) ZIVCOLOR_NAME_##alpha(name)
 #define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) \
     table.name = [] parameters -> result {                    \
         ignore arguments;                                     \

@@ -3,7 +3,7 @@
 namespace reference {
 
 const zivcolor::KernelTable kernels = {
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part) name,
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, tile) name,
 #define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) name,
     ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION) ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
 #undef ZIVCOLOR_ROUTINE

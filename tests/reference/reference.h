@@ -11,7 +11,7 @@ using zivcolor::MaskedImage;
 
 #define ZIVCOLOR_DECLARE_Opaque(name) int32_t name(const Image* srcImg, const Image* dstImg);
 #define ZIVCOLOR_DECLARE_Alpha(name) int32_t name(const Image* srcImg, const Image* dstImg, uint8_t alpha);
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, part) ZIVCOLOR_DECLARE_##alpha(name)
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, tile) ZIVCOLOR_DECLARE_##alpha(name)
 #define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) result name parameters;
 ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
 ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
