@@ -154,6 +154,7 @@ int32_t zivColorNV21toYUVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_YUV, both_2x2)) return status;
     const ptrdiff_t width = dstImg->width, even = width & ~ptrdiff_t{1}, height = dstImg->height;
     const bool overlap = starts_inside(dstImg->pitch[0], 3 * even);
+    const bool prefetched = widest == 16 || width * height > 8192;  // less stays in the first level of the cache
     for (ptrdiff_t i = 0; i < height; i += 2) {
         const uint8_t* luma0 = plane_row(srcImg, 0, i);
         const uint8_t* luma1 = luma0 + srcImg->pitch[0];
@@ -168,8 +169,10 @@ int32_t zivColorNV21toYUVu8(const Image* srcImg, const Image* dstImg) {
         const auto pack = [=](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
             constexpr int N = step.value;
             auto pairs = packed_chroma<N>(chroma + k);
-            prefetch_writes<3 * N>(dst0 + 3 * k);
-            prefetch_writes<3 * N>(dst1 + 3 * k);
+            if (prefetched) {
+                prefetch_writes<3 * N>(dst0 + 3 * k);
+                prefetch_writes<3 * N>(dst1 + 3 * k);
+            }
             store_packed444<N>(dst0 + 3 * k, luma0 + k, pairs);
             store_packed444<N>(dst1 + 3 * k, luma1 + k, pairs);
         };
