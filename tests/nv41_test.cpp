@@ -159,7 +159,6 @@ TEST(NV41, FlatChromaStaysFlat) {
 }
 
 TEST(NV41DeathTest, FirstGenerationEndsTheProcess) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
     std::vector<uint8_t> in(4096, 1), out(4096, 2);
     for (const int width : {1, 4, 36, 64}) {
         const zivcolor::Image source{zivPixFmt_NV41, width, 4, {in.data(), in.data() + 2048}, {width, width}};
