@@ -6,18 +6,10 @@
 #include <cstring>
 #include <map>
 
-#include "built_targets.h"
 #include "core/targets.h"
 #include "harness/options.h"
 #include "harness/workspace.h"
 #include "lanes/lane_operations.h"
-
-#define DECLARE(target, condition)                        \
-    namespace zivcolor::target {                          \
-    extern const harness::LaneOperations lane_operations; \
-    }
-ZIVCOLOR_BUILT_TARGETS(DECLARE)
-#undef DECLARE
 
 namespace {
 
@@ -354,14 +346,10 @@ void PrintTo(const Row& row, std::ostream* out) { *out << row.target << " " << r
 // The terms of every target that this CPU can run.
 std::vector<Row> rows() {
     std::vector<Row> all;
-    const auto collect = [&](const std::string& name, const harness::LaneOperations& terms) {
+    for (const harness::TargetOperations* built = harness::built_operations; built->target; built++)
         for (const zivcolor::Target& target : harness::targets())
-            if (name == target.name)
-                for (int i = 0; i < terms.count; i++) all.push_back({name, terms.rows[i]});
-    };
-#define COLLECT(target, condition) collect(#target, zivcolor::target::lane_operations);
-    ZIVCOLOR_BUILT_TARGETS(COLLECT)
-#undef COLLECT
+            if (target.name == std::string(built->target))
+                for (int i = 0; i < built->operations->count; i++) all.push_back({target.name, built->operations->rows[i]});
     return all;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <sstream>
@@ -144,6 +145,29 @@ const std::vector<zivcolor::Target>& targets() {
         return list;
     }();
     return chosen;
+}
+
+const std::vector<zivcolor::Target>& targets_with_own(const std::string& kernel) {
+    using Same = bool (*)(const zivcolor::KernelTable& a, const zivcolor::KernelTable& b);
+    static const std::map<std::string, Same> comparisons = {
+#define ZIVCOLOR_SAME(name) {#name, [](const auto& a, const auto& b) { return a.name == b.name; }},
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task) ZIVCOLOR_SAME(name)
+#define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) ZIVCOLOR_SAME(name)
+        ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION) ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
+#undef ZIVCOLOR_ROUTINE
+#undef ZIVCOLOR_CONVERSION
+#undef ZIVCOLOR_SAME
+    };
+    static std::map<std::string, std::vector<zivcolor::Target>> chosen;
+    const auto same = comparisons.find(kernel);
+    if (same == comparisons.end()) return targets();
+    std::vector<zivcolor::Target>& list = chosen[kernel];
+    if (list.empty())
+        for (const zivcolor::Target& target : targets())
+            if (std::none_of(list.begin(), list.end(),
+                             [&](const auto& before) { return same->second(*before.kernels, *target.kernels); }))
+                list.push_back(target);
+    return list;
 }
 
 const std::vector<int>& first_components() {

@@ -24,6 +24,9 @@ std::string tests_of_kernel(const std::string& kernel, const std::string& filter
 
 // The targets to test: those that run here, or the one that was asked for.
 const std::vector<zivcolor::Target>& targets();
+// Those of them whose kernel of this name is not that of a target before them: one that extends another may have taken it from
+// there. All of them if there is no such kernel.
+const std::vector<zivcolor::Target>& targets_with_own(const std::string& kernel);
 
 // The values of the first component in walks over all colours: every one, or a sample with both ends.
 const std::vector<int>& first_components();
