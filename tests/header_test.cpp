@@ -7,11 +7,15 @@ extern "C" int32_t zivcolor_called_from_c(void);
 
 namespace {
 
-static_assert(sizeof(__tag_KOBR_OFFSCREEN) == 64 && offsetof(__tag_KOBR_OFFSCREEN, plane) == 16 &&
-              offsetof(__tag_KOBR_OFFSCREEN, pitch) == 48);
+constexpr size_t by_pointer(size_t of_4_bytes, size_t of_8_bytes) { return sizeof(void*) == 4 ? of_4_bytes : of_8_bytes; }
+
+static_assert(sizeof(__tag_KOBR_OFFSCREEN) == by_pointer(44, 64) &&
+              offsetof(__tag_KOBR_OFFSCREEN, plane) == by_pointer(12, 16) &&
+              offsetof(__tag_KOBR_OFFSCREEN, pitch) == by_pointer(28, 48));
 static_assert(offsetof(__tag_KOBR_OFFSCREEN, format) == 0 && offsetof(__tag_KOBR_OFFSCREEN, width) == 4 &&
               offsetof(__tag_KOBR_OFFSCREEN, height) == 8);
-static_assert(sizeof(_TAG_OFFSCREEN) == 64 && offsetof(_TAG_OFFSCREEN, pitch) == 16 && offsetof(_TAG_OFFSCREEN, plane) == 32);
+static_assert(sizeof(_TAG_OFFSCREEN) == by_pointer(44, 64) && offsetof(_TAG_OFFSCREEN, pitch) == by_pointer(12, 16) &&
+              offsetof(_TAG_OFFSCREEN, plane) == by_pointer(28, 32));
 static_assert(offsetof(_TAG_OFFSCREEN, width) == 0 && offsetof(_TAG_OFFSCREEN, height) == 4 &&
               offsetof(_TAG_OFFSCREEN, tag) == 8);
 static_assert(sizeof(zivColorExtParam_ALPHA_t) == 4 && offsetof(zivColorExtParam_ALPHA_t, alpha) == 0);
