@@ -151,7 +151,7 @@ const std::vector<zivcolor::Target>& targets_with_own(const std::string& kernel)
     using Same = bool (*)(const zivcolor::KernelTable& a, const zivcolor::KernelTable& b);
     static const std::map<std::string, Same> comparisons = {
 #define ZIVCOLOR_SAME(name) {#name, [](const auto& a, const auto& b) { return a.name == b.name; }},
-#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task) ZIVCOLOR_SAME(name)
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, reach, task, part) ZIVCOLOR_SAME(name)
 #define ZIVCOLOR_ROUTINE(result, name, parameters, arguments) ZIVCOLOR_SAME(name)
         ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION) ZIVCOLOR_ROUTINES(ZIVCOLOR_ROUTINE)
 #undef ZIVCOLOR_ROUTINE
