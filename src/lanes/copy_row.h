@@ -9,6 +9,14 @@ namespace zivcolor::ZIVCOLOR_TARGET {
 // overwrite a line without reading it first. Below, its call costs more than it brings.
 inline constexpr ptrdiff_t long_row = ZIV_HAS_ADVANCED_SIMD ? PTRDIFF_MAX : widest > 16 ? 1024 : 512;
 
+// A row of N to 2 N bytes by the vectors at its ends.
+template <int N>
+ZIV_INLINE void copy_ends(const uint8_t* src, uint8_t* dst, ptrdiff_t count) {
+    const U8<N> first = load<N>(src), last = load<N>(src + count - N);
+    store(dst, first);
+    store(dst + count - N, last);
+}
+
 // Reads and writes exactly count bytes, in ascending order; where the two runs are apart or the same, in any order and the
 // first and the last of them perhaps twice.
 ZIV_INLINE void copy_one_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) {
@@ -36,7 +44,10 @@ ZIV_INLINE void copy_one_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) 
         store(dst_end - widest, last);
         return;
     }
+    if constexpr (widest > 32)
+        if (count >= 32 && count < 64 && (distance == 0 || apart)) return copy_ends<32>(src, dst, count);
     if constexpr (widest > 16) {
+        if (count >= 16 && count < 32 && (distance == 0 || apart)) return copy_ends<16>(src, dst, count);
         // A store that crosses a cache line costs the most: a vector over the start, aligned ones from then on, and one over
         // the end. The lines ahead that will be written, in this row or most likely in the next one, are prefetched; those read
         // need no hint, and behind the row there may be one that is left out.
