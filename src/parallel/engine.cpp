@@ -132,7 +132,7 @@ void wake(Worker* worker) {
 int32_t take_portion(Engine& engine, Task& first) {
     const bool newest = &first == engine.queue.newest;
     const int64_t share = engine.queue.count / (2 * (engine.running + engine.coming));
-    const int64_t most = std::min(share, portion_time / std::max(task_time(engine.pace), Duration{1}));
+    const int64_t most = std::min<int64_t>(share, portion_time / std::max(task_time(engine.pace), Duration{1}));
     int32_t count = 0;
     Task* last = nullptr;
     for (Task* task = &first; task && (count == 0 || count < most); ++count) {
