@@ -497,6 +497,31 @@ TEST_F(EngineModel, AStreamWakesNobody) {
     });
 }
 
+// The first bands of a low image are empty.
+TEST_F(EngineModel, TasksAreLongBehindEmptyOnes) {
+    host.cores = 8;
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        for (int i = 0; i < 100; i++) engine.convert(32, 50ns);
+        model::spend(1ms);
+        std::vector<Job> jobs(32, Job{100us});
+        for (size_t i = 0; i < 3; i++) jobs[i].takes = Time{0};
+        expect(engine.convert(jobs) < 1ms, "they were taken for short ones");
+    });
+}
+
+// The calling thread begins with the first band, a worker with the last one: each has a part of memory of its own.
+TEST_F(EngineModel, EachThreadHasAPartOfTheImage) {
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        std::vector<Job> jobs;
+        engine.convert(8, 100us, &jobs);
+        int changes = 0;
+        for (size_t i = 1; i < jobs.size(); i++) changes += jobs[i].ran_by != jobs[i - 1].ran_by;
+        expect(jobs[0].ran_by == 0 && changes == 1, "the parts are mixed");
+    });
+}
+
 // Images that are not worth a wake-up, but come one after the other: soon a worker spins between them.
 TEST_F(EngineModel, AStreamOfSmallImagesIsShared) {
     EXPECT_SIMULATED([] {
