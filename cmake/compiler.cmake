@@ -31,9 +31,18 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     endif()
 endif()
 
+# The x87 unit computes wider than a float holds, and rounds where a value is stored.
+set(zivcolor_rounding_flags)
+zivcolor_ask_compiler(ZIVCOLOR_HAVE_WIDE_FLOATS "defined(__FLT_EVAL_METHOD__) && __FLT_EVAL_METHOD__ == 2")
+if(ZIVCOLOR_HAVE_WIDE_FLOATS AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    set(zivcolor_rounding_flags -ffloat-store)
+elseif(ZIVCOLOR_HAVE_WIDE_FLOATS)
+    message(FATAL_ERROR "zivcolor needs floats that are rounded after each operation: build with -msse2, or with GCC")
+endif()
+
 function(zivcolor_own_code name)
     target_compile_features(${name} PRIVATE cxx_std_20)
     set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
-    target_compile_options(${name} PRIVATE -Wall -Wextra -Wconversion -ffp-contract=off ${zivcolor_vectorizer_flags}
+    target_compile_options(${name} PRIVATE -Wall -Wextra -Wconversion -ffp-contract=off ${zivcolor_vectorizer_flags} ${zivcolor_rounding_flags}
                                            $<$<BOOL:${ZIVCOLOR_WERROR}>:-Werror>)
 endfunction()
