@@ -13,7 +13,8 @@ constexpr auto relaxed = std::memory_order_relaxed;
 constexpr Duration least_for_spinner = 9us;
 Duration least_for_sleeper(const Pace& pace) { return 3 * wake_time(pace); }
 
-constexpr Duration longest_wake_time = 1ms;
+// Large images are worth a try however late a worker came.
+constexpr Duration longest_wake_time = 64us;
 
 // After so many images in a row a worker is called.
 constexpr uint32_t long_row = 16;
