@@ -28,15 +28,10 @@ const Conversion& choose(Input& in) {
     const uint32_t source = code(in), destination = code(in);
     for (const Conversion& c : conversions())
         if (c.dispatched && c.source == source && c.destination == destination) return c;
-    none = {"no conversion",
-            source,
-            destination,
-            false,
-            true,
-            -1,
-            [](const KernelTable&, const zivcolor::Image*, const zivcolor::Image*, uint8_t) -> int32_t {
-                return zivStatus_BadArgument;
-            }};
+    constexpr auto refuse = [](const KernelTable&, const zivcolor::Image*, const zivcolor::Image*, uint8_t) -> int32_t {
+        return zivStatus_BadArgument;
+    };
+    none = {"no conversion", source, destination, false, true, -1, refuse, refuse, nullptr};
     return none;
 }
 
