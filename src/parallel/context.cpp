@@ -40,13 +40,14 @@ int32_t zivColorCvtProcess_MultiThreads(void* zivColorCvtHandle, const __tag_KOB
     const auto& context = *static_cast<const zivColorCvtContext_t*>(zivColorCvtHandle);
     RowRange bands[most_bands];
     zivColorParam_t params[most_bands];
-    int32_t ids[most_bands];
-    split_into_bands(dstImg->height, context.lTaskCount, bands);
-    for (int32_t i = 0; i < context.lTaskCount; ++i) {
+    int32_t ids[most_bands]{};
+    const int32_t count = context.lTaskCount;
+    split_into_bands(dstImg->height, count, bands);
+    for (int32_t i = 0; i < count; ++i) {
         params[i] = {srcImg, dstImg, bands[i].start, bands[i].end, extParam ? extParam : &transparent};
         ids[i] = zivAddTask(context.hEngine, context.pfnTask[task], &params[i]);
     }
-    for (int32_t i = 0; i < context.lTaskCount; ++i) zivWaitTask(context.hEngine, ids[i]);
+    for (int32_t i = 0; i < count; ++i) zivWaitTask(context.hEngine, ids[i]);
     return zivStatus_OK;
 }
 
