@@ -19,8 +19,6 @@ namespace {
 using Lock = std::unique_lock<Mutex>;
 using namespace std::chrono_literals;
 
-constexpr auto relaxed = std::memory_order_relaxed;
-
 constexpr int32_t most_cores = 8;
 constexpr int32_t least_room = 64;
 constexpr int32_t most_tasks_per_core = 1 << 16;

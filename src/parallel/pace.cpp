@@ -7,8 +7,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto relaxed = std::memory_order_relaxed;
-
 // Tasks that take less than this together are not worth a call.
 constexpr Duration least_for_spinner = 9us;
 Duration least_for_sleeper(const Pace& pace) { return 3 * wake_time(pace); }

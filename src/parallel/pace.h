@@ -14,6 +14,9 @@ namespace zivcolor {
 
 using Duration = std::chrono::nanoseconds;
 
+// The order of all hints.
+constexpr auto relaxed = std::memory_order_relaxed;
+
 // How long a thread that has run out of work yields, in the hope of more, before it sleeps.
 constexpr Duration spin_time = std::chrono::microseconds(50);
 
