@@ -85,14 +85,7 @@ TEST_P(Conversions, PaddedUnequalPitches) {
 }
 
 TEST_P(Conversions, NegativePitches) {
-    every_small_size([](ImagePair& p, Random& random) {
-        const int which = random.between(1, 63);
-        for (int k = 0; k < 3; k++) {
-            p.source_pitch[k] += random.below(5), p.destination_pitch[k] += random.below(5);
-            if (which & (1 << k)) p.source_pitch[k] = -p.source_pitch[k];
-            if (which & (8 << k)) p.destination_pitch[k] = -p.destination_pitch[k];
-        }
-    });
+    every_small_size([](ImagePair& p, Random& random) { negate_some_pitches(p, random, 5); });
 }
 
 // Destination rows that overlap show the order in which they are written, and the fewer bytes they are apart, the

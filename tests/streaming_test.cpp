@@ -73,14 +73,7 @@ TEST_P(Streaming, PaddedUnequalPitches) {
 }
 
 TEST_P(Streaming, NegativePitches) {
-    every_size([&](ImagePair& p) {
-        const int which = random.between(1, 63);
-        for (int k = 0; k < 3; k++) {
-            p.source_pitch[k] += random.below(70), p.destination_pitch[k] += random.below(70);
-            if (which & (1 << k)) p.source_pitch[k] = -p.source_pitch[k];
-            if (which & (8 << k)) p.destination_pitch[k] = -p.destination_pitch[k];
-        }
-    });
+    every_size([&](ImagePair& p) { negate_some_pitches(p, random, 70); });
 }
 
 TEST_P(Streaming, RowsThatOverlap) {

@@ -112,6 +112,15 @@ ImagePair tight(const Conversion& c, int width, int height) {
     return p;
 }
 
+void negate_some_pitches(ImagePair& p, Random& random, int padding) {
+    const int which = random.between(1, 63);
+    for (int k = 0; k < 3; k++) {
+        p.source_pitch[k] += random.below(padding), p.destination_pitch[k] += random.below(padding);
+        if (which & (1 << k)) p.source_pitch[k] = -p.source_pitch[k];
+        if (which & (8 << k)) p.destination_pitch[k] = -p.destination_pitch[k];
+    }
+}
+
 std::string describe(const Conversion& c, const ImagePair& p) {
     std::ostringstream s;
     s << c.name << " " << p.source_width << "x" << p.source_height << " to " << p.destination_width << "x"

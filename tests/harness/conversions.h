@@ -45,6 +45,8 @@ struct ImagePair {
     uint8_t alpha;
 };
 ImagePair tight(const Conversion& c, int width, int height);
+// Adds less than `padding` bytes to each pitch, and negates those of one plane or more.
+void negate_some_pitches(ImagePair& images, Random& random, int padding);
 std::string describe(const Conversion& c, const ImagePair& images);
 
 // The conversion on separate buffers: 0 to 2 are the source's planes, 3 to 5 the destination's. Room is ample for every reach
