@@ -20,14 +20,6 @@ using zivcolor::Image;
 using zivcolor::KernelTable;
 using zivcolor::MaskedImage;
 
-uint32_t Random::next() {
-    state = state * 6364136223846793005u + 1442695040888963407u;
-    uint64_t x = state;
-    x ^= x >> 33;
-    x *= 0xFF51AFD7ED558CCDu;
-    return static_cast<uint32_t>(x >> 32);
-}
-
 namespace {
 
 // Fills are cut from this pool at an offset that the seed picks.

@@ -10,6 +10,7 @@
 
 #include "core/targets.h"
 #include "harness/difference.h"
+#include "harness/random.h"
 
 namespace harness {
 
@@ -41,16 +42,5 @@ std::vector<Reach> reach_of(const Call& call, const std::vector<Room>& rooms, ui
 
 // Fills memory from a seed with bytes that favour the extremes (0, 1, 127, 128, 129, 254, 255) as well as the whole range.
 void fill(uint8_t* p, size_t size, uint64_t seed);
-
-// A small generator for the choices of a test.
-struct Random {
-    uint64_t state;
-    uint32_t next();
-    int below(int bound) { return static_cast<int>(next() % static_cast<uint32_t>(bound)); }
-    int between(int low, int high) { return low + below(high - low + 1); }
-};
-
-// The seed of the whole run; printed by main().
-inline constexpr uint64_t base_seed = 0x7A69766332303236;
 
 }  // namespace harness
