@@ -12,6 +12,7 @@
 #include "harness/process.h"
 #include "harness/time_limit.h"
 #include "parallel/cores.h"
+#include "parallel/threads.h"
 
 #if defined(__linux__)
 #include <sched.h>
@@ -262,6 +263,24 @@ TEST(Engine, ServesManyThreadsAtOnce) {
         });
     for (std::thread& thread : threads) thread.join();
 }
+
+#if defined(__linux__)
+// It may run on all its other CPUs then, also on the one that it has left before.
+TEST(Engine, AThreadLeavesItsCpu) {
+    std::thread([] {
+        const int32_t cores = usable_cores(), first = this_cpu();
+        ASSERT_GE(first, 0);
+        const int32_t avoided = leave_cpu(first, -1);
+        EXPECT_EQ(avoided, cores > 1 ? first : -1);
+        EXPECT_EQ(usable_cores(), std::max(cores - 1, 1));
+        const int32_t second = this_cpu();
+        EXPECT_EQ(second == first, cores == 1);
+        EXPECT_EQ(leave_cpu(second, avoided), cores > 1 ? second : -1);
+        EXPECT_EQ(this_cpu() == second, cores == 1);
+        EXPECT_EQ(usable_cores(), std::max(cores - 1, 1));
+    }).join();
+}
+#endif
 
 // Idle workers sleep: the process uses next to no CPU time while nothing is added.
 TEST(Engine, BurnsNothingWhileIdle) {

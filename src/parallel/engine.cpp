@@ -29,12 +29,17 @@ constexpr Duration very_long = 1ms;
 // How long a worker that is in the way of another thread stays away.
 constexpr Duration away_time = 20ms;
 
+// A called worker that spins has come after this, if it is on a CPU of its own.
+constexpr Duration late_time = 5us;
+
 struct alignas(apart) Worker {
     struct Engine* engine = nullptr;
     Thread thread;
     Condition wake;
     Atomic<bool> called{false};   // written under the lock; polled without it by the worker itself while it spins
-    Clock::time_point call_time;  // when it was called from sleep
+    Clock::time_point call_time;  // when it was called
+    int32_t caller_cpu = -1;      // where from
+    int32_t avoided_cpu = -1;     // see leave_cpu
     Worker* below = nullptr;      // in the stack of those asleep
 };
 
@@ -61,9 +66,13 @@ struct alignas(apart) Worker {
 // A worker that has run out of work spins a little: between two images of a stream it needs no wake-up. Only one spins at a
 // time.
 //
-// There may be fewer CPUs to be had than there are cores. A worker that comes to a CPU on which another thread runs tasks would
-// only take time from it: it goes on watch. It sleeps a little, looks after the queue then, and until then no more threads are
-// called than there proved to be CPUs.
+// A worker that comes to the CPU of its caller, or of a thread that runs tasks, would only take time from it. Most systems wake
+// a thread on an idle CPU; virtual machines often do not, and leave it where it was called from. So it moves to another CPU by
+// itself, and keeps off that one until it is in the way on another. For that it has to run: the caller yields when it has woken
+// a worker, and once more between its tasks if the worker is late.
+//
+// There may be fewer CPUs to be had than there are cores. A worker that is in the way wherever it goes is on watch: it sleeps a
+// little, looks after the queue then, and until then no more threads are called than there proved to be CPUs.
 struct Engine {
     Mutex mutex;
     TaskQueue queue;
@@ -74,6 +83,7 @@ struct Engine {
     int32_t cpus[most_cores]{};  // those that they were on when they began
     int32_t coming = 0;          // workers that have been called and have not come yet
     int32_t working = 0;         // these, and those that have come and not run out of work
+    Clock::time_point late;      // when to yield for one that is coming
     bool on_watch = false;
     Worker* asleep = nullptr;           // a stack: the one that worked last is called first
     Atomic<Worker*> spinning{nullptr};  // at most one, and none that has been called; read without the lock as a hint
@@ -97,7 +107,7 @@ void acquire(Lock& lock) {
 }
 
 // Calls a worker to what is queued, if it must come or pays. team counts the threads that are at it, come to it or will help.
-// The worker is returned, for wake() after unlocking.
+// If it sleeps, the worker is returned, for wake() after unlocking.
 Worker* call_worker(Engine& engine, int32_t team, bool must = false) {
     if (engine.queue.count <= engine.coming || engine.running + engine.coming >= engine.cores) return nullptr;
     must = must || engine.queue.hungry > 0 || !engine.is_attended() ||
@@ -106,23 +116,32 @@ Worker* call_worker(Engine& engine, int32_t team, bool must = false) {
         return must || (team < engine.useful && pays(engine.pace, engine.queue.count, team, time));
     };
     Worker* worker = engine.spinning.load(relaxed);
-    if (worker && comes(spinner_time)) {
+    const bool spins = worker && comes(spinner_time);
+    if (spins) {
         engine.spinning.store(nullptr, relaxed);
     } else {
         worker = engine.asleep;
         if (!worker || !comes(wake_time(engine.pace))) return nullptr;
         engine.asleep = worker->below;
-        worker->call_time = Clock::now();
     }
+    worker->call_time = Clock::now();
+    engine.late = worker->call_time + late_time;
     ++engine.coming;
     ++engine.working;
+    worker->caller_cpu = this_cpu();
     worker->called.store(true, relaxed);
-    return worker;
+    return spins ? nullptr : worker;
 }
 
-// In vain, and next to nothing, for one that spins.
+// Lets a worker that stands on this CPU go to another one.
+void let_by(int32_t cpu) {
+    if (cpu >= 0) yield();
+}
+
 void wake(Worker* worker) {
-    if (worker) worker->wake.notify_one();
+    if (!worker) return;
+    worker->wake.notify_one();
+    let_by(this_cpu());
 }
 
 // Takes a task out of the queue and, while they are short, more from the end of it where that one stands: as many as take
@@ -149,8 +168,11 @@ void run_tasks(Engine& engine, Lock& lock, Task* first) {
     engine.cpus[engine.running++] = cpu;
     const int32_t count = take_portion(engine, *first);
     Worker* worker = call_worker(engine, engine.running + engine.coming);
+    const bool late = engine.coming > 0 && Clock::now() > engine.late;
+    if (late) engine.late = Clock::time_point::max();
     lock.unlock();
     wake(worker);
+    if (late) let_by(cpu);
     const auto start = Clock::now();
     for (const Task* task = first; task; task = task->next) task->function(task->argument);
     learn_task_time(engine.pace, (Clock::now() - start) / count);
@@ -171,8 +193,19 @@ void run_queue(Engine& engine, Lock& lock) {
 
 bool is_called(const Worker& worker) { return worker.called.load(relaxed); }
 
+bool is_on(const Engine& engine, int32_t cpu) {
+    const int32_t* end = engine.cpus + engine.running;
+    return cpu >= 0 && std::find(engine.cpus, end, cpu) != end;
+}
+
 // A called worker has come.
-void arrive(Engine& engine, Worker& self) {
+void arrive(Engine& engine, Worker& self, Lock& lock) {
+    const int32_t cpu = this_cpu();
+    if ((cpu >= 0 && cpu == self.caller_cpu) || is_on(engine, cpu)) {
+        lock.unlock();
+        self.avoided_cpu = leave_cpu(cpu, self.avoided_cpu);
+        acquire(lock);
+    }
     self.called.store(false, relaxed);
     --engine.coming;
 }
@@ -182,7 +215,7 @@ bool sleep(Engine& engine, Worker& self, Lock& lock) {
     self.below = std::exchange(engine.asleep, &self);
     self.wake.wait(lock, [&] { return is_called(self) || engine.stopping; });
     if (!is_called(self)) return false;
-    arrive(engine, self);
+    arrive(engine, self, lock);
     learn_wake_time(engine.pace, Clock::now() - self.call_time);
     return true;
 }
@@ -202,17 +235,12 @@ bool spin(Engine& engine, Worker& self, Lock& lock) {
         ++engine.working;
         return true;
     }
-    arrive(engine, self);
+    arrive(engine, self, lock);
     return true;
 }
 
-// True if a worker that has come is on the CPU of another thread. The first one is let pass: it may have been put there for
-// want of care.
-bool is_in_the_way(const Engine& engine) {
-    const int32_t cpu = this_cpu();
-    const int32_t* end = engine.cpus + engine.running;
-    return cpu >= 0 && engine.running + engine.coming >= 2 && std::find(engine.cpus, end, cpu) != end;
-}
+// True if a worker that has come is on the CPU of another thread. The only one is let pass: its caller may not run tasks.
+bool is_in_the_way(const Engine& engine) { return engine.running + engine.coming >= 2 && is_on(engine, this_cpu()); }
 
 // Returns true when it is time to look after the queue, false if another worker does that.
 bool watch(Engine& engine, Worker& self, Lock& lock) {

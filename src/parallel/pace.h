@@ -20,8 +20,8 @@ constexpr auto relaxed = std::memory_order_relaxed;
 // How long a thread that has run out of work yields, in the hope of more, before it sleeps.
 constexpr Duration spin_time = std::chrono::microseconds(50);
 
-// From the call of a worker to its first task: one that spins, and at best one that sleeps. Some systems put a worker on the
-// CPU that it is called from, and leave it there behind the caller for as long as that works: see Pace.
+// From the call of a worker to its first task: one that spins, and at best one that sleeps. How long that takes is learnt: an
+// idle CPU of a virtual machine may take much longer to wake.
 constexpr Duration spinner_time = std::chrono::microseconds(2);
 constexpr Duration least_wake_time = std::chrono::microseconds(20);
 

@@ -72,6 +72,19 @@ int32_t this_cpu() {
 #endif
 }
 
+int32_t leave_cpu(int32_t cpu, int32_t avoided) {
+#if defined(__linux__)
+    cpu_set_t cpus;
+    if (sched_getaffinity(0, sizeof cpus, &cpus) != 0) return avoided;
+    if (avoided >= 0) CPU_SET(static_cast<size_t>(avoided), &cpus);
+    CPU_CLR(static_cast<size_t>(cpu), &cpus);
+    return sched_setaffinity(0, sizeof cpus, &cpus) == 0 ? cpu : avoided;
+#else
+    static_cast<void>(cpu);
+    return avoided;
+#endif
+}
+
 int64_t process_id() {
 #if ZIVCOLOR_POSIX
     return getpid();

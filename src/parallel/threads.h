@@ -28,6 +28,10 @@ void keep_library_loaded();
 // The CPU that the calling thread is on; negative where the system does not say.
 int32_t this_cpu();
 
+// Moves the calling thread from this CPU to another one that it may run on, if there is one. The thread keeps off this CPU
+// then, and no longer off the one that it has avoided since it left that (negative: none). Returns which one it avoids now.
+int32_t leave_cpu(int32_t cpu, int32_t avoided);
+
 // Differs between a process and its forked child.
 int64_t process_id();
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <set>
 
 #include "model/model.h"
@@ -21,7 +22,9 @@ struct System {
     int32_t cores = 2;
     int64_t process = 1;
     int threads_granted = 1000;
-    int cpus = 0;  // fewer than threads, which share them in turn; 0: the system does not say
+    int cpus = 0;                 // fewer than threads, which share them in turn; 0: the system does not say
+    std::map<int, int> cpu_of{};  // threads that are elsewhere
+    int moves = 0;
 };
 System host;
 
@@ -31,7 +34,16 @@ System host;
 
 int32_t zivcolor::usable_cores() { return host.cores; }
 int64_t zivcolor::process_id() { return host.process; }
-int32_t zivcolor::this_cpu() { return host.cpus ? model::this_thread() % host.cpus : -1; }
+int32_t zivcolor::this_cpu() {
+    const auto elsewhere = host.cpu_of.find(model::this_thread());
+    if (elsewhere != host.cpu_of.end()) return elsewhere->second;
+    return host.cpus ? model::this_thread() % host.cpus : -1;
+}
+int32_t zivcolor::leave_cpu(int32_t cpu, int32_t) {
+    host.moves++;
+    host.cpu_of[model::this_thread()] = (cpu + 1) % host.cpus;
+    return cpu;
+}
 void zivcolor::name_this_thread() {}
 void zivcolor::keep_library_loaded() {}
 model::Thread zivcolor::start_without_signals(void (*function)(void*), void* argument) {
@@ -824,6 +836,58 @@ TEST_F(EngineModel, WorkersWithoutACpuStayAway) {
         expect(images > 500, "time was lost");
         expect(crowded <= 60, "more threads than CPUs were at it");
         expect(model::counts.notified - notified < 200, "workers were woken in vain");
+    });
+}
+
+// Where the system wakes a worker on its caller's CPU, and one that spins comes there: it goes to another one, and stays.
+TEST_F(EngineModel, AWorkerLeavesItsCallersCpu) {
+    host.cpus = 2;
+    EXPECT_SIMULATED([] {
+        host.cpu_of = {{0, 0}, {1, 0}, {2, 0}};
+        host.moves = 0;
+        const Engine engine;
+        for (int i = 0; i < 10; i++) engine.convert(8, 100us);
+        expect(host.moves == 1, "not one move");
+        host.cpu_of[0] = 1;  // to the worker that spins
+        for (int i = 0; i < 10; i++) engine.convert(8, 100us);
+        expect(host.moves == 2, "not one more move");
+        model::spend(1ms);
+        host.cpu_of[0] = 0;  // to the one that sleeps
+        for (int i = 0; i < 10; i++) engine.convert(8, 100us);
+        expect(host.moves == 3, "not one move from sleep");
+    });
+}
+
+// Two workers that keep off one CPU do not share the other.
+TEST_F(EngineModel, AWorkerLeavesAnotherWorkersCpu) {
+    host.cpus = 4;
+    EXPECT_SIMULATED([] {
+        host.cpu_of = {{0, 0}, {1, 1}, {2, 1}};
+        host.moves = 0;
+        const Engine engine;
+        std::vector<Job> jobs(2, Job{10ms});
+        for (Job& job : jobs) {
+            engine.add(job);
+            model::spend(1ms);
+        }
+        expect(host.moves == 1 && jobs[1].began > Time{0}, "a worker was in the way");
+    });
+}
+
+// To leave a CPU, a worker has to run there: its caller yields once when it has woken it, and once while it waits for it.
+TEST_F(EngineModel, AWorkerIsLetBy) {
+    host.cpus = 2;
+    EXPECT_SIMULATED([] {
+        model::wake_latency = [](int) { return Time{950us}; };
+        const Engine engine;
+        std::vector<Job> jobs;
+        engine.convert(8, 100us, &jobs);
+        expect(threads_of(jobs) == 1 && model::counts.yields[0] == 2, "not two yields");
+        model::spend(10ms);
+        model::wake_latency = [](int) { return Time{4us}; };
+        model::counts.yields.clear();
+        engine.convert(8, 100us);
+        expect(model::counts.yields[0] <= 1 + 50, "it has yielded to one that had come");
     });
 }
 
