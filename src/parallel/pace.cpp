@@ -7,9 +7,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Tasks that take less than this together are not worth a call.
-constexpr Duration least_for_spinner = 9us;
-Duration least_for_sleeper(const Pace& pace) { return 3 * wake_time(pace); }
+// Tasks that take less than this together are not worth a call: of a worker that spins, since each task is then dealt with
+// under the lock, and of one that sleeps.
+Duration least_for_spinner(const Pace& pace) { return 8us + pace.usual * 85ns; }
+Duration least_for_sleeper(const Pace& pace) { return 2 * wake_time(pace); }
 
 // Large images are worth a try however late a worker came.
 constexpr Duration longest_wake_time = 64us;
@@ -48,7 +49,7 @@ void learn_wake_time(Pace& pace, Duration time) {
 }
 
 bool is_worth_queuing(const Pace& pace, bool one_spins) {
-    return image_time(pace) >= (one_spins || is_in_a_row(pace) ? least_for_spinner : least_for_sleeper(pace));
+    return image_time(pace) >= (one_spins || is_in_a_row(pace) ? least_for_spinner(pace) : least_for_sleeper(pace));
 }
 
 bool is_in_a_row(const Pace& pace) { return pace.series.load(relaxed) >= long_row; }
@@ -62,7 +63,7 @@ void run_at_once(Pace& pace, TaskFunction function, void* argument) {
     const auto start = Clock::now();
     if (runs == 1) {
         count_image(pace, start);
-        learn_wake_time(pace, wake_time(pace) * 15 / 16);  // it may be better by now: in the end that is tried
+        learn_wake_time(pace, wake_time(pace) * 31 / 32);  // it may be better by now: in the end that is tried
     }
     function(argument);
     learn_task_time(pace, Clock::now() - start);
