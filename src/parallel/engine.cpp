@@ -83,12 +83,12 @@ struct Engine {
     int32_t cpus[most_cores]{};  // those that they were on when they began
     int32_t coming = 0;          // workers that have been called and have not come yet
     int32_t working = 0;         // these, and those that have come and not run out of work
-    Clock::time_point late;      // when to yield for one that is coming
     bool on_watch = false;
+    Clock::time_point late;             // when to yield for a worker that is coming
     Worker* asleep = nullptr;           // a stack: the one that worked last is called first
     Atomic<Worker*> spinning{nullptr};  // at most one, and none that has been called; read without the lock as a hint
-    bool stopping = false;
     int32_t started = 0;
+    bool stopping = false;
     Condition all_started;
     int64_t process = 0;
     Worker workers[most_cores];
