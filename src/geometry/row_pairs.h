@@ -6,20 +6,6 @@
 
 namespace zivcolor::ZIVCOLOR_TARGET::geometry {
 
-// Bytes from first up to past.
-struct Extent {
-    uintptr_t first, past;
-};
-ZIV_INLINE bool apart(Extent a, Extent b) { return a.past <= b.first || b.past <= a.first; }
-
-// What `count` runs of `bytes` bytes cover, the first at p, each `step` bytes further.
-ZIV_INLINE Extent extent_of_runs(const uint8_t* p, ptrdiff_t step, ptrdiff_t count, ptrdiff_t bytes) {
-    const uintptr_t first = reinterpret_cast<uintptr_t>(p);
-    const uintptr_t last = first + static_cast<uintptr_t>(step) * static_cast<uintptr_t>(count - 1);
-    const uintptr_t length = static_cast<uintptr_t>(bytes);
-    return step < 0 ? Extent{last, first + length} : Extent{first, last + length};
-}
-
 // A plane's side of the walk: where the first pass has its run, and how far the next one's is.
 struct Runs {
     uint8_t* first;

@@ -180,13 +180,15 @@ ZIV_INLINE ptrdiff_t lead_to_line(const uint8_t* p, ptrdiff_t pitch) {
     return pitch % 64 == 0 && lead % sample == 0 ? lead : 0;
 }
 
-// Square by square, along the source rows, from a line of all source rows and of all destination rows on where there is one.
+// Square by square, along the source rows, from a line of all source rows and of all destination rows on where there is one
+// and rows are longer than a square.
 // Squares are gathered where the source won't stay in the second level of the cache, or shares few places in it.
 template <int sample, int N>
 [[gnu::noinline]] inline void transpose_by_squares(Transposition t, ptrdiff_t columns, ptrdiff_t rows) {
     SquareBuffer buffer;
     const bool gathered = columns * rows >= 1 << 19 || t.src_pitch % 2048 == 0;
-    const ptrdiff_t column_lead = lead_to_line<sample>(t.src, t.src_pitch), row_lead = lead_to_line<sample>(t.dst, t.dst_pitch);
+    const ptrdiff_t column_lead = columns > side ? lead_to_line<sample>(t.src, t.src_pitch) : 0;
+    const ptrdiff_t row_lead = rows > side ? lead_to_line<sample>(t.dst, t.dst_pitch) : 0;
     const Writing writing{widest > 16 || gathered,
                           t.dst_pitch % 64 == 0 && reinterpret_cast<uintptr_t>(t.dst + row_lead) % 64 == 0,
                           N < 64 && gathered && t.dst_pitch % 4096 == 0};

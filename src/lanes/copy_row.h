@@ -72,11 +72,65 @@ ZIV_INLINE void copy_one_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) 
 }
 [[gnu::noinline]] inline void copy_row(const uint8_t* src, uint8_t* dst, ptrdiff_t count) { copy_one_row(src, dst, count); }
 
+// Bytes from first up to past.
+struct Extent {
+    uintptr_t first, past;
+};
+ZIV_INLINE bool apart(Extent a, Extent b) { return a.past <= b.first || b.past <= a.first; }
+
+// What `count` runs of `bytes` bytes cover, the first at p, each `step` bytes further.
+ZIV_INLINE Extent extent_of_runs(const uint8_t* p, ptrdiff_t step, ptrdiff_t count, ptrdiff_t bytes) {
+    const uintptr_t first = reinterpret_cast<uintptr_t>(p);
+    const uintptr_t last = first + static_cast<uintptr_t>(step) * static_cast<uintptr_t>(count - 1);
+    const uintptr_t length = static_cast<uintptr_t>(bytes);
+    return step < 0 ? Extent{last, first + length} : Extent{first, last + length};
+}
+
+// Rows of vectors / 2 to `vectors` vectors of N bytes, half of them from each end.
+template <int N, int vectors>
+ZIV_INLINE void copy_short_rows(const uint8_t* src, ptrdiff_t src_pitch, uint8_t* dst, ptrdiff_t dst_pitch, ptrdiff_t columns,
+                                ptrdiff_t rows) {
+    constexpr int half = vectors / 2;
+    for (; rows > 0; rows--, src += src_pitch, dst += dst_pitch) {
+        U8<N> first[half], last[half];
+        for (int k = 0; k < half; k++) first[k] = load<N>(src + k * N), last[k] = load<N>(src + columns - (half - k) * N);
+        for (int k = 0; k < half; k++) store(dst + k * N, first[k]);
+        for (int k = 0; k < half; k++) store(dst + columns - (half - k) * N, last[k]);
+    }
+}
+
+// Rows of four vectors of N bytes or more. Stores are aligned where one that crosses a cache line is dear.
+template <int N>
+ZIV_INLINE void copy_middle_rows(const uint8_t* src, ptrdiff_t src_pitch, uint8_t* dst, ptrdiff_t dst_pitch, ptrdiff_t columns,
+                                 ptrdiff_t rows) {
+    for (; rows > 0; rows--, src += src_pitch, dst += dst_pitch) {
+        ptrdiff_t j = 0;
+        if constexpr (N > 16) {
+            store(dst, load<N>(src));
+            j = N - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) & (N - 1));
+            for (; j + N <= columns; j += N) store(dst + j, load<N>(src + j));
+            if (j < columns) store(dst + columns - N, load<N>(src + columns - N));
+        } else {
+            for (; j + 4 * N <= columns; j += 4 * N) copy_four<N>(dst + j, src + j);
+            if (j < columns) copy_four<N>(dst + columns - 4 * N, src + columns - 4 * N);
+        }
+    }
+}
+
 // The same of a plane. Rows that follow each other without a gap on both sides are one run.
 [[gnu::noinline]] inline void copy_plane(const uint8_t* src, ptrdiff_t src_pitch, uint8_t* dst, ptrdiff_t dst_pitch,
                                          ptrdiff_t columns, ptrdiff_t rows) {
-    if (src_pitch == columns && dst_pitch == columns) columns *= rows, rows = 1;
-    for (ptrdiff_t i = 0; i < rows; i++) copy_one_row(src + i * src_pitch, dst + i * dst_pitch, columns);
+    if (src_pitch == columns && dst_pitch == columns) return copy_row(src, dst, columns * rows);
+    constexpr int N = widest > 16 ? 32 : 16;
+    constexpr ptrdiff_t middle = N > 16 ? 8 * N : 512;
+    if (columns >= 16 && columns < middle && rows > 0 &&
+        apart(extent_of_runs(src, src_pitch, rows, columns), extent_of_runs(dst, dst_pitch, rows, columns))) {
+        if (columns <= 32) return copy_short_rows<16, 2>(src, src_pitch, dst, dst_pitch, columns, rows);
+        if (N > 16 && columns <= 2 * N) return copy_short_rows<N, 2>(src, src_pitch, dst, dst_pitch, columns, rows);
+        if (columns <= 4 * N) return copy_short_rows<N, 4>(src, src_pitch, dst, dst_pitch, columns, rows);
+        return copy_middle_rows<N>(src, src_pitch, dst, dst_pitch, columns, rows);
+    }
+    for (; rows > 0; rows--, src += src_pitch, dst += dst_pitch) copy_row(src, dst, columns);
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET
