@@ -199,10 +199,6 @@ ZIV_INLINE void unpack_run_planar(const uint8_t* src, uint8_t* luma, uint8_t* u,
     }
 }
 
-[[gnu::noinline]] inline void unpack_row_planar(const uint8_t* src, uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t pairs) {
-    unpack_run_planar(src, luma, u, v, pairs);
-}
-
 // Whether the first run of bytes stands before the second, behind it, or over it.
 enum class Place { before, over, behind };
 ZIV_INLINE Place place_of(const uint8_t* a, ptrdiff_t a_bytes, const uint8_t* b, ptrdiff_t b_bytes) {
@@ -238,16 +234,28 @@ ZIV_INLINE bool always_apart(const PassRuns& a, const PassRuns& b, ptrdiff_t pas
     return first != Place::over && place_of(a.at(passes - 1), a.bytes, b.at(passes - 1), b.bytes) == first;
 }
 
-[[gnu::noinline]] inline void unpack_passes(const uint8_t* src, ptrdiff_t src_pitch, PassRuns luma, ptrdiff_t to_lower,
-                                            PassRuns u, PassRuns v, ptrdiff_t passes) {
-    for (ptrdiff_t pass = 0; pass < passes; pass++) {
-        const uint8_t* src0 = src + hidden_index(2 * pass * src_pitch);
-        uint8_t* luma0 = luma.first + hidden_index(pass * luma.step);
+// Two rows of the source a pass, `to_lower` apart, as are their rows of luma.
+struct PassSource {
+    const uint8_t* first;
+    ptrdiff_t step, to_lower;
+};
+
+// Passes `first` to `last` - 1, of so many column pairs of the upper row and columns of the lower one.
+[[gnu::noinline]] inline void unpack_passes(const PassSource& src, const PassRuns& luma, ptrdiff_t to_lower, const PassRuns& u,
+                                            const PassRuns& v, ptrdiff_t pairs, ptrdiff_t lower_columns, ptrdiff_t first,
+                                            ptrdiff_t last) {
+    for (ptrdiff_t pass = first; pass < last; pass++) {
+        const uint8_t* src0 = src.first + hidden_index(pass * src.step);
+        uint8_t* luma0 = luma.at(hidden_index(pass));
         // Where only the rows of luma overlap, the upper one is written by a later step: so it goes last.
-        even_row(src0 + src_pitch, luma0 + to_lower, 2 * u.bytes);
-        unpack_row_planar(src0, luma0, u.first + hidden_index(pass * u.step), v.first + hidden_index(pass * v.step), u.bytes);
+        even_run(src0 + src.to_lower, luma0 + to_lower, lower_columns);
+        unpack_run_planar(src0, luma0, u.at(hidden_index(pass)), v.at(hidden_index(pass)), pairs);
     }
 }
+
+// The bytes of a run that the next pass leaves.
+ZIV_INLINE ptrdiff_t bytes_left(const PassRuns& run) { return run.step > 0 && run.step < run.bytes ? run.step : run.bytes; }
+ZIV_INLINE ptrdiff_t larger(ptrdiff_t a, ptrdiff_t b) { return a > b ? a : b; }
 
 // Two rows a pass; the lower row of luma lands one width, not one pitch, below the upper. Blocks of 16 columns leave 1 to 16
 // columns, and the tail takes a step of a whole pair for each of them: both rows run as many columns past their end.
@@ -258,7 +266,12 @@ int32_t zivColorYUYVtoI420u8_2(const Image* srcImg, const Image* dstImg) {
     const PassRuns luma{dstImg->plane[0], ptrdiff_t{2} * dstImg->pitch[0], width + columns};
     const PassRuns u{dstImg->plane[1], dstImg->pitch[1], pairs}, v{dstImg->plane[2], dstImg->pitch[2], pairs};
     if (always_apart(luma, u, passes) && always_apart(luma, v, passes) && always_apart(u, v, passes)) {
-        unpack_passes(srcImg->plane[0], srcImg->pitch[0], luma, width, u, v, passes);
+        const PassSource src{srcImg->plane[0], ptrdiff_t{2} * srcImg->pitch[0], srcImg->pitch[0]};
+        // What rows run past their end is left out where the next row brings the same or covers it.
+        const ptrdiff_t upper = src.to_lower == 2 * width ? width : columns, lower = luma.step == 2 * width ? width : columns;
+        const ptrdiff_t upper_pairs = larger(whole_pairs_up(upper) / 2, larger(bytes_left(u), bytes_left(v)));
+        unpack_passes(src, luma, width, u, v, upper_pairs, lower, 0, passes - 1);
+        unpack_passes(src, luma, width, u, v, pairs, columns, passes - 1, passes);
         return zivStatus_OK;
     }
     for (ptrdiff_t pass = 0; pass < passes; pass++) {
@@ -280,18 +293,9 @@ int32_t zivColorYUYVtoI420u8(const uint8_t* yuvSrc, uint8_t* yuvDst, int32_t wid
     if (!yuvSrc || !yuvDst) return zivStatus_NullPointer;
     if (width < 2 || height < 2) return zivStatus_BadArgument;
     const ptrdiff_t row = width, pairs = width >> 1, columns = 2 * pairs, area = row * height;
-    const uint8_t* src = yuvSrc;
-    uint8_t* luma = yuvDst;
-    uint8_t* u = yuvDst + area;
-    uint8_t* v = u + (area >> 2);
-    for (int32_t pass = 0; pass < height >> 1; pass++) {
-        unpack_run_planar(src, luma, u, v, pairs);
-        even_run(src + 2 * row, luma + row, columns);
-        src += 2 * (columns + row);
-        luma += columns + row;
-        u += pairs;
-        v += pairs;
-    }
+    uint8_t* const u = yuvDst + area;
+    unpack_passes({yuvSrc, 2 * (columns + row), 2 * row}, {yuvDst, columns + row, columns + row}, row, {u, pairs, pairs},
+                  {u + (area >> 2), pairs, pairs}, pairs, columns, 0, height >> 1);
     return zivStatus_OK;
 }
 
