@@ -174,28 +174,38 @@ int32_t zivColorYUYVtoNV12u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth,
 
 namespace {
 
-// Luma and both planes of chroma of one row.
-ZIV_INLINE void unpack_run_planar(const uint8_t* src, uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t pairs) {
+// Luma of two rows and both planes of chroma of the upper one. Where the rows of luma overlap, the upper one is written by a
+// later step: in each step it goes last.
+ZIV_INLINE void unpack_runs_planar(const uint8_t* src0, const uint8_t* src1, uint8_t* luma0, uint8_t* luma1, uint8_t* u,
+                                   uint8_t* v, ptrdiff_t pairs) {
     ptrdiff_t j = move_row<1>(
-        pairs, lead_of<2>(luma),
+        pairs, lead_of<2>(luma0),
         [=](auto step, auto, ptrdiff_t k) ZIV_INLINE_BODY {
             constexpr int N = step.value;
-            Channels<N, 2> a = load2<N>(src + 4 * k), b = load2<N>(src + 4 * k + 2 * N);
-            return Channels<N, 4>{{a.c[0], b.c[0], even_lanes<N>(a.c[1], b.c[1]), odd_lanes<N>(a.c[1], b.c[1])}};
+            Channels<N, 4> upper = load_yuyv<N>(src0 + 4 * k);
+            Channels<N, 2> lower = load_yuyv_luma<N>(src1 + 4 * k);
+            return Channels<N, 6>{{lower.c[0], lower.c[1], upper.c[0], upper.c[1], upper.c[2], upper.c[3]}};
         },
         [=](auto step, const auto& w, ptrdiff_t k) ZIV_INLINE_BODY {
             constexpr int N = step.value;
-            prefetch_writes<2 * N>(luma + 2 * k);
-            store(luma + 2 * k, w.c[0]);
-            store(luma + 2 * k + N, w.c[1]);
+            prefetch_writes<2 * N>(luma1 + 2 * k);
+            prefetch_writes<2 * N>(luma0 + 2 * k);
+            store(luma1 + 2 * k, w.c[0]);
+            store(luma1 + 2 * k + N, w.c[1]);
+            store(luma0 + 2 * k, w.c[2]);
+            store(luma0 + 2 * k + N, w.c[3]);
         },
-        ToPlane<2>{u}, ToPlane<3>{v});
+        ToPlane<4>{u}, ToPlane<5>{v});
     for (; j < pairs; j++) {
-        const uint8_t pixels[4] = {src[4 * j], src[4 * j + 1], src[4 * j + 2], src[4 * j + 3]};
-        luma[2 * j] = pixels[0];
-        luma[2 * j + 1] = pixels[2];
-        u[j] = pixels[1];
-        v[j] = pixels[3];
+        uint8_t upper[4], lower[4];
+        __builtin_memcpy(upper, src0 + 4 * j, 4);
+        __builtin_memcpy(lower, src1 + 4 * j, 4);
+        luma1[2 * j] = lower[0];
+        luma1[2 * j + 1] = lower[2];
+        luma0[2 * j] = upper[0];
+        luma0[2 * j + 1] = upper[2];
+        u[j] = upper[1];
+        v[j] = upper[3];
     }
 }
 
@@ -240,22 +250,16 @@ struct PassSource {
     ptrdiff_t step, to_lower;
 };
 
-// Passes `first` to `last` - 1, of so many column pairs of the upper row and columns of the lower one.
-[[gnu::noinline]] inline void unpack_passes(const PassSource& src, const PassRuns& luma, ptrdiff_t to_lower, const PassRuns& u,
-                                            const PassRuns& v, ptrdiff_t pairs, ptrdiff_t lower_columns, ptrdiff_t first,
-                                            ptrdiff_t last) {
+// Passes `first` to `last` - 1, of so many pairs of columns.
+[[gnu::noinline]] inline void unpack_passes(PassSource src, PassRuns luma, ptrdiff_t to_lower, PassRuns u, PassRuns v,
+                                            ptrdiff_t pairs, ptrdiff_t first, ptrdiff_t last) {
     for (ptrdiff_t pass = first; pass < last; pass++) {
         const uint8_t* src0 = src.first + hidden_index(pass * src.step);
-        uint8_t* luma0 = luma.at(hidden_index(pass));
-        // Where only the rows of luma overlap, the upper one is written by a later step: so it goes last.
-        even_run(src0 + src.to_lower, luma0 + to_lower, lower_columns);
-        unpack_run_planar(src0, luma0, u.at(hidden_index(pass)), v.at(hidden_index(pass)), pairs);
+        uint8_t* luma0 = luma.first + hidden_index(pass * luma.step);
+        unpack_runs_planar(src0, src0 + src.to_lower, luma0, luma0 + to_lower, u.first + hidden_index(pass * u.step),
+                           v.first + hidden_index(pass * v.step), pairs);
     }
 }
-
-// The bytes of a run that the next pass leaves.
-ZIV_INLINE ptrdiff_t bytes_left(const PassRuns& run) { return run.step > 0 && run.step < run.bytes ? run.step : run.bytes; }
-ZIV_INLINE ptrdiff_t larger(ptrdiff_t a, ptrdiff_t b) { return a > b ? a : b; }
 
 // Two rows a pass; the lower row of luma lands one width, not one pitch, below the upper. Blocks of 16 columns leave 1 to 16
 // columns, and the tail takes a step of a whole pair for each of them: both rows run as many columns past their end.
@@ -267,11 +271,11 @@ int32_t zivColorYUYVtoI420u8_2(const Image* srcImg, const Image* dstImg) {
     const PassRuns u{dstImg->plane[1], dstImg->pitch[1], pairs}, v{dstImg->plane[2], dstImg->pitch[2], pairs};
     if (always_apart(luma, u, passes) && always_apart(luma, v, passes) && always_apart(u, v, passes)) {
         const PassSource src{srcImg->plane[0], ptrdiff_t{2} * srcImg->pitch[0], srcImg->pitch[0]};
-        // What rows run past their end is left out where the next row brings the same or covers it.
-        const ptrdiff_t upper = src.to_lower == 2 * width ? width : columns, lower = luma.step == 2 * width ? width : columns;
-        const ptrdiff_t upper_pairs = larger(whole_pairs_up(upper) / 2, larger(bytes_left(u), bytes_left(v)));
-        unpack_passes(src, luma, width, u, v, upper_pairs, lower, 0, passes - 1);
-        unpack_passes(src, luma, width, u, v, pairs, columns, passes - 1, passes);
+        // In a tight image what rows run past their end is the next row's start.
+        const bool tight = src.to_lower == 2 * width && luma.step == 2 * width && 2 * u.step == width && 2 * v.step == width;
+        const ptrdiff_t trimmed = tight ? passes - 1 : 0;
+        unpack_passes(src, luma, width, u, v, width >> 1, 0, trimmed);
+        unpack_passes(src, luma, width, u, v, pairs, trimmed, passes);
         return zivStatus_OK;
     }
     for (ptrdiff_t pass = 0; pass < passes; pass++) {
@@ -295,7 +299,7 @@ int32_t zivColorYUYVtoI420u8(const uint8_t* yuvSrc, uint8_t* yuvDst, int32_t wid
     const ptrdiff_t row = width, pairs = width >> 1, columns = 2 * pairs, area = row * height;
     uint8_t* const u = yuvDst + area;
     unpack_passes({yuvSrc, 2 * (columns + row), 2 * row}, {yuvDst, columns + row, columns + row}, row, {u, pairs, pairs},
-                  {u + (area >> 2), pairs, pairs}, pairs, columns, 0, height >> 1);
+                  {u + (area >> 2), pairs, pairs}, pairs, 0, height >> 1);
     return zivStatus_OK;
 }
 

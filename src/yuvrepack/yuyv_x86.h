@@ -1,4 +1,4 @@
-// Y0 U Y1 V from luma and two planes of chroma on x86-64, for vectors of 32 and 64 bytes.
+// Y0 U Y1 V from luma and two planes of chroma and back on x86-64, for vectors of 32 and 64 bytes.
 #pragma once
 
 namespace zivcolor::ZIVCOLOR_TARGET::yuvrepack {
@@ -22,6 +22,23 @@ ZIV_INLINE void store_yuyv<32>(uint8_t* p, const Channels<32, 4>& parts) {
         store256(p + 64 * k, _mm256_unpacklo_epi8((__m256i)parts.c[k], (__m256i)parts.c[2 + k]));
         store256(p + 64 * k + 32, _mm256_unpackhi_epi8((__m256i)parts.c[k], (__m256i)parts.c[2 + k]));
     }
+}
+
+// The halves of a packed vector hold bytes of the same halves of both, and are put in order at the end.
+template <>
+ZIV_INLINE Channels<32, 4> load_yuyv<32>(const uint8_t* p) {
+    const __m256i low = _mm256_set1_epi16(0xFF), order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
+    __m256i luma[2], chroma[2];
+    for (int k = 0; k < 2; k++) {
+        const __m256i a = load256(p + 64 * k), b = load256(p + 64 * k + 32);
+        luma[k] = _mm256_packus_epi16(_mm256_and_si256(a, low), _mm256_and_si256(b, low));
+        chroma[k] = _mm256_packus_epi16(_mm256_srli_epi16(a, 8), _mm256_srli_epi16(b, 8));
+        luma[k] = _mm256_permute4x64_epi64(luma[k], 0xD8);
+    }
+    const __m256i u = _mm256_packus_epi16(_mm256_and_si256(chroma[0], low), _mm256_and_si256(chroma[1], low));
+    const __m256i v = _mm256_packus_epi16(_mm256_srli_epi16(chroma[0], 8), _mm256_srli_epi16(chroma[1], 8));
+    return {{(U8<32>)luma[0], (U8<32>)luma[1], (U8<32>)_mm256_permutevar8x32_epi32(u, order),
+             (U8<32>)_mm256_permutevar8x32_epi32(v, order)}};
 }
 
 #if ZIV_HAS_AVX512_VBMI
