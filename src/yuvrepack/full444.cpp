@@ -148,38 +148,41 @@ ZIV_INLINE void pack_columns(const uint8_t* luma0, const uint8_t* luma1, const u
     __builtin_memcpy(dst1 + 3 * j, lower, 3 * count);
 }
 
-}  // namespace
-
-int32_t zivColorNV21toYUVu8(const Image* srcImg, const Image* dstImg) {
-    if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_YUV, both_2x2)) return status;
-    const ptrdiff_t width = dstImg->width, even = width & ~ptrdiff_t{1}, height = dstImg->height;
-    const bool overlap = starts_inside(dstImg->pitch[0], 3 * even);
+// Two rows a pass. Where destination rows start inside one another, block by block.
+[[gnu::noinline]] void pack_rows(const uint8_t* luma, ptrdiff_t luma_pitch, const uint8_t* chroma, ptrdiff_t chroma_pitch,
+                                 uint8_t* dst, ptrdiff_t dst_pitch, ptrdiff_t width, ptrdiff_t height) {
+    const ptrdiff_t even = width & ~ptrdiff_t{1};
+    const bool overlap = starts_inside(dst_pitch, 3 * even);
     const bool prefetched = widest == 16 || width * height > 8192;  // less stays in the first level of the cache
-    for (ptrdiff_t i = 0; i < height; i += 2) {
-        const uint8_t* luma0 = plane_row(srcImg, 0, i);
-        const uint8_t* luma1 = luma0 + srcImg->pitch[0];
-        const uint8_t* chroma = plane_row(srcImg, 1, i >> 1);
-        uint8_t* dst0 = plane_row(dstImg, 0, i);
-        uint8_t* dst1 = dst0 + dstImg->pitch[0];
+    for (; height > 0; height -= 2, luma += 2 * luma_pitch, chroma += chroma_pitch, dst += 2 * dst_pitch) {
+        const uint8_t *luma0 = luma, *luma1 = luma + hidden_index(luma_pitch), *pairs = chroma;
+        uint8_t *dst0 = dst, *dst1 = dst + hidden_index(dst_pitch);
         if (overlap) [[unlikely]] {
-            by_blocks<16>(width,
-                          [=](auto step, ptrdiff_t k) { pack_columns<step.value>(luma0, luma1, chroma, dst0, dst1, k); });
+            by_blocks<16>(width, [=](auto step, ptrdiff_t k) { pack_columns<step.value>(luma0, luma1, pairs, dst0, dst1, k); });
             continue;
         }
         const auto pack = [=](auto step, ptrdiff_t k) ZIV_INLINE_BODY {
             constexpr int N = step.value;
-            auto pairs = packed_chroma<N>(chroma + k);
+            auto packed = packed_chroma<N>(pairs + k);
             if (prefetched) {
                 prefetch_writes<3 * N>(dst0 + 3 * k);
                 prefetch_writes<3 * N>(dst1 + 3 * k);
             }
-            store_packed444<N>(dst0 + 3 * k, luma0 + k, pairs);
-            store_packed444<N>(dst1 + 3 * k, luma1 + k, pairs);
+            store_packed444<N>(dst0 + 3 * k, luma0 + k, packed);
+            store_packed444<N>(dst1 + 3 * k, luma1 + k, packed);
         };
         ptrdiff_t j = for_steps(even, pack);
         if (j < even && even >= 16) pack(Step<16>{}, even - 16), j = even;
-        for (; j < width; j += 2) pack_columns<2>(luma0, luma1, chroma, dst0, dst1, j);
+        for (; j < width; j += 2) pack_columns<2>(luma0, luma1, pairs, dst0, dst1, j);
     }
+}
+
+}  // namespace
+
+int32_t zivColorNV21toYUVu8(const Image* srcImg, const Image* dstImg) {
+    if (const int32_t status = check(srcImg, dstImg, zivPixFmt_NV21, zivPixFmt_YUV, both_2x2)) return status;
+    pack_rows(srcImg->plane[0], srcImg->pitch[0], srcImg->plane[1], srcImg->pitch[1], dstImg->plane[0], dstImg->pitch[0],
+              dstImg->width, dstImg->height);
     return zivStatus_OK;
 }
 
