@@ -8,22 +8,35 @@ namespace zivcolor::ZIVCOLOR_TARGET::rgbrepack {
 
 namespace {
 
-// Calls row(source, destination, pixels) for every row of the destination; rows that follow each other without a gap on both
-// sides are one run of pixels. in and out are the bytes of a pixel.
+// Whether an image of so many pixels is converted with hints. Where it stays in the near caches they cost steps of 16 bytes
+// more than they bring.
+template <int in, int out>
+ZIV_INLINE bool is_prefetched(ptrdiff_t pixels) {
+    if constexpr (widest > 16 || ZIV_HAS_ADVANCED_SIMD || out == 2) return true;
+    return pixels * (in + out) > (in == 4 ? 1 << 20 : 1 << 15);
+}
+
+// Calls row(source, destination, pixels, is_prefetched) for every row of the destination; rows that follow each other without a
+// gap on both sides are one run of pixels. in and out are the bytes of a pixel.
 template <int in, int out, class Row>
 ZIV_INLINE void for_rows(const Image* srcImg, const Image* dstImg, Row row) {
     const ptrdiff_t width = dstImg->width, height = dstImg->height;
     const bool one_run = srcImg->pitch[0] == in * width && dstImg->pitch[0] == out * width;
     const ptrdiff_t rows = one_run ? 1 : height, pixels = one_run ? width * height : width;
+    const bool prefetched = is_prefetched<in, out>(width * height);
     for (ptrdiff_t i = 0; i < rows; i++)
-        row(row_at(srcImg->plane[0], i, srcImg->pitch[0]), row_at(dstImg->plane[0], i, dstImg->pitch[0]), pixels);
+        row(row_at(srcImg->plane[0], i, srcImg->pitch[0]), row_at(dstImg->plane[0], i, dstImg->pitch[0]), pixels, prefetched);
 }
 
 // Covers pixels 0 to blocked - 1 of a row, a multiple of 16, with steps: body(Step<n>{}, pixel). A store that crosses a cache
 // line costs the most: where the rows share no byte, the steps after the first start at an aligned destination, and the last
 // ends with the row, so that some pixels are written twice.
 template <int in, int out, class Body>
-ZIV_INLINE void for_pixel_steps(const uint8_t* src, uint8_t* dst, ptrdiff_t blocked, Body body) {
+ZIV_INLINE void for_pixel_steps(const uint8_t* src, uint8_t* dst, ptrdiff_t blocked, bool prefetched, Body body) {
+    if (!prefetched) {
+        for_steps(blocked, body);
+        return;
+    }
     const auto convert = [=](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         prefetch_reads<in * step.value>(src + in * j);
         if constexpr (widest == 16 && in == 3) prefetch_writes<out * step.value>(dst + out * j);
@@ -47,9 +60,9 @@ ZIV_INLINE void for_pixel_steps(const uint8_t* src, uint8_t* dst, ptrdiff_t bloc
 
 // ---- Outer channels exchanged: three bytes a pixel on both sides, which may be the same memory ----
 
-ZIV_INLINE void swap_row(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) {
+ZIV_INLINE void swap_row(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels, bool prefetched) {
     const ptrdiff_t blocked = blocked_columns<16>(pixels);
-    for_pixel_steps<3, 3>(src, dst, blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+    for_pixel_steps<3, 3>(src, dst, blocked, prefetched, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
         move_pixels<step.value, 3, 2, 1, 0>(dst + 3 * j, src + 3 * j);
     });
     for (ptrdiff_t j = blocked; j < pixels; j++) {
@@ -62,7 +75,9 @@ ZIV_INLINE void swap_row(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) {
 
 int32_t zivColorRGB888toBGR888u8_2(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check_sizes(srcImg, dstImg, destination_1x1)) return status;
-    for_rows<3, 3>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) { swap_row(src, dst, pixels); });
+    for_rows<3, 3>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels, bool prefetched) {
+        swap_row(src, dst, pixels, prefetched);
+    });
     return zivStatus_OK;
 }
 
@@ -70,7 +85,8 @@ int32_t zivColorRGB888toBGR888u8_2(const Image* srcImg, const Image* dstImg) {
 int32_t zivColorRGB888toBGR888u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height) {
     if (!pSrc || !pDst) return zivStatus_NullPointer;
     if (width < 1 || height < 1) return zivStatus_BadArgument;
-    swap_row(pSrc, pDst, static_cast<ptrdiff_t>(width * height));
+    const auto pixels = static_cast<ptrdiff_t>(width * height);
+    swap_row(pSrc, pDst, pixels, is_prefetched<3, 3>(pixels));
     return zivStatus_OK;
 }
 
@@ -80,9 +96,9 @@ int32_t zivColorRGBA8888toBGR888u8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_RGBA8888, zivPixFmt_BGR888, destination_1x1)) return status;
     // The alpha of a row's last pixel is not read where the row ends on single pixels behind the blocks of 8.
     const ptrdiff_t single = dstImg->width % 8 != 0;
-    for_rows<4, 3>(srcImg, dstImg, [=](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
+    for_rows<4, 3>(srcImg, dstImg, [=](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels, bool prefetched) ZIV_INLINE_BODY {
         const ptrdiff_t blocked = blocked_columns<16>(pixels - single);
-        for_pixel_steps<4, 3>(src, dst, blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        for_pixel_steps<4, 3>(src, dst, blocked, prefetched, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
             move_pixels<step.value, 4, 2, 1, 0>(dst + 3 * j, src + 4 * j);
         });
         for (ptrdiff_t j = blocked; j < pixels; j++) {
@@ -99,9 +115,9 @@ namespace {
 template <int r, int b>
 ZIV_INLINE int32_t to_argb(const Image* srcImg, const Image* dstImg, uint32_t source) {
     if (const int32_t status = check(srcImg, dstImg, source, zivPixFmt_ARGB8888, both_1x1)) return status;
-    for_rows<3, 4>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
+    for_rows<3, 4>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels, bool prefetched) ZIV_INLINE_BODY {
         const ptrdiff_t blocked = blocked_columns<16>(pixels);
-        for_pixel_steps<3, 4>(src, dst, blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        for_pixel_steps<3, 4>(src, dst, blocked, prefetched, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
             move_pixels<step.value, 3, opaque_alpha, r, 1, b>(dst + 4 * j, src + 3 * j);
         });
         for (ptrdiff_t j = blocked; j < pixels; j++) {
@@ -130,9 +146,9 @@ namespace {
 template <int high, int low>
 ZIV_INLINE int32_t to_565(const Image* srcImg, const Image* dstImg, uint32_t source, uint32_t destination) {
     if (const int32_t status = check(srcImg, dstImg, source, destination, both_2x2)) return status;
-    for_rows<3, 2>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) ZIV_INLINE_BODY {
+    for_rows<3, 2>(srcImg, dstImg, [](const uint8_t* src, uint8_t* dst, ptrdiff_t pixels, bool prefetched) ZIV_INLINE_BODY {
         const ptrdiff_t blocked = blocked_columns<16>(pixels);
-        for_pixel_steps<3, 2>(src, dst, blocked, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
+        for_pixel_steps<3, 2>(src, dst, blocked, prefetched, [&](auto step, ptrdiff_t j) ZIV_INLINE_BODY {
             pack_pixels_565<step.value, high, low>(dst + 2 * j, src + 3 * j);
         });
         for (ptrdiff_t j = blocked; j < pixels; j++) {
