@@ -49,6 +49,15 @@ ZIV_INLINE void prefetch_reads([[maybe_unused]] const uint8_t* p) {
 
 // ---- Rearrangements that loads and stores are made of ----
 
+// A vector as it is. clang joins the rearrangements before and after it to one that SSE2 has no instruction for.
+template <class V>
+ZIV_INLINE V opaque_shuffle(V v) {
+#if defined(__clang__) && defined(__SSE2__) && !ZIV_HAS_SSE4_2
+    asm("" : "+x"(v));
+#endif
+    return v;
+}
+
 // a0 b0 a1 b1 ... from the lower halves, or from the upper halves.
 template <int N>
 ZIV_INLINE U8<N> interleave_low(U8<N> a, U8<N> b) {
@@ -107,9 +116,9 @@ ZIV_INLINE Channels<N, 3> load_zipped3(const uint8_t* p) {
     U8<N> a = load<N>(p), b = load<N>(p + N), c = load<N>(p + 2 * N);
     for (int round = 0; round < rounds; round++) {
         const U8<N> middle = swap_halves<N>(b);
-        b = interleave_high<N>(a, swap_halves<N>(c));
-        a = interleave_low<N>(a, middle);
-        c = interleave_high<N>(middle, c);
+        b = opaque_shuffle(interleave_high<N>(a, swap_halves<N>(c)));
+        a = opaque_shuffle(interleave_low<N>(a, middle));
+        c = opaque_shuffle(interleave_high<N>(middle, c));
     }
     return {{a, b, c}};
 }
@@ -435,7 +444,7 @@ ZIV_INLINE U8<N> load_but_last(const uint8_t* p) {
 // The two bytes of every pair exchanged.
 template <int N>
 ZIV_INLINE U8<N> swap_pairs(U8<N> v) {
-    const U16<N> pairs = (U16<N>)v;
+    const U16<N> pairs = (U16<N>)opaque_shuffle(v);
     return (U8<N>)((pairs << 8) | (pairs >> 8));
 }
 

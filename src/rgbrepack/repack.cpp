@@ -13,6 +13,7 @@ namespace {
 template <int in, int out>
 ZIV_INLINE bool is_prefetched(ptrdiff_t pixels) {
     if constexpr (widest > 16 || ZIV_HAS_ADVANCED_SIMD || out == 2) return true;
+    if constexpr (!ZIV_HAS_SSE4_2) return in == 3;
     return pixels * (in + out) > (in == 4 ? 1 << 20 : 1 << 15);
 }
 
