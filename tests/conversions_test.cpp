@@ -84,6 +84,17 @@ TEST_P(Conversions, PaddedUnequalPitches) {
     });
 }
 
+// Where all planes but one are tight, a kernel must not take the image for one run.
+TEST_P(Conversions, OnePaddedPlane) {
+    const Conversion& c = GetParam();
+    every_small_size([&](ImagePair& p, Random& random) {
+        const int plane = random.below(plane_count(c.source) + plane_count(c.destination));
+        const int padding = random.between(1, 40);
+        if (plane < plane_count(c.source)) p.source_pitch[plane] += padding;
+        else p.destination_pitch[plane - plane_count(c.source)] += padding;
+    });
+}
+
 TEST_P(Conversions, NegativePitches) {
     every_small_size([](ImagePair& p, Random& random) { negate_some_pitches(p, random, 5); });
 }

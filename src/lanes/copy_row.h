@@ -130,7 +130,10 @@ ZIV_INLINE void copy_middle_rows(const uint8_t* src, ptrdiff_t src_pitch, uint8_
         if (columns <= 4 * N) return copy_short_rows<N, 4>(src, src_pitch, dst, dst_pitch, columns, rows);
         return copy_middle_rows<N>(src, src_pitch, dst, dst_pitch, columns, rows);
     }
-    for (; rows > 0; rows--, src += src_pitch, dst += dst_pitch) copy_row(src, dst, columns);
+    for (; rows > 0; rows--, src += src_pitch, dst += dst_pitch) {
+        if constexpr (ZIV_HAS_ADVANCED_SIMD) copy_one_row(src, dst, columns);
+        else copy_row(src, dst, columns);
+    }
 }
 
 }  // namespace zivcolor::ZIVCOLOR_TARGET

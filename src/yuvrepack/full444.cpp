@@ -157,6 +157,8 @@ ZIV_INLINE void pack_columns(const uint8_t* luma0, const uint8_t* luma1, const u
     for (; height > 0; height -= 2, luma += 2 * luma_pitch, chroma += chroma_pitch, dst += 2 * dst_pitch) {
         const uint8_t *luma0 = luma, *luma1 = luma + hidden_index(luma_pitch), *pairs = chroma;
         uint8_t *dst0 = dst, *dst1 = dst + hidden_index(dst_pitch);
+        // Pointers of the row's own, which its stores step on.
+        if constexpr (ZIV_HAS_ADVANCED_SIMD) asm("" : "+r"(dst0), "+r"(dst1));
         if (overlap) [[unlikely]] {
             by_blocks<16>(width, [=](auto step, ptrdiff_t k) { pack_columns<step.value>(luma0, luma1, pairs, dst0, dst1, k); });
             continue;
