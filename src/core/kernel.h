@@ -52,10 +52,10 @@ ZIV_INLINE ptrdiff_t blocked_columns(ptrdiff_t width) {
 
 ZIV_INLINE int clamp_byte(int value) { return value < 0 ? 0 : value > 255 ? 255 : value; }
 
-// A step of a pass: `value` bytes in each vector.
-template <int bytes>
+// A step of a pass: `value` bytes in each vector, and its hints are for `hinted` of them on behalf of the steps beside it.
+template <int bytes, int hinted_bytes = bytes>
 struct Step {
-    static constexpr int value = bytes;
+    static constexpr int value = bytes, hinted = hinted_bytes;
 };
 
 // A column hidden from compilers that would carry an address of its own through the loop for every row and register.

@@ -32,19 +32,19 @@ struct ShortLoad {
 template <int channel>
 struct ToPlane {
     uint8_t* dst;
-    template <int N, class Vectors>
-    ZIV_INLINE void operator()(Step<N>, const Vectors& v, ptrdiff_t j) const {
-        prefetch_writes<N>(dst + j);
+    template <class Size, class Vectors>
+    ZIV_INLINE void operator()(Size, const Vectors& v, ptrdiff_t j) const {
+        prefetch_writes<Size::hinted>(dst + j);
         store(dst + j, v.c[channel]);
     }
 };
 template <int first, int second>
 struct ToPairs {
     uint8_t* dst;
-    template <int N, class Vectors>
-    ZIV_INLINE void operator()(Step<N>, const Vectors& v, ptrdiff_t j) const {
-        prefetch_writes<2 * N>(dst + 2 * j);
-        store2<N>(dst + 2 * j, v.c[first], v.c[second]);
+    template <class Size, class Vectors>
+    ZIV_INLINE void operator()(Size, const Vectors& v, ptrdiff_t j) const {
+        prefetch_writes<2 * Size::hinted>(dst + 2 * j);
+        store2<Size::value>(dst + 2 * j, v.c[first], v.c[second]);
     }
 };
 
@@ -73,15 +73,21 @@ ZIV_INLINE auto lead_of(const uint8_t* dst) {
     return lead;
 }
 
+// Stores vectors i and later ones. Of those that stand side by side, one in every line has the hints for all.
+template <int N, bool side_by_side, int i, class Vectors, int vectors, class Store>
+ZIV_INLINE void store_vectors(const Vectors (&v)[vectors], ptrdiff_t j, ptrdiff_t distance, Store store) {
+    constexpr int line = vectors * N < 64 ? vectors * N : 64;
+    constexpr int hinted = !side_by_side || N >= 64 ? N : i * N % line == 0 ? line : 0;
+    store(Step<N, hinted>{}, v[i], j + i * distance);
+    if constexpr (i + 1 < vectors) store_vectors<N, side_by_side, i + 1>(v, j, distance, store);
+}
+
 // Vectors from samples j, j + distance and so on, all loaded before the first is stored.
-template <int N, int vectors, class Load, class... Store>
+template <int N, int vectors, bool side_by_side = true, class Load, class... Store>
 ZIV_INLINE void move_vectors(ptrdiff_t j, ptrdiff_t distance, Load load, Store... store) {
     decltype(load(Step<N>{}, WholeLoad{}, j)) v[vectors];
     for (int i = 0; i < vectors; i++) v[i] = load(Step<N>{}, WholeLoad{}, j + i * distance);
-    const auto store_all = [&](auto store_one) ZIV_INLINE_BODY {
-        for (int i = 0; i < vectors; i++) store_one(Step<N>{}, v[i], j + i * distance);
-    };
-    (store_all(store), ...);
+    (store_vectors<N, side_by_side, 0>(v, j, distance, store), ...);
 }
 
 // Moves samples 0 to count - 1, if they are 16 or more, and returns how many were moved: all or none. load(step, end, j)
@@ -106,7 +112,7 @@ ZIV_INLINE ptrdiff_t move_row(ptrdiff_t count, Lead<most> lead, Load load, Store
     const ptrdiff_t whole = count - End::short_of_end;
     ptrdiff_t j = 0;
     if (lead.samples != 0 && lead.samples + narrow <= whole) {
-        move_vectors<narrow, 2>(0, lead.samples, load, store...);
+        move_vectors<narrow, 2, false>(0, lead.samples, load, store...);
         j = lead.samples + narrow;
     }
     if constexpr (vectors > 1)
