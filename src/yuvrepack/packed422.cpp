@@ -253,11 +253,16 @@ struct PassSource {
 // Passes `first` to `last` - 1, of so many pairs of columns.
 [[gnu::noinline]] inline void unpack_passes(PassSource src, PassRuns luma, ptrdiff_t to_lower, PassRuns u, PassRuns v,
                                             ptrdiff_t pairs, ptrdiff_t first, ptrdiff_t last) {
-    for (ptrdiff_t pass = first; pass < last; pass++) {
-        const uint8_t* src0 = src.first + hidden_index(pass * src.step);
-        uint8_t* luma0 = luma.first + hidden_index(pass * luma.step);
-        unpack_runs_planar(src0, src0 + src.to_lower, luma0, luma0 + to_lower, u.first + hidden_index(pass * u.step),
-                           v.first + hidden_index(pass * v.step), pairs);
+    const uint8_t* src0 = src.first + first * src.step;
+    uint8_t *luma0 = luma.at(first), *u0 = u.at(first), *v0 = v.at(first);
+    for (ptrdiff_t passes = last - first; passes > 0; passes--) {
+        // Addresses of this pass, which compilers would else keep for each row and vector from pass to pass.
+        asm("" : "+r"(src0), "+r"(luma0), "+r"(u0), "+r"(v0));
+        unpack_runs_planar(src0, src0 + src.to_lower, luma0, luma0 + to_lower, u0, v0, pairs);
+        src0 += src.step;
+        luma0 += luma.step;
+        u0 += u.step;
+        v0 += v.step;
     }
 }
 
