@@ -27,40 +27,57 @@ ZIV_INLINE void for_row_pairs_444(const Image* srcImg, const Image* dstImg, Rows
     }
 }
 
-// To 4:2:0: the destination's chroma runs on from row to row without a pitch. chroma_row(u, v, pair, pairs) writes pairs of
-// chroma from number `pair` on.
-template <class ChromaRow>
-ZIV_INLINE int32_t convert_444_to_420(const Image* srcImg, const Image* dstImg, uint32_t destination, ChromaRow chroma_row) {
+// To 4:2:0: the destination's chroma runs on from row to row without a pitch.
+template <class ChromaRows>
+ZIV_INLINE int32_t convert_444_to_420(const Image* srcImg, const Image* dstImg, uint32_t destination, ChromaRows chroma_rows) {
     if (const int32_t status = check_planar444(srcImg, dstImg, destination)) return status;
-    copy_row_pairs<2>(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], dstImg->width & ~1,
-                      dstImg->height & ~1);
-    for_row_pairs_444(srcImg, dstImg, [&](ptrdiff_t i, const uint8_t* u, const uint8_t* v, ptrdiff_t columns) {
-        chroma_row(u, v, (i >> 1) * (columns >> 1), columns >> 1);
-    });
+    const ptrdiff_t columns = dstImg->width & ~1, rows = dstImg->height >> 1;
+    copy_row_pairs<2>(srcImg->plane[0], srcImg->pitch[0], dstImg->plane[0], dstImg->pitch[0], columns, 2 * rows);
+    chroma_rows(columns >> 1, rows);
     return zivStatus_OK;
+}
+
+// The chroma of even rows, `step` apart.
+[[gnu::noinline]] void subsample_planar(const uint8_t* u, ptrdiff_t u_step, const uint8_t* v, ptrdiff_t v_step, uint8_t* dst_u,
+                                        uint8_t* dst_v, ptrdiff_t pairs, ptrdiff_t rows) {
+    for (; rows > 0; rows--, u += u_step, v += v_step, dst_u += pairs, dst_v += pairs) {
+        asm("" : "+r"(u), "+r"(v), "+r"(dst_u), "+r"(dst_v));  // or else compilers keep the addresses of each vector
+        even_runs(u, v, dst_u, dst_v, pairs);
+    }
+}
+[[gnu::noinline]] void subsample_pairs(const uint8_t* first, ptrdiff_t first_step, const uint8_t* second, ptrdiff_t second_step,
+                                       uint8_t* dst, ptrdiff_t pairs, ptrdiff_t rows) {
+    for (; rows > 0; rows--, first += first_step, second += second_step, dst += 2 * pairs) {
+        asm("" : "+r"(first), "+r"(second), "+r"(dst));
+        interleave_even_run(first, second, dst, pairs);
+    }
+}
+
+// The source's chroma pointers move by the columns walked and one pitch a pair of rows. first is the plane of the samples that
+// stand first in the destination's pairs.
+ZIV_INLINE int32_t convert_444_to_semiplanar(const Image* srcImg, const Image* dstImg, uint32_t destination, int first) {
+    return convert_444_to_420(srcImg, dstImg, destination, [=](ptrdiff_t pairs, ptrdiff_t rows) {
+        const int second = 3 - first;
+        subsample_pairs(srcImg->plane[first], 2 * pairs + srcImg->pitch[first], srcImg->plane[second],
+                        2 * pairs + srcImg->pitch[second], dstImg->plane[1], pairs, rows);
+    });
 }
 
 }  // namespace
 
 int32_t zivColorI444toI420u8(const Image* srcImg, const Image* dstImg) {
-    return convert_444_to_420(srcImg, dstImg, zivPixFmt_I420,
-                              [=](const uint8_t* u, const uint8_t* v, ptrdiff_t pair, ptrdiff_t pairs) {
-                                  even_runs(u, v, dstImg->plane[1] + pair, dstImg->plane[2] + pair, pairs);
-                              });
+    return convert_444_to_420(srcImg, dstImg, zivPixFmt_I420, [=](ptrdiff_t pairs, ptrdiff_t rows) {
+        subsample_planar(srcImg->plane[1], 2 * pairs + srcImg->pitch[1], srcImg->plane[2], 2 * pairs + srcImg->pitch[2],
+                         dstImg->plane[1], dstImg->plane[2], pairs, rows);
+    });
 }
 
 int32_t zivColorI444toNV21u8(const Image* srcImg, const Image* dstImg) {
-    return convert_444_to_420(srcImg, dstImg, zivPixFmt_NV21,
-                              [=](const uint8_t* u, const uint8_t* v, ptrdiff_t pair, ptrdiff_t pairs) {
-                                  interleave_even_run(v, u, dstImg->plane[1] + 2 * pair, pairs);
-                              });
+    return convert_444_to_semiplanar(srcImg, dstImg, zivPixFmt_NV21, 2);
 }
 
 int32_t zivColorI444toNV12u8(const Image* srcImg, const Image* dstImg) {
-    return convert_444_to_420(srcImg, dstImg, zivPixFmt_NV12,
-                              [=](const uint8_t* u, const uint8_t* v, ptrdiff_t pair, ptrdiff_t pairs) {
-                                  interleave_even_run(u, v, dstImg->plane[1] + 2 * pair, pairs);
-                              });
+    return convert_444_to_semiplanar(srcImg, dstImg, zivPixFmt_NV12, 1);
 }
 
 // Both rows of a pair take the chroma of the upper one.

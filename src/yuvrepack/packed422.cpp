@@ -116,12 +116,13 @@ template <PairOrder order>
 [[gnu::noinline]] void unpack_rows(const uint8_t* src, ptrdiff_t src_pitch, uint8_t* luma, ptrdiff_t luma_pitch,
                                    uint8_t* chroma, ptrdiff_t chroma_pitch, ptrdiff_t columns, ptrdiff_t height) {
     for (ptrdiff_t i = 0; i < height; i += 2) {
-        const uint8_t* src0 = src + hidden_index(i * src_pitch);
-        uint8_t* luma0 = luma + hidden_index(i * luma_pitch);
-        uint8_t* chroma0 = chroma + hidden_index((i >> 1) * chroma_pitch);
-        if constexpr (order == PairOrder::vu) unpack_run_vu(src0, luma0, chroma0, columns);
-        else split_run(src0, luma0, chroma0, columns);
-        if (i + 1 < height) even_run(src0 + src_pitch, luma0 + luma_pitch, columns);
+        asm("" : "+r"(src), "+r"(luma), "+r"(chroma));  // or else compilers keep the addresses of each row and vector
+        if constexpr (order == PairOrder::vu) unpack_run_vu(src, luma, chroma, columns);
+        else split_run(src, luma, chroma, columns);
+        if (i + 1 < height) even_run(src + src_pitch, luma + luma_pitch, columns);
+        src += 2 * src_pitch;
+        luma += 2 * luma_pitch;
+        chroma += chroma_pitch;
     }
 }
 
@@ -256,8 +257,7 @@ struct PassSource {
     const uint8_t* src0 = src.first + first * src.step;
     uint8_t *luma0 = luma.at(first), *u0 = u.at(first), *v0 = v.at(first);
     for (ptrdiff_t passes = last - first; passes > 0; passes--) {
-        // Addresses of this pass, which compilers would else keep for each row and vector from pass to pass.
-        asm("" : "+r"(src0), "+r"(luma0), "+r"(u0), "+r"(v0));
+        asm("" : "+r"(src0), "+r"(luma0), "+r"(u0), "+r"(v0));  // or else compilers keep the addresses of each row and vector
         unpack_runs_planar(src0, src0 + src.to_lower, luma0, luma0 + to_lower, u0, v0, pairs);
         src0 += src.step;
         luma0 += luma.step;
