@@ -116,10 +116,12 @@ template <PairOrder order>
 [[gnu::noinline]] void unpack_rows(const uint8_t* src, ptrdiff_t src_pitch, uint8_t* luma, ptrdiff_t luma_pitch,
                                    uint8_t* chroma, ptrdiff_t chroma_pitch, ptrdiff_t columns, ptrdiff_t height) {
     for (ptrdiff_t i = 0; i < height; i += 2) {
-        asm("" : "+r"(src), "+r"(luma), "+r"(chroma));  // or else compilers keep the addresses of each row and vector
-        if constexpr (order == PairOrder::vu) unpack_run_vu(src, luma, chroma, columns);
-        else split_run(src, luma, chroma, columns);
-        if (i + 1 < height) even_run(src + src_pitch, luma + luma_pitch, columns);
+        const uint8_t* src0 = src;
+        uint8_t *luma0 = luma, *chroma0 = chroma;
+        asm("" : "+r"(src0), "+r"(luma0), "+r"(chroma0));  // or else compilers keep the addresses of each row and vector
+        if constexpr (order == PairOrder::vu) unpack_run_vu(src0, luma0, chroma0, columns);
+        else split_run(src0, luma0, chroma0, columns);
+        if (i + 1 < height) even_run(src0 + src_pitch, luma0 + luma_pitch, columns);
         src += 2 * src_pitch;
         luma += 2 * luma_pitch;
         chroma += chroma_pitch;
