@@ -101,7 +101,7 @@ struct Engine {
 void acquire(Lock& lock) {
     for (int i = 0; i < 10; ++i) {
         if (lock.try_lock()) return;
-        yield();
+        pause();
     }
     lock.lock();
 }
@@ -198,12 +198,17 @@ bool is_on(const Engine& engine, int32_t cpu) {
     return cpu >= 0 && std::find(engine.cpus, end, cpu) != end;
 }
 
+// True on the CPU of the worker's caller, or of a thread that runs tasks.
+bool is_among_others(const Engine& engine, const Worker& self) {
+    const int32_t cpu = this_cpu();
+    return (cpu >= 0 && cpu == self.caller_cpu) || is_on(engine, cpu);
+}
+
 // A called worker has come.
 void arrive(Engine& engine, Worker& self, Lock& lock) {
-    const int32_t cpu = this_cpu();
-    if ((cpu >= 0 && cpu == self.caller_cpu) || is_on(engine, cpu)) {
+    if (is_among_others(engine, self)) {
         lock.unlock();
-        self.avoided_cpu = leave_cpu(cpu, self.avoided_cpu);
+        self.avoided_cpu = leave_cpu(this_cpu(), self.avoided_cpu);
         acquire(lock);
     }
     self.called.store(false, relaxed);
@@ -220,14 +225,14 @@ bool sleep(Engine& engine, Worker& self, Lock& lock) {
     return true;
 }
 
-// Returns true if the worker has been called meanwhile, or finds tasks.
+// Returns true if the worker has been called meanwhile, or finds tasks. It does not spin where another thread would run.
 bool spin(Engine& engine, Worker& self, Lock& lock) {
-    if (engine.spinning.load(relaxed)) return false;
+    if (engine.spinning.load(relaxed) || is_among_others(engine, self)) return false;
     engine.spinning.store(&self, relaxed);
     lock.unlock();
     // That it was called is read again under the lock, so this load orders nothing.
     const auto end = Clock::now() + spin_time;
-    while (!is_called(self) && Clock::now() < end) yield();
+    while (!is_called(self) && Clock::now() < end) pause();
     acquire(lock);
     if (engine.spinning.load(relaxed) == &self) {
         engine.spinning.store(nullptr, relaxed);
@@ -289,11 +294,11 @@ int32_t start_workers(Engine& engine, int32_t wanted) {
     return wanted;
 }
 
-// Yields until the task has finished, or for as long as a thread may spin.
+// Until the task has finished, or for as long as a thread may spin.
 template <class Unfinished>
 void spin_while(const Unfinished& unfinished) {
     const auto end = Clock::now() + spin_time;
-    while (unfinished() && Clock::now() < end) yield();
+    while (unfinished() && Clock::now() < end) pause();
 }
 
 void sleep_on(Engine& engine, Task& task, int32_t id, Lock& lock) {

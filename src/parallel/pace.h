@@ -17,7 +17,7 @@ using Duration = std::chrono::nanoseconds;
 // The order of all hints.
 constexpr auto relaxed = std::memory_order_relaxed;
 
-// How long a thread that has run out of work yields, in the hope of more, before it sleeps.
+// How long a thread that has run out of work spins, in the hope of more, before it sleeps.
 constexpr Duration spin_time = std::chrono::microseconds(50);
 
 // From the call of a worker to its first task: one that spins, and at best one that sleeps. How long that takes is learnt: an

@@ -17,6 +17,16 @@ using Condition = std::condition_variable;
 using Mutex = std::mutex;
 using Thread = std::thread;
 
+// Lets other threads have the CPU, for milliseconds if one of another program is ready.
 inline void yield() { std::this_thread::yield(); }
+
+// A moment of a loop that waits for another CPU.
+inline void pause() {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#elif defined(__aarch64__)
+    asm volatile("isb");
+#endif
+}
 
 }  // namespace zivcolor

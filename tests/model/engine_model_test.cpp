@@ -902,6 +902,19 @@ TEST_F(EngineModel, AWorkerThatMovesHoldsNoLock) {
     });
 }
 
+// Where there is no other CPU, a worker that has run out of work leaves this one to its caller.
+TEST_F(EngineModel, NobodySpinsOnTheCpuOfAnother) {
+    host.cpus = 1;
+    EXPECT_SIMULATED([] {
+        const Engine engine;
+        Job job{10ms};
+        const int32_t id = engine.add(job);
+        model::spend(20ms);
+        expect(job.ran_by > 0 && model::counts.yields[job.ran_by] == 0, "the worker has spun");
+        engine.wait(id, job);
+    });
+}
+
 // To leave a CPU, a worker has to run there: its caller yields once when it has woken it, and once while it waits for it.
 TEST_F(EngineModel, AWorkerIsLetBy) {
     host.cpus = 2;

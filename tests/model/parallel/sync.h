@@ -12,5 +12,6 @@ using Condition = model::Condition;
 using Mutex = model::Mutex;
 using Thread = model::Thread;
 using model::yield;
+inline void pause() { model::yield(); }
 
 }  // namespace zivcolor
