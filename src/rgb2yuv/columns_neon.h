@@ -16,16 +16,17 @@ template <>
 struct Luma<32> {
     uint8x16_t part[2];
 };
-struct LumaQ7Of16 {
+// Luma of scale 2^8 and a half: its upper bytes are the rounded luma.
+struct LumaQ8Of16 {
     uint16x8_t lo, hi;
 };
 template <>
 struct LumaQ7<16> {
-    U16<16> lo, hi;
+    LumaQ8Of16 part[1];
 };
 template <>
 struct LumaQ7<32> {
-    LumaQ7Of16 part[2];
+    LumaQ8Of16 part[2];
 };
 template <>
 struct ChromaPairs<32> {
@@ -71,32 +72,54 @@ ZIV_INLINE Luma<32> luma_q6(const Pixels<32, c>& pixels) {
     return {{luma_q6_of_16<w, shared>(pixels.part[0].c), luma_q6_of_16<w, shared>(pixels.part[1].c)}};
 }
 
-// S >> 8 is the sum by the upper bytes of the weights plus the sum by their lower bytes >> 8, and either fits 16 bits.
+// Sums start from constants in memory: what makes them anew elsewhere are the vector units, which are the busy ones. Compilers
+// would copy a register; `after` ties the loads to a step of the loop.
+struct TwoSums {
+    uint16x8_t lo, hi;
+};
+ZIV_INLINE TwoSums load_twice(const uint16_t (&lanes)[8], uint8x16_t after) {
+    TwoSums sums;
+    asm("ldr %q0, %2\n\t"
+        "ldr %q1, %2"
+        : "=&w"(sums.lo), "=w"(sums.hi)
+        : "Q"(lanes), "w"(after));
+    return sums;
+}
+alignas(16) inline constexpr uint16_t half_q15[8] = {16384, 16384, 16384, 16384, 16384, 16384, 16384, 16384};
+alignas(16) inline constexpr uint16_t centre_q8[8] = {32768, 32768, 32768, 32768, 32768, 32768, 32768, 32768};
+
+// (S + 2^14) >> 7 is the sum by the upper bits of the weights plus the sum by their lower 7 bits and 2^14, >> 7; either fits 16
+// bits.
 template <Weights w>
-ZIV_INLINE LumaQ7Of16 luma_q7_of_16(const U8<16>* channels) {
-    static_assert((w.c0 >> 8) + (w.c1 >> 8) + (w.c2 >> 8) < 256 && (w.c0 & 255) + (w.c1 & 255) + (w.c2 & 255) <= 257);
+ZIV_INLINE LumaQ8Of16 luma_q8_of_16(const U8<16>* channels) {
+    constexpr int most_lower = 255 * ((w.c0 & 127) + (w.c1 & 127) + (w.c2 & 127)) + 16384;
+    static_assert(most_lower < 65536 && 255 * ((w.c0 >> 7) + (w.c1 >> 7) + (w.c2 >> 7)) + (most_lower >> 7) < 65536);
     const uint8x16_t c0 = (uint8x16_t)channels[0], c1 = (uint8x16_t)channels[1], c2 = (uint8x16_t)channels[2];
-    const uint8x16_t u0 = vdupq_n_u8(w.c0 >> 8), u1 = vdupq_n_u8(w.c1 >> 8), u2 = vdupq_n_u8(w.c2 >> 8);
-    const uint8x16_t l0 = vdupq_n_u8(w.c0 & 255), l1 = vdupq_n_u8(w.c1 & 255), l2 = vdupq_n_u8(w.c2 & 255);
+    const uint8x16_t u0 = vdupq_n_u8(w.c0 >> 7), u1 = vdupq_n_u8(w.c1 >> 7), u2 = vdupq_n_u8(w.c2 >> 7);
+    const uint8x16_t l0 = vdupq_n_u8(w.c0 & 127), l1 = vdupq_n_u8(w.c1 & 127), l2 = vdupq_n_u8(w.c2 & 127);
     const auto low = [](uint8x16_t v) ZIV_INLINE_BODY { return vget_low_u8(v); };
-    uint16x8_t lo = vmlal_u8(vmlal_u8(vmull_u8(low(c1), low(l1)), low(c0), low(l0)), low(c2), low(l2));
-    uint16x8_t hi = vmlal_high_u8(vmlal_high_u8(vmull_high_u8(c1, l1), c0, l0), c2, l2);
-    lo = vmlal_u8(vmlal_u8(vmlal_u8(vshrq_n_u16(lo, 8), low(c1), low(u1)), low(c0), low(u0)), low(c2), low(u2));
-    hi = vmlal_high_u8(vmlal_high_u8(vmlal_high_u8(vshrq_n_u16(hi, 8), c1, u1), c0, u0), c2, u2);
-    return {lo, hi};
+    TwoSums sums = load_twice(half_q15, c0);
+    sums.lo = vmlal_u8(vmlal_u8(vmlal_u8(sums.lo, low(c1), low(l1)), low(c0), low(l0)), low(c2), low(l2));
+    sums.hi = vmlal_high_u8(vmlal_high_u8(vmlal_high_u8(sums.hi, c1, l1), c0, l0), c2, l2);
+    const uint16x8_t lo = vmlal_u8(vmlal_u8(vmull_u8(low(c1), low(u1)), low(c0), low(u0)), low(c2), low(u2));
+    const uint16x8_t hi = vmlal_high_u8(vmlal_high_u8(vmull_high_u8(c1, u1), c0, u0), c2, u2);
+    return {vsraq_n_u16(lo, sums.lo, 7), vsraq_n_u16(hi, sums.hi, 7)};
 }
 template <Weights w>
 ZIV_INLINE LumaQ7<16> luma_q7(const Pixels<16, 3>& pixels) {
-    const LumaQ7Of16 q7 = luma_q7_of_16<w>(pixels.channels.c);
-    return {(U16<16>)q7.lo, (U16<16>)q7.hi};
+    return {{luma_q8_of_16<w>(pixels.channels.c)}};
 }
 template <Weights w>
 ZIV_INLINE LumaQ7<32> luma_q7(const Pixels<32, 3>& pixels) {
-    return {{luma_q7_of_16<w>(pixels.part[0].c), luma_q7_of_16<w>(pixels.part[1].c)}};
+    return {{luma_q8_of_16<w>(pixels.part[0].c), luma_q8_of_16<w>(pixels.part[1].c)}};
 }
-ZIV_INLINE uint8x16_t round_q7(LumaQ7Of16 luma) { return vrshrn_high_n_u16(vrshrn_n_u16(luma.lo, 7), luma.hi, 7); }
-ZIV_INLINE Luma<16> rounded(const LumaQ7<16>& luma) { return {(U8<16>)round_q7({(uint16x8_t)luma.lo, (uint16x8_t)luma.hi})}; }
-ZIV_INLINE Luma<32> rounded(const LumaQ7<32>& luma) { return {{round_q7(luma.part[0]), round_q7(luma.part[1])}}; }
+ZIV_INLINE uint8x16_t upper_bytes(uint16x8_t lo, uint16x8_t hi) {
+    return vuzp2q_u8(vreinterpretq_u8_u16(lo), vreinterpretq_u8_u16(hi));
+}
+ZIV_INLINE Luma<16> rounded(const LumaQ7<16>& luma) { return {(U8<16>)upper_bytes(luma.part[0].lo, luma.part[0].hi)}; }
+ZIV_INLINE Luma<32> rounded(const LumaQ7<32>& luma) {
+    return {{upper_bytes(luma.part[0].lo, luma.part[0].hi), upper_bytes(luma.part[1].lo, luma.part[1].hi)}};
+}
 
 // The whole luma by fewer products, as they are what cores have the fewest units for: the first weight is 2^12 - 2^8 less the
 // rest.
@@ -117,7 +140,7 @@ ZIV_INLINE uint8x16_t luma_q15_of_16(const U8<16>* channels) {
     const auto add_lower = [](uint16x8_t upper, uint16x8_t lower) ZIV_INLINE_BODY {
         return vreinterpretq_u16_s16(vsraq_n_s16(vreinterpretq_s16_u16(upper), vreinterpretq_s16_u16(lower), 8));
     };
-    return round_q7({add_lower(upper_lo, lower_lo), add_lower(upper_hi, lower_hi)});
+    return vrshrn_high_n_u16(vrshrn_n_u16(add_lower(upper_lo, lower_lo), 7), add_lower(upper_hi, lower_hi), 7);
 }
 template <Weights w>
 ZIV_INLINE Luma<16> luma_q15(const Pixels<16, 3>& pixels) {
@@ -140,7 +163,8 @@ ZIV_INLINE S16<16> even_columns(const Pixels<16, c>& pixels, int channel) {
     return (S16<16>)even_bytes<16>(pixels.channels.c[channel]);
 }
 ZIV_INLINE S16<16> even_columns(const LumaQ7<16>& luma) {
-    return (S16<16>)vuzp1q_u16((uint16x8_t)luma.lo, (uint16x8_t)luma.hi);
+    const uint16x8_t even = vuzp1q_u16(luma.part[0].lo, luma.part[0].hi);
+    return (S16<16>)vsubq_u16(vshrq_n_u16(even, 1), vdupq_n_u16(64));
 }
 template <int c>
 ZIV_INLINE uint8x16_t even_columns(const Pixels<32, c>& pixels, int channel) {
@@ -164,9 +188,42 @@ ZIV_INLINE uint8x16_t narrowed_difference(uint16x8_t lo, uint16x8_t hi) {
     else
         return centred(vqshrn_high_n_s16(vqshrn_n_s16(vreinterpretq_s16_u16(lo), s.shift), vreinterpretq_s16_u16(hi), s.shift));
 }
+template <ShiftedWeight s>
+inline constexpr bool is_nine_sixteenths = s.weight << (8 - s.shift) == 9 << 4;
+
+// Byte 0 by products with its centre in them, byte 2 without leaving bytes: nine sixteenths of a difference 2 h + p, p being 0
+// or 1, are h + (((h >> 2) + p) >> 1). In the order of in-order cores, which take one chain between the instructions of the
+// other.
+template <ShiftedWeight s0>
+ZIV_INLINE ChromaPairs<32> product_and_nine_sixteenths(uint8x16_t c0, uint8x16_t c2, uint8x16_t luma) {
+    const uint8x16_t weight = weights_of_difference<s0>();
+    auto [lo, hi] = load_twice(centre_q8, c0);
+    lo = vmlal_u8(lo, vget_low_u8(c0), vget_low_u8(weight));
+    hi = vmlal_high_u8(hi, c0, weight);
+    uint8x16_t sum, eighth, parity;
+    asm("uhsub %2.16b, %5.16b, %6.16b\n\t"
+        "eor %4.16b, %5.16b, %6.16b\n\t"
+        "umlsl %0.8h, %6.8b, %7.8b\n\t"
+        "umlsl2 %1.8h, %6.16b, %7.16b\n\t"
+        "sshr %3.16b, %2.16b, #2\n\t"
+        "and %4.16b, %4.16b, %8.16b\n\t"
+        "eor %2.16b, %2.16b, %9.16b\n\t"
+        "shadd %3.16b, %3.16b, %4.16b\n\t"
+        "uzp2 %0.16b, %0.16b, %1.16b\n\t"
+        "usqadd %2.16b, %3.16b"
+        : "+&w"(lo), "+&w"(hi), "=&w"(sum), "=&w"(eighth), "=&w"(parity)
+        : "w"(c2), "w"(luma), "w"(weight), "w"(vdupq_n_u8(1)), "w"(vdupq_n_u8(128)));
+    return {vreinterpretq_u8_u16(lo), sum};
+}
+
 // Of two colours at once: left to itself a compiler takes one after the other, and in-order cores wait for each product.
 template <ShiftedWeight s0, ShiftedWeight s2>
 ZIV_INLINE ChromaPairs<32> scaled_differences(uint8x16_t c0, uint8x16_t c2, uint8x16_t luma) {
+    if constexpr (is_nine_sixteenths<s2> && upper_byte_tells<s0>) return product_and_nine_sixteenths<s0>(c0, c2, luma);
+    if constexpr (is_nine_sixteenths<s0> && upper_byte_tells<s2>) {
+        const ChromaPairs<32> swapped = product_and_nine_sixteenths<s2>(c2, c0, luma);
+        return {swapped.c2, swapped.c0};
+    }
     const uint8x16_t w0 = weights_of_difference<s0>(), w2 = weights_of_difference<s2>();
     const auto low = [](uint8x16_t v) ZIV_INLINE_BODY { return vget_low_u8(v); };
     uint16x8_t lo0 = vmlsl_u8(vmull_u8(low(c0), low(w0)), low(luma), low(w0));
@@ -205,21 +262,24 @@ ZIV_INLINE ChromaPairs<32> rounded_differences_q15(const Pixels<32, 3>& pixels, 
     return {centred(vqmovn_high_s16(vqmovn_s16(lo0), hi0)), centred(vqmovn_high_s16(vqmovn_s16(lo2), hi2))};
 }
 
-// The difference is taken the other way round, to need one multiply-subtract, and so is the sign of the weight. The doubling
-// high multiply takes half of the weight.
+// The difference of 7 fractional bits is half of that of 8: (256 a + 129 - (256 luma + 128)) >> 1, where the odd one makes up
+// for the bit of luma that is dropped. The doubling high multiply takes half of the weight.
 template <int weight>
-ZIV_INLINE uint8x16_t fractional_difference_q15(uint8x16_t a, uint16x8_t luma_lo, uint16x8_t luma_hi) {
+ZIV_INLINE uint8x16_t fractional_difference_q15(const Pixels<32, 3>& pixels, int channel, uint16x8_t luma_lo,
+                                                uint16x8_t luma_hi) {
     static_assert(weight % 2 == 0);
-    const int16x8_t lo = vreinterpretq_s16_u16(vmlsl_u8(luma_lo, vget_low_u8(a), vdup_n_u8(128)));
-    const int16x8_t hi = vreinterpretq_s16_u16(vmlsl_high_u8(luma_hi, a, vdupq_n_u8(128)));
-    const int8x8_t chroma_lo = vqrshrn_n_s16(vqdmulhq_n_s16(lo, -weight / 2), 6);
-    return centred(vqrshrn_high_n_s16(chroma_lo, vqdmulhq_n_s16(hi, -weight / 2), 6));
+    const auto difference = [=](const Channels<16, 3>& part, uint16x8_t luma) ZIV_INLINE_BODY {
+        const uint8x16_t scaled = vtrn1q_u8(vdupq_n_u8(129), (uint8x16_t)part.c[channel]);
+        return vreinterpretq_s16_u16(vhsubq_u16(vreinterpretq_u16_u8(scaled), luma));
+    };
+    const int16x8_t lo = difference(pixels.part[0], luma_lo), hi = difference(pixels.part[1], luma_hi);
+    const int8x8_t chroma_lo = vqrshrn_n_s16(vqdmulhq_n_s16(lo, weight / 2), 6);
+    return centred(vqrshrn_high_n_s16(chroma_lo, vqdmulhq_n_s16(hi, weight / 2), 6));
 }
 template <OuterWeights w>
 ZIV_INLINE ChromaPairs<32> fractional_differences_q15(const Pixels<32, 3>& pixels, const LumaQ7<32>& luma) {
     const uint16x8_t lo = vuzp1q_u16(luma.part[0].lo, luma.part[0].hi), hi = vuzp1q_u16(luma.part[1].lo, luma.part[1].hi);
-    return {fractional_difference_q15<w.c0>(even_columns(pixels, 0), lo, hi),
-            fractional_difference_q15<w.c2>(even_columns(pixels, 2), lo, hi)};
+    return {fractional_difference_q15<w.c0>(pixels, 0, lo, hi), fractional_difference_q15<w.c2>(pixels, 2, lo, hi)};
 }
 
 template <bool c2_first>
