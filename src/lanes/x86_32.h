@@ -20,7 +20,8 @@ template <class Index>
 ZIV_INLINE __m256i bytes256(Index index) {
     return _mm256_load_si256(reinterpret_cast<const __m256i*>(byte_table<32>(index)));
 }
-ZIV_INLINE __m256i both_halves(__m128i v) { return _mm256_broadcastsi128_si256(v); }
+// A shuffle rather than the instruction by its name, which GCC keeps apart from the constant that it repeats.
+ZIV_INLINE __m256i both_halves(__m128i v) { return (__m256i)__builtin_shufflevector(v, v, 0, 1, 0, 1); }
 
 template <>
 ZIV_INLINE U16<32> load_widened<32>(const uint8_t* p) {

@@ -151,7 +151,7 @@ ZIV_INLINE void store_pixels<32>(uint8_t* p, PackedLuma<32> luma, const PixelTer
 
 // Four channels: vector k holds pixels 8 k to 8 k + 7, four in each half, and is stored whole, as halves cost as much. So the
 // two pairs of four pixels stay together and go to the two halves alternately, and luma stands in both halves.
-ZIV_INLINE __m256i load_twice(const uint8_t* p) { return both_halves(load128(p)); }
+ZIV_INLINE __m256i load_twice(const uint8_t* p) { return _mm256_broadcastsi128_si256(load128(p)); }
 template <>
 ZIV_INLINE U8<32> arrange_pairs<32, 4>(U8<32> pairs) {
     return (U8<32>)_mm256_permutevar8x32_epi32((__m256i)pairs, _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7));
