@@ -1,5 +1,4 @@
-// Packed 4:2:2 to four-byte pixels on x86-64: pairs stand so in the 16-byte parts of a vector that narrowing and unpacking
-// within the parts gives whole vectors of pixels.
+// Packed 4:2:2 to four-byte pixels on x86-64, narrowed and unpacked within the 16-byte parts of vectors.
 #pragma once
 
 namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
@@ -16,19 +15,28 @@ ZIV_INLINE __m128i hidden_bytes128(Index index) {
 
 // Each part's bytes picked by one mask.
 ZIV_INLINE U8<16> shuffle_parts(U8<16> v, __m128i mask) { return (U8<16>)_mm_shuffle_epi8((__m128i)v, mask); }
-ZIV_INLINE S16<16> halves_in_parts(S16<16> v) { return v; }
+// The pairs in the order that store_unpacked takes what unpacking makes of them, the lower halves of the parts before the
+// upper.
+ZIV_INLINE S16<16> order_pairs(S16<16> v) { return v; }
+ZIV_INLINE void store_unpacked(uint8_t* p, U8<16> low, U8<16> high) { store(p, low), store(p + 16, high); }
 
 #if ZIV_HAS_AVX2
 ZIV_INLINE U8<32> shuffle_parts(U8<32> v, __m128i mask) { return (U8<32>)_mm256_shuffle_epi8((__m256i)v, both_halves(mask)); }
-// The lower half of v in the lower halves of the parts, the upper half in the upper ones.
-ZIV_INLINE S16<32> halves_in_parts(S16<32> v) { return (S16<32>)_mm256_permute4x64_epi64((__m256i)v, 0xD8); }
+// Halves are stored by themselves: that costs less than a permutation.
+ZIV_INLINE S16<32> order_pairs(S16<32> v) { return v; }
+ZIV_INLINE void store_unpacked(uint8_t* p, U8<32> low, U8<32> high) {
+    store_halves(p, p + 32, (__m256i)low);
+    store_halves(p + 16, p + 48, (__m256i)high);
+}
 #endif
 
 #if ZIV_HAS_AVX512_VBMI
 ZIV_INLINE U8<64> shuffle_parts(U8<64> v, __m128i mask) {
     return (U8<64>)_mm512_shuffle_epi8((__m512i)v, _mm512_broadcast_i32x4(mask));
 }
-ZIV_INLINE S16<64> halves_in_parts(S16<64> v) { return (S16<64>)interleave_halves((__m512i)v); }
+// The lower half of v in the lower halves of the parts, the upper half in the upper ones.
+ZIV_INLINE S16<64> order_pairs(S16<64> v) { return (S16<64>)interleave_halves((__m512i)v); }
+ZIV_INLINE void store_unpacked(uint8_t* p, U8<64> low, U8<64> high) { store(p, low), store(p + 64, high); }
 #endif
 
 template <>
@@ -52,7 +60,7 @@ ZIV_INLINE S16<64> swap_lanes<64>(S16<64> v) {
 
 template <int N>
 ZIV_INLINE PackedWords<N> load_packed_words(const uint8_t* p) {
-    return split_packed_words<N>(halves_in_parts((S16<N>)load<N>(p)));
+    return split_packed_words<N>(order_pairs((S16<N>)load<N>(p)));
 }
 
 // In a part: the channels of u and v interleaved for eight pixels in their order, then green and alpha, then both.
@@ -67,8 +75,7 @@ ZIV_INLINE void store_packed_sums(uint8_t* p, const PackedSums<N> (&sums)[2], U8
     const U8<N> green_alpha[2] = {zip_parts_low<N>(green, alpha), zip_parts_high<N>(green, alpha)};
     for (int k = 0; k < 2; k++) {
         const U8<N> outer = shuffle_parts(narrow<N>(Wide<N>{(U16<N>)sums[k].straight, (U16<N>)sums[k].crossed}), by_pixel);
-        store(p + 2 * N * k, zip_parts_low<N>(outer, green_alpha[k]));
-        store(p + 2 * N * k + N, zip_parts_high<N>(outer, green_alpha[k]));
+        store_unpacked(p + 2 * N * k, zip_parts_low<N>(outer, green_alpha[k]), zip_parts_high<N>(outer, green_alpha[k]));
     }
 }
 

@@ -4,15 +4,14 @@
 namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 // Terms come in lanes of 16 bits, a pair a lane, in an order of the pairs that is the target's own for pixels of c channels:
-// these two bring chroma into that order, from N / 2 pairs of bytes that stay side by side and from N / 2 bytes of one plane,
-// zero-widened.
+// these two bring chroma into that order, from N / 2 pairs of bytes and from N / 2 bytes of either of two planes.
 template <int N, int c>
 ZIV_INLINE U8<N> arrange_pairs(U8<N> pairs) {
     return pairs;
 }
 template <int N, int c>
-ZIV_INLINE U16<N> load_arranged(const uint8_t* p) {
-    return load_widened<N>(p);
+ZIV_INLINE U8<N> load_arranged_pairs(const uint8_t* a, const uint8_t* b) {
+    return (U8<N>)(load_widened<N>(a) | load_widened<N>(b) << 8);
 }
 // The pair that a lane then holds.
 template <int N, int c>

@@ -6,20 +6,13 @@ namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 // The terms are laid out once as the stored pixels are, so that a row costs only the spreading of its luma, an add and a
 // subtract.
 
-// Byte n of register k takes the term of pair ((16 k + n) / 3) / 2. Channels 0 and 1 stand in the lower and the upper half of
-// one vector of bytes, channel 2 in half `half` of another.
-template <int k>
-ZIV_INLINE __m128i pair_mask_01() {
-    return bytes128([](int n) {
-        const int channel = (16 * k + n) % 3, pair = (16 * k + n) / 6;
-        return channel < 2 ? 8 * channel + pair : 0x80;
-    });
-}
+// The terms of eight pairs as two vectors of bytes: in either, channels 0 and 1 of four pairs side by side, then channel 2 of
+// all eight. Byte n of register k takes the term of pair ((16 k + n) / 3) / 2, if that is in vector `half`.
 template <int k, int half>
-ZIV_INLINE __m128i pair_mask_2() {
+ZIV_INLINE __m128i pair_mask3() {
     return bytes128([](int n) {
         const int channel = (16 * k + n) % 3, pair = (16 * k + n) / 6;
-        return channel == 2 ? 8 * half + pair : 0x80;
+        return pair / 4 != half ? 0x80 : channel < 2 ? pair % 4 * 2 + channel : 8 + pair;
     });
 }
 template <int k>
@@ -32,16 +25,21 @@ template <>
 struct PixelTerms3<16> {
     __m128i up[3], down[3];
 };
-template <int k, int half>
-ZIV_INLINE __m128i place_terms3(__m128i t01, __m128i t2) {
-    return _mm_or_si128(_mm_shuffle_epi8(t01, pair_mask_01<k>()), _mm_shuffle_epi8(t2, pair_mask_2<k, half>()));
-}
 template <>
 ZIV_INLINE PixelTerms3<16> pixel_terms<16>(S16<16> d0, S16<16> d1, S16<16> d2) {
-    const __m128i up01 = _mm_packus_epi16((__m128i)d0, (__m128i)d1), down01 = _mm_packus_epi16((__m128i)-d0, (__m128i)-d1);
-    const __m128i t2 = _mm_packus_epi16((__m128i)d2, (__m128i)-d2);
-    return {{place_terms3<0, 0>(up01, t2), place_terms3<1, 0>(up01, t2), place_terms3<2, 0>(up01, t2)},
-            {place_terms3<0, 1>(down01, t2), place_terms3<1, 1>(down01, t2), place_terms3<2, 1>(down01, t2)}};
+    const auto place = [](S16<16> lo, S16<16> hi, S16<16> last, __m128i(&to)[3]) ZIV_INLINE_BODY {
+        const __m128i first = _mm_packus_epi16((__m128i)lo, (__m128i)last),
+                      second = _mm_packus_epi16((__m128i)hi, (__m128i)last);
+        to[0] = _mm_shuffle_epi8(first, pair_mask3<0, 0>());
+        to[1] = _mm_or_si128(_mm_shuffle_epi8(first, pair_mask3<1, 0>()), _mm_shuffle_epi8(second, pair_mask3<1, 1>()));
+        to[2] = _mm_shuffle_epi8(second, pair_mask3<2, 1>());
+    };
+    const S16<16> lo = (S16<16>)_mm_unpacklo_epi16((__m128i)d0, (__m128i)d1);
+    const S16<16> hi = (S16<16>)_mm_unpackhi_epi16((__m128i)d0, (__m128i)d1);
+    PixelTerms3<16> terms;
+    place(lo, hi, d2, terms.up);
+    place(-lo, -hi, -d2, terms.down);
+    return terms;
 }
 template <>
 ZIV_INLINE void store_pixels<16>(uint8_t* p, U8<16> luma, const PixelTerms3<16>& t) {
@@ -49,6 +47,15 @@ ZIV_INLINE void store_pixels<16>(uint8_t* p, U8<16> luma, const PixelTerms3<16>&
     store128(p, _mm_subs_epu8(_mm_adds_epu8(_mm_shuffle_epi8(y, luma_mask3<0>()), t.up[0]), t.down[0]));
     store128(p + 16, _mm_subs_epu8(_mm_adds_epu8(_mm_shuffle_epi8(y, luma_mask3<1>()), t.up[1]), t.down[1]));
     store128(p + 32, _mm_subs_epu8(_mm_adds_epu8(_mm_shuffle_epi8(y, luma_mask3<2>()), t.up[2]), t.down[2]));
+}
+
+template <>
+ZIV_INLINE U8<16> load_arranged_pairs<16, 3>(const uint8_t* a, const uint8_t* b) {
+    return (U8<16>)_mm_unpacklo_epi8(load64(a), load64(b));
+}
+template <>
+ZIV_INLINE U8<16> load_arranged_pairs<16, 4>(const uint8_t* a, const uint8_t* b) {
+    return load_arranged_pairs<16, 3>(a, b);
 }
 
 // Four channels: register q holds pixels 4 q to 4 q + 3, pairs 2 q and 2 q + 1. Alpha is a term too: up by 255, down by the
@@ -94,18 +101,22 @@ template <>
 struct PixelTerms3<32> {
     __m256i up[3], down[3];
 };
-template <int k, int half>
-ZIV_INLINE __m256i place_terms3(__m256i t01, __m256i t2) {
-    return _mm256_or_si256(_mm256_shuffle_epi8(t01, both_halves(pair_mask_01<k>())),
-                           _mm256_shuffle_epi8(t2, both_halves(pair_mask_2<k, half>())));
-}
 template <>
 ZIV_INLINE PixelTerms3<32> pixel_terms<32>(S16<32> d0, S16<32> d1, S16<32> d2) {
-    const __m256i up01 = _mm256_packus_epi16((__m256i)d0, (__m256i)d1);
-    const __m256i down01 = _mm256_packus_epi16((__m256i)-d0, (__m256i)-d1);
-    const __m256i t2 = _mm256_packus_epi16((__m256i)d2, (__m256i)-d2);
-    return {{place_terms3<0, 0>(up01, t2), place_terms3<1, 0>(up01, t2), place_terms3<2, 0>(up01, t2)},
-            {place_terms3<0, 1>(down01, t2), place_terms3<1, 1>(down01, t2), place_terms3<2, 1>(down01, t2)}};
+    const auto place = [](S16<32> lo, S16<32> hi, S16<32> last, __m256i(&to)[3]) ZIV_INLINE_BODY {
+        const __m256i first = _mm256_packus_epi16((__m256i)lo, (__m256i)last);
+        const __m256i second = _mm256_packus_epi16((__m256i)hi, (__m256i)last);
+        to[0] = _mm256_shuffle_epi8(first, both_halves(pair_mask3<0, 0>()));
+        to[1] = _mm256_or_si256(_mm256_shuffle_epi8(first, both_halves(pair_mask3<1, 0>())),
+                                _mm256_shuffle_epi8(second, both_halves(pair_mask3<1, 1>())));
+        to[2] = _mm256_shuffle_epi8(second, both_halves(pair_mask3<2, 1>()));
+    };
+    const S16<32> lo = (S16<32>)_mm256_unpacklo_epi16((__m256i)d0, (__m256i)d1);
+    const S16<32> hi = (S16<32>)_mm256_unpackhi_epi16((__m256i)d0, (__m256i)d1);
+    PixelTerms3<32> terms;
+    place(lo, hi, d2, terms.up);
+    place(-lo, -hi, -d2, terms.down);
+    return terms;
 }
 // Luma in every byte of its pixel: register k of both halves.
 template <int k>
@@ -151,19 +162,39 @@ ZIV_INLINE void store_pixels<32>(uint8_t* p, PackedLuma<32> luma, const PixelTer
 
 // Four channels: vector k holds pixels 8 k to 8 k + 7, four in each half, and is stored whole, as halves cost as much. So the
 // two pairs of four pixels stay together and go to the two halves alternately, and luma stands in both halves.
-ZIV_INLINE __m256i load_twice(const uint8_t* p) { return _mm256_broadcastsi128_si256(load128(p)); }
+ZIV_INLINE __m256i load_twice(const uint8_t* p) {
+#ifdef __clang__
+    // Left to itself it loads, and then permutes.
+    struct Bytes16 {
+        uint8_t bytes[16];
+    };
+    __m256i v;
+    asm("vbroadcasti128 %1, %0" : "=x"(v) : "m"(*reinterpret_cast<const Bytes16*>(p)));
+    return v;
+#else
+    return _mm256_broadcastsi128_si256(load128(p));
+#endif
+}
 template <>
 ZIV_INLINE U8<32> arrange_pairs<32, 4>(U8<32> pairs) {
     return (U8<32>)_mm256_permutevar8x32_epi32((__m256i)pairs, _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7));
 }
 template <>
-ZIV_INLINE U16<32> load_arranged<32, 4>(const uint8_t* p) {
-    const __m256i bytes = bytes256([](int n) { return n % 2 ? 0x80 : n % 16 / 4 * 4 + n / 16 * 2 + n % 4 / 2; });
-    return (U16<32>)_mm256_shuffle_epi8(load_twice(p), bytes);
-}
-template <>
 constexpr int pair_in_lane<32, 4>(int lane) {
     return lane % 8 / 2 * 4 + lane / 8 * 2 + lane % 2;
+}
+// The bytes of one plane in the even places or in the odd ones, zeros in the others.
+template <int c, int odd>
+ZIV_INLINE __m256i load_plane(const uint8_t* p) {
+    return _mm256_shuffle_epi8(load_twice(p), bytes256([](int n) { return n % 2 == odd ? pair_in_lane<32, c>(n / 2) : 0x80; }));
+}
+template <>
+ZIV_INLINE U8<32> load_arranged_pairs<32, 3>(const uint8_t* a, const uint8_t* b) {
+    return (U8<32>)_mm256_or_si256(load_plane<3, 0>(a), load_plane<3, 1>(b));
+}
+template <>
+ZIV_INLINE U8<32> load_arranged_pairs<32, 4>(const uint8_t* a, const uint8_t* b) {
+    return (U8<32>)_mm256_or_si256(load_plane<4, 0>(a), load_plane<4, 1>(b));
 }
 
 template <>
@@ -234,15 +265,16 @@ ZIV_INLINE U8<64> arrange_pairs<64, 4>(U8<64> pairs) {
     return (U8<64>)interleave_halves((__m512i)pairs);
 }
 template <>
-ZIV_INLINE U16<64> load_arranged<64, 3>(const uint8_t* p) {
+ZIV_INLINE U8<64> load_arranged_pairs<64, 3>(const uint8_t* a, const uint8_t* b) {
     const __m512i index = hidden_bytes512([](int n) { return pair_in_lane<64, 3>(n / 2); });
-    constexpr __mmask64 low_bytes = mask512([](int n) { return n % 2 == 0; });
+    constexpr __mmask64 odd = mask512([](int n) { return n % 2 == 1; });
     // Broadcast, as clang gives undefined bytes the value of some register and waits for it.
-    return (U16<64>)_mm512_maskz_permutexvar_epi8(low_bytes, index, _mm512_broadcast_i64x4(load256(p)));
+    const __m512i even = _mm512_permutexvar_epi8(index, _mm512_broadcast_i64x4(load256(a)));
+    return (U8<64>)_mm512_mask_permutexvar_epi8(even, hidden_mask(odd), index, _mm512_broadcast_i64x4(load256(b)));
 }
 template <>
-ZIV_INLINE U16<64> load_arranged<64, 4>(const uint8_t* p) {
-    return load_arranged<64, 3>(p);
+ZIV_INLINE U8<64> load_arranged_pairs<64, 4>(const uint8_t* a, const uint8_t* b) {
+    return load_arranged_pairs<64, 3>(a, b);
 }
 // Narrowing within the 16-byte parts leaves the pairs arranged.
 template <>

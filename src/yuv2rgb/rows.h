@@ -8,15 +8,13 @@ namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 // ---- Chroma: the pairs of the N pixels from column j on, or of the one pair at column j, centred ----
 
-enum class PairOrder { uv, vu };
-
 template <PairOrder order, int N>
-ZIV_INLINE Chroma<N> centred_pairs(U8<N> pairs) {
+ZIV_INLINE Chroma<N, order> centred_pairs(U8<N> pairs) {
     const S16<N> both = (S16<N>)pairs ^ constant<N>(0x8080 - 65536);
     const S16<N> first256 = both << 8, second256 = both & constant<N>(-256);
     const S16<N> first = first256 >> 8, second = both >> 8;
-    return order == PairOrder::uv ? Chroma<N>{first, second, first256, second256}
-                                  : Chroma<N>{second, first, second256, first256};
+    if constexpr (order == PairOrder::uv) return {first, second, first256, second256, (U8<N>)both};
+    else return {second, first, second256, first256, (U8<N>)both};
 }
 
 // Interleaved pairs of bytes.
@@ -27,7 +25,7 @@ struct PairedChroma {
     int u(ptrdiff_t j) const { return pairs[j + (order == PairOrder::vu)] - 128; }
     int v(ptrdiff_t j) const { return pairs[j + (order == PairOrder::uv)] - 128; }
     template <int N, int c>
-    ZIV_INLINE Chroma<N> load_at(ptrdiff_t j) const {
+    ZIV_INLINE Chroma<N, order> load_at(ptrdiff_t j) const {
         return centred_pairs<order, N>(arrange_pairs<N, c>(load<N>(pairs + j)));
     }
 };
@@ -39,10 +37,11 @@ struct PlanarChroma {
     int u(ptrdiff_t j) const { return u_row[j >> 1] - 128; }
     int v(ptrdiff_t j) const { return v_row[j >> 1] - 128; }
     template <int N, int c>
-    ZIV_INLINE Chroma<N> load_at(ptrdiff_t j) const {
-        const S16<N> u = (S16<N>)load_arranged<N, c>(u_row + (j >> 1)) - constant<N>(128),
-                     v = (S16<N>)load_arranged<N, c>(v_row + (j >> 1)) - constant<N>(128);
-        return {u, v, u << 8, v << 8};
+    ZIV_INLINE Chroma<N, PairOrder::uv> load_at(ptrdiff_t j) const {
+        const uint8_t *const u_at = u_row + (j >> 1), *const v_at = v_row + (j >> 1);
+        if constexpr (pairs_at_once) return centred_pairs<PairOrder::uv, N>(load_arranged_pairs<N, c>(u_at, v_at));
+        const S16<N> u = (S16<N>)load_widened<N>(u_at) - constant<N>(128), v = (S16<N>)load_widened<N>(v_at) - constant<N>(128);
+        return {u, v, u << 8, v << 8, U8<N>{}};
     }
 };
 
@@ -55,9 +54,9 @@ template <Rgb order>
 inline constexpr bool red_first = order == Rgb::rgb || order == Rgb::rgba;
 
 // The terms of a set in the order of the destination's channels.
-template <class Set, Rgb order, int N>
-ZIV_INLINE auto terms_of(const Chroma<N>& chroma, [[maybe_unused]] uint8_t alpha) {
-    const ChromaTerms<N> d = Set::template terms<N>(chroma);
+template <class Set, Rgb order, int N, PairOrder pairs>
+ZIV_INLINE auto terms_of(const Chroma<N, pairs>& chroma, [[maybe_unused]] uint8_t alpha) {
+    const ChromaTerms<N> d = Set::terms(chroma);
     const S16<N> first = red_first<order> ? d.r : d.b, last = red_first<order> ? d.b : d.r;
     if constexpr (pixel_bytes<order> == 3) return pixel_terms<N>(first, d.g, last);
     else return pixel_terms<N>(first, d.g, last, alpha);
