@@ -56,7 +56,7 @@ template <int channel>
 ZIV_INLINE U8<16> take_channel(U8<16> v, U8<16> from) {
     if constexpr (channel == 2) return (U8<16>)_mm_blend_epi16((__m128i)v, (__m128i)from, 0xAA);
     const U8<16> mask = (U8<16>)(U32<16>{} + (0xFFu << 8 * channel));
-    return (v & ~mask) | (from & mask);
+    return select(mask, from, v);
 }
 template <int channel>
 ZIV_INLINE void share_channel(Pixels<16, 4>& v) {
