@@ -186,6 +186,8 @@ const std::map<std::string, Meaning>& meanings() {
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int i = 0; i < N; i++) put16(out, i, in[i % (N / 2)] + 256 * in[N + i % (N / 2)]);
          }},
+        {"load_arranged_upper",
+         [](int N, const uint8_t* in, uint8_t* out) { for (int i = 0; i < N; i++) put16(out, i, 256 * in[i % (N / 2)]); }},
         {"weigh_pair_bytes",
          [](int N, const uint8_t* in, uint8_t* out) {
              for (int i = 0; i < N / 2; i++) put16(out, i, 36 * in[2 * i] - 43 * in[2 * i + 1]);

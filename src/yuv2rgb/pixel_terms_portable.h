@@ -4,7 +4,8 @@
 namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 // Terms come in lanes of 16 bits, a pair a lane, in an order of the pairs that is the target's own for pixels of c channels:
-// these two bring chroma into that order, from N / 2 pairs of bytes and from N / 2 bytes of either of two planes.
+// these bring chroma into that order, from N / 2 pairs of bytes, from N / 2 bytes of either of two planes, and from those of
+// one into the lanes' upper bytes, zeros below.
 template <int N, int c>
 ZIV_INLINE U8<N> arrange_pairs(U8<N> pairs) {
     return pairs;
@@ -12,6 +13,10 @@ ZIV_INLINE U8<N> arrange_pairs(U8<N> pairs) {
 template <int N, int c>
 ZIV_INLINE U8<N> load_arranged_pairs(const uint8_t* a, const uint8_t* b) {
     return (U8<N>)(load_widened<N>(a) | load_widened<N>(b) << 8);
+}
+template <int N, int c>
+ZIV_INLINE U16<N> load_arranged_upper(const uint8_t* p) {
+    return load_widened<N>(p) << 8;
 }
 // The pair that a lane then holds.
 template <int N, int c>

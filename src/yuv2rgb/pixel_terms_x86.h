@@ -57,6 +57,14 @@ template <>
 ZIV_INLINE U8<16> load_arranged_pairs<16, 4>(const uint8_t* a, const uint8_t* b) {
     return load_arranged_pairs<16, 3>(a, b);
 }
+template <>
+ZIV_INLINE U16<16> load_arranged_upper<16, 3>(const uint8_t* p) {
+    return (U16<16>)_mm_unpacklo_epi8(_mm_setzero_si128(), load64(p));
+}
+template <>
+ZIV_INLINE U16<16> load_arranged_upper<16, 4>(const uint8_t* p) {
+    return load_arranged_upper<16, 3>(p);
+}
 
 // Four channels: register q holds pixels 4 q to 4 q + 3, pairs 2 q and 2 q + 1. Alpha is a term too: up by 255, down by the
 // rest. Four pairs are narrowed into one vector: channels 0 and 1 of each, then channels 2 and 3.
@@ -196,6 +204,14 @@ template <>
 ZIV_INLINE U8<32> load_arranged_pairs<32, 4>(const uint8_t* a, const uint8_t* b) {
     return (U8<32>)_mm256_or_si256(load_plane<4, 0>(a), load_plane<4, 1>(b));
 }
+template <>
+ZIV_INLINE U16<32> load_arranged_upper<32, 3>(const uint8_t* p) {
+    return (U16<32>)load_plane<3, 1>(p);
+}
+template <>
+ZIV_INLINE U16<32> load_arranged_upper<32, 4>(const uint8_t* p) {
+    return (U16<32>)load_plane<4, 1>(p);
+}
 
 template <>
 struct PixelTerms4<32> {
@@ -275,6 +291,16 @@ ZIV_INLINE U8<64> load_arranged_pairs<64, 3>(const uint8_t* a, const uint8_t* b)
 template <>
 ZIV_INLINE U8<64> load_arranged_pairs<64, 4>(const uint8_t* a, const uint8_t* b) {
     return load_arranged_pairs<64, 3>(a, b);
+}
+template <>
+ZIV_INLINE U16<64> load_arranged_upper<64, 3>(const uint8_t* p) {
+    const __m512i index = hidden_bytes512([](int n) { return pair_in_lane<64, 3>(n / 2); });
+    constexpr __mmask64 odd = mask512([](int n) { return n % 2 == 1; });
+    return (U16<64>)_mm512_maskz_permutexvar_epi8(odd, index, _mm512_broadcast_i64x4(load256(p)));
+}
+template <>
+ZIV_INLINE U16<64> load_arranged_upper<64, 4>(const uint8_t* p) {
+    return load_arranged_upper<64, 3>(p);
 }
 // Narrowing within the 16-byte parts leaves the pairs arranged.
 template <>

@@ -39,7 +39,13 @@ struct PlanarChroma {
     template <int N, int c>
     ZIV_INLINE Chroma<N, PairOrder::uv> load_at(ptrdiff_t j) const {
         const uint8_t *const u_at = u_row + (j >> 1), *const v_at = v_row + (j >> 1);
-        if constexpr (pairs_at_once) return centred_pairs<PairOrder::uv, N>(load_arranged_pairs<N, c>(u_at, v_at));
+        if constexpr (pairs_at_once) {
+            // Of these a set takes one or the other.
+            Chroma<N, PairOrder::uv> chroma = centred_pairs<PairOrder::uv, N>(load_arranged_pairs<N, c>(u_at, v_at));
+            chroma.u256 = (S16<N>)load_arranged_upper<N, c>(u_at) ^ constant<N>(-32768);
+            chroma.v256 = (S16<N>)load_arranged_upper<N, c>(v_at) ^ constant<N>(-32768);
+            return chroma;
+        }
         const S16<N> u = (S16<N>)load_widened<N>(u_at) - constant<N>(128), v = (S16<N>)load_widened<N>(v_at) - constant<N>(128);
         return {u, v, u << 8, v << 8, U8<N>{}};
     }

@@ -169,6 +169,10 @@ OPERATION(load_arranged_pairs, {
     store_in_order<N, 3>(out, (U16<N>)load_arranged_pairs<N, 3>(in, in + N));
     store_in_order<N, 4>(out + N, (U16<N>)load_arranged_pairs<N, 4>(in, in + N));
 })
+OPERATION(load_arranged_upper, {
+    store_in_order<N, 3>(out, load_arranged_upper<N, 3>(in));
+    store_in_order<N, 4>(out + N, load_arranged_upper<N, 4>(in));
+})
 OPERATION(multiply, { store(out, multiply<N>((S16<N>)v.a, 0x78D5)); })
 OPERATION(multiply_round_q15, { store(out, multiply_round_q15<N>((S16<N>)v.a, 25297)); })
 OPERATION(multiply_q15, { store(out, multiply_q15<N>((S16<N>)v.a, -11277)); })
@@ -383,7 +387,7 @@ static constexpr harness::LaneOperation rows[] = {
     ROWS(multiply) ROWS(multiply_round_q15) ROWS(copy_eight_first) ROWS(copy_eight_last)
     ROWS(store_pixels3_from_memory) ROWS(store_pixels4_from_memory) ROWS(packed422_pixels3) ROWS(packed422_pairs3)
     ROWS(packed422_words) ROWS(packed422_words_reversed) ROWS(constant) ROWS(constants)
-    ROWS(arrange_pairs) ROWS(load_arranged_pairs) ROWS(weigh_pair_bytes) ROWS(weigh_signed_bytes) ROWS(outer_lanes4)
+    ROWS(arrange_pairs) ROWS(load_arranged_pairs) ROWS(load_arranged_upper) ROWS(weigh_pair_bytes) ROWS(weigh_signed_bytes) ROWS(outer_lanes4)
     ROWS(unlisted_lanes) ROWS(multiply_q15) ROWS(zero_lanes) ROWS(load_but_last) ROWS(swap_pairs)
     ROWS(even_pairs) ROWS(packed_chroma) ROWS(select) ROWS(multiply_high_unsigned) ROWS(widen_joined) ROWS(widen_difference)
     ROWS(reciprocals) ROWS(move_pixels_3_reversed) ROWS(move_pixels_4_to_3) ROWS(move_pixels_3_to_4)
