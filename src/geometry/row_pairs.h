@@ -70,7 +70,7 @@ ZIV_INLINE void reverse_row(const uint8_t* src, uint8_t* dst, ptrdiff_t bytes) {
         }
     for (; j + stride <= bytes; j += stride) {
         const uint8_t* from = src + bytes - j - stride;
-        if constexpr (widest > 16)
+        if constexpr (!ZIV_HAS_ADVANCED_SIMD)
             for (int k = 0; k < stride; k += 64) __builtin_prefetch(dst + j + k + 1024, 1);
         FourVectors<widest> in = load_four<widest>(from);
         FourVectors<widest> out;
