@@ -70,6 +70,8 @@ int32_t zivColorI420toYUYVu8(const Image* srcImg, const Image* dstImg) {
     if (const int32_t status = check(srcImg, dstImg, zivPixFmt_I420, zivPixFmt_YUYV, both_2x2)) return status;
     const ptrdiff_t pairs = dstImg->width >> 1, row_pairs = dstImg->height >> 1;
     const bool overlap = starts_inside(dstImg->pitch[0], 4 * pairs);
+    // Small vectors take long to fill a line: of long rows, which come from beyond the near caches, one at a time.
+    const bool one_by_one = widest == 16 && !ZIV_HAS_ADVANCED_SIMD && pairs >= 256;
     for (ptrdiff_t i = 0; i < row_pairs; i++) {
         const uint8_t* luma0 = plane_row(srcImg, 0, 2 * i);
         const uint8_t* luma1 = luma0 + srcImg->pitch[0];
@@ -81,6 +83,9 @@ int32_t zivColorI420toYUYVu8(const Image* srcImg, const Image* dstImg) {
                 yuyv_row(luma0 + j, u + (j >> 1), v + (j >> 1), dst0 + 2 * j, step.value / 2);
                 yuyv_row(luma1 + j, u + (j >> 1), v + (j >> 1), dst1 + 2 * j, step.value / 2);
             });
+        } else if (one_by_one) {
+            yuyv_row(luma0, u, v, dst0, pairs);
+            yuyv_row(luma1, u, v, dst1, pairs);
         } else {
             yuyv_rows(luma0, luma1, u, v, dst0, dst1, pairs);
         }
