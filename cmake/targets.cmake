@@ -32,18 +32,23 @@ function(zivcolor_target name)
     endforeach()
 endfunction()
 
+# Kernels name their vectors. What they leave to plain loops is the few columns of a tail. Left to itself the compiler also makes
+# vectors of these, which are seldom entered and a quarter of the library by size; and GCC gathers the addresses of a row into
+# one, and waits for them.
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-    # Kernels name their vectors. Left to itself the compiler also gathers the addresses of a row into one, and waits for them.
+    set(no_vectors_of_loops -fno-tree-loop-vectorize)
     set(no_gathering -fno-tree-slp-vectorize)
     # The compiler's own header of the permutations starts from a vector that it leaves undefined on purpose.
     set(undefined_on_purpose -Wno-maybe-uninitialized -Wno-uninitialized)
+else()
+    set(no_vectors_of_loops -fno-vectorize)
 endif()
 zivcolor_target(portable)
-zivcolor_target(sse4 CAPABILITIES SSE4_2 FLAGS -msse4.2 ${no_gathering})
+zivcolor_target(sse4 CAPABILITIES SSE4_2 FLAGS -msse4.2 ${no_vectors_of_loops} ${no_gathering})
 zivcolor_target(avx2 EXTENDS sse4 CAPABILITIES AVX2 FLAGS -mavx2)
 zivcolor_target(avx512 EXTENDS avx2 CAPABILITIES AVX512_VBMI
                 FLAGS -mavx512f -mavx512bw -mavx512vl -mavx512vbmi ${undefined_on_purpose})
-zivcolor_target(neon CAPABILITIES ADVANCED_SIMD)
+zivcolor_target(neon CAPABILITIES ADVANCED_SIMD FLAGS ${no_vectors_of_loops})
 if(ZIVCOLOR_FOR_AARCH64)
     check_cxx_compiler_flag(-march=armv8.2-a+dotprod ZIVCOLOR_HAVE_MARCH)  # some front ends know CPUs only
 endif()

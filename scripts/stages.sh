@@ -106,6 +106,7 @@ quick() {
     build release zivcolor_tests zivcolor zivcolor_other_kind -- "${library_and_tests[@]}"
     run_tests build/release/tests/zivcolor_tests --colours=sample
     scripts/check_exports build/release/src/libzivcolor.so
+    scripts/check_size build/release/src/libzivcolor.so
     scripts/check_objects build/release
 }
 
@@ -114,6 +115,7 @@ quick_aarch64() {
     build aarch64 zivcolor_table_tests zivcolor
     run_tests build/aarch64/tests/zivcolor_table_tests "--gtest_filter=-$slow_emulated" "${qemu_aarch64[@]}"
     NM=aarch64-linux-gnu-nm scripts/check_exports build/aarch64/src/libzivcolor.so
+    scripts/check_size build/aarch64/src/libzivcolor.so
 }
 
 quick_package() {
@@ -137,6 +139,7 @@ release() {
     run_tests build/release/tests/zivcolor_tests ""
     other_programs release
     scripts/check_exports build/release/src/libzivcolor.so
+    scripts/check_size build/release/src/libzivcolor.so
     scripts/check_objects build/release
     scripts/check_targets build/toy
 }
@@ -156,6 +159,7 @@ clang19() {
     build clang19 zivcolor_tests zivcolor -- -DZIVCOLOR_TEST_CODE="$PWD/build/release"
     run_tests build/clang19/tests/zivcolor_tests "--gtest_filter=-$no_kernel"
     scripts/check_exports build/clang19/src/libzivcolor.so
+    scripts/check_size build/clang19/src/libzivcolor.so
     scripts/check_objects build/clang19
 }
 
@@ -243,6 +247,7 @@ aarch64() {
     run_tests build/aarch64/tests/zivcolor_tests "--gtest_filter=Targets*:Dispatch*:*StayInside*:*EveryBlockEdge*" \
         "${qemu_cortex_a53[@]}"
     NM=aarch64-linux-gnu-nm scripts/check_exports build/aarch64/src/libzivcolor.so
+    scripts/check_size build/aarch64/src/libzivcolor.so
     NM=aarch64-linux-gnu-nm scripts/check_objects build/aarch64
 }
 
@@ -263,6 +268,7 @@ aarch64_clang14() {
 aarch64_clang19() {
     scripts/packages "${aarch64_packages[@]}" clang-19
     aarch64_clang 19 all
+    scripts/check_size build/aarch64_clang19/src/libzivcolor.so
 }
 
 riscv64() {
