@@ -3,6 +3,9 @@
 #include "rgb2yuv/float_set.h"
 #if ZIV_HAS_SSE4_2
 #include "rgb2yuv/near_rows.h"
+#define ZIV_ROW_BODY __attribute__((noinline))  // rows go two at once, and seldom one by one
+#else
+#define ZIV_ROW_BODY ZIV_INLINE_BODY
 #endif
 
 namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
@@ -127,7 +130,7 @@ template <PixelLayout in>
 int32_t rgb_to_nv21_by_float(const Image* srcImg, const Image* dstImg, uint32_t source) {
     if (const int32_t status = check(srcImg, dstImg, source, zivPixFmt_NV21, both_2x2)) return status;
     const Image src = *srcImg, dst = *dstImg;
-    const auto convert_plain = [&](ptrdiff_t i) ZIV_INLINE_BODY {
+    const auto convert_plain = [&](ptrdiff_t i) ZIV_ROW_BODY {
         const uint8_t* pixels = row_at(src.plane[0], i, src.pitch[0]);
         uint8_t* luma = row_at(dst.plane[0], i, dst.pitch[0]);
         uint8_t* chroma = row_at(dst.plane[1], i >> 1, dst.pitch[1]);
