@@ -5,13 +5,20 @@ namespace zivcolor::ZIVCOLOR_TARGET::yuv2rgb {
 
 namespace {
 
-// One row; an odd last column stays unwritten.
+// One row; an odd last column stays unwritten. Where there is a block, the last one ends with the row, and covers columns
+// before it again.
 template <Rgb order>
 ZIV_INLINE void convert_linepacked_row(const uint8_t* luma, PairedChroma<PairOrder::uv> chroma, uint8_t* dst, ptrdiff_t width,
                                        uint8_t alpha) {
-    const ptrdiff_t blocked = blocked_columns<16>(width);
-    convert_row_blocks<SetT5, order>(luma, chroma, dst, blocked, alpha);
-    for (ptrdiff_t j = blocked; j <= width - 2; j += 2) {
+    const ptrdiff_t columns = width / 2 * 2, blocked = blocked_columns<16>(width), last = columns - 16;
+    if (blocked != 0) {
+        convert_row_blocks<SetT5, order>(luma, chroma, dst, blocked, alpha);
+        if (blocked < columns)
+            convert_row_blocks<SetT5, order>(luma + last, PairedChroma<PairOrder::uv>{chroma.pairs + last}, dst + 4 * last, 16,
+                                             alpha);
+        return;
+    }
+    for (ptrdiff_t j = 0; j < columns; j += 2) {
         const int luma0 = luma[j], luma1 = luma[j + 1];
         const Colour d = colour_terms<SetT5>(chroma.u(j), chroma.v(j));
         store_clamped<order>(dst + 4 * j, luma0 + d, alpha);

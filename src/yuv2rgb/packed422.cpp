@@ -55,6 +55,12 @@ ZIV_INLINE int32_t yuyv_to_rgb(const Image* srcImg, const Image* dstImg, uint32_
         const uint8_t* src = row_at(srcImg->plane[0], i, srcImg->pitch[0]);
         uint8_t* dst = row_at(dstImg->plane[0], i, dstImg->pitch[0]);
         convert_packed_blocks<Set, order>(src, dst, blocked, alpha);
+        if constexpr (bytes == 4)  // whose tail does as the blocks do: the last one ends with it, over columns before it
+            if (blocked != 0 && blocked < width) {
+                const ptrdiff_t last = (width + 1) / 2 * 2 - 16;
+                convert_packed<Set, order, 16>(src + 2 * last, dst + bytes * last, alpha);
+                continue;
+            }
         for (ptrdiff_t j = blocked; j < width; j += 2) {
             const uint8_t* group = src + 2 * j;
             const int luma0 = group[0], luma1 = group[2];
