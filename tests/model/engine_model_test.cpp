@@ -853,8 +853,10 @@ TEST_F(EngineModel, AWorkerLeavesItsCallersCpu) {
         for (int i = 0; i < 10; i++) engine.convert(8, 100us);
         expect(host.moves == 1, "not one move");
         host.cpu_of[0] = 1;  // to the worker that spins
+        engine.convert(8, 100us);
+        expect(host.moves == 2, "it has not moved at once");
         for (int i = 0; i < 10; i++) engine.convert(8, 100us);
-        expect(host.moves == 2, "not one more move");
+        expect(host.moves == 2, "it has moved again");
         model::spend(1ms);
         host.cpu_of[0] = 0;  // to the one that sleeps
         for (int i = 0; i < 10; i++) engine.convert(8, 100us);
