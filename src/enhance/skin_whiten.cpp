@@ -57,7 +57,7 @@ ZIV_INLINE void whiten_cell(const RowPair& rows, ptrdiff_t x, const Lift& lift, 
 
 // Brightens 16 columns of a row: one share for each pair of columns, in wrapping 16-bit lanes.
 ZIV_INLINE U8<16> brighten(U8<16> luma, U16<16> share, const int32_t* brightened) {
-    U16<16> even, odd;
+    U16<16> even{}, odd{};
     for (int i = 0; i < 8; i++) {
         even[i] = static_cast<uint16_t>(brightened[luma[2 * i]]);
         odd[i] = static_cast<uint16_t>(brightened[luma[2 * i + 1]]);
