@@ -64,6 +64,21 @@ ZIV_INLINE ptrdiff_t hidden_index(ptrdiff_t j) {
     return j;
 }
 
+// The same of pointers that a walk steps on from row to row: compilers would keep the addresses of each row and vector. All
+// at once, so that each has a register.
+template <class A, class B>
+ZIV_INLINE void hide_pointers(A*& a, B*& b) {
+    asm("" : "+r"(a), "+r"(b));
+}
+template <class A, class B, class C>
+ZIV_INLINE void hide_pointers(A*& a, B*& b, C*& c) {
+    asm("" : "+r"(a), "+r"(b), "+r"(c));
+}
+template <class A, class B, class C, class D>
+ZIV_INLINE void hide_pointers(A*& a, B*& b, C*& c, D*& d) {
+    asm("" : "+r"(a), "+r"(b), "+r"(c), "+r"(d));
+}
+
 // Covers columns 0 to columns - 1 with steps of the target's widest vector first and narrower ones for what is left, and
 // returns the first column left over: fewer than 16 are. The body is called as body(Step<bytes>{}, column).
 template <class Body>

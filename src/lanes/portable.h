@@ -471,11 +471,13 @@ template <int N>
 ZIV_INLINE FourVectors<N> load_four(const uint8_t* p) {
     return {{load<N>(p), load<N>(p + N), load<N>(p + 2 * N), load<N>(p + 3 * N)}};
 }
+// Stands between stores that are to be done in this order, whatever the compiler's scheduler thinks of it.
+ZIV_INLINE void keep_store_order() { asm volatile("" ::: "memory"); }
 template <int N>
 ZIV_INLINE void store_four(uint8_t* p, const FourVectors<N>& four) {
     for (int k = 0; k < 4; k++) {
         store(p + k * N, four.v[k]);
-        asm volatile("" ::: "memory");  // in address order, whatever the compiler's scheduler thinks of it
+        keep_store_order();
     }
 }
 

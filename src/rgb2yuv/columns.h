@@ -53,7 +53,7 @@ namespace zivcolor::ZIVCOLOR_TARGET::rgb2yuv {
 // (c0 * w.c0 + c1 * w.c1 + c2 * w.c2 + 2^14) >> 15, whole.
 template <Weights w, int C>
 ZIV_INLINE auto luma_q15(const Pixels<C, 3>& pixels) {
-    return rounded(luma_q7<w>(pixels));
+    return rounded(fractional_luma<w>(pixels));
 }
 
 inline constexpr int widest_columns = ZIV_HAS_ADVANCED_SIMD ? 32 : widest;

@@ -17,16 +17,16 @@ struct Luma<32> {
     uint8x16_t part[2];
 };
 // Luma of scale 2^8 and a half: its upper bytes are the rounded luma.
-struct LumaQ8Of16 {
+struct FractionalLumaOf16 {
     uint16x8_t lo, hi;
 };
 template <>
-struct LumaQ7<16> {
-    LumaQ8Of16 part[1];
+struct FractionalLuma<16> {
+    FractionalLumaOf16 part[1];
 };
 template <>
-struct LumaQ7<32> {
-    LumaQ8Of16 part[2];
+struct FractionalLuma<32> {
+    FractionalLumaOf16 part[2];
 };
 template <>
 struct ChromaPairs<32> {
@@ -77,7 +77,7 @@ ZIV_INLINE Luma<32> luma_q6(const Pixels<32, c>& pixels) {
 struct TwoSums {
     uint16x8_t lo, hi;
 };
-ZIV_INLINE TwoSums load_twice(const uint16_t (&lanes)[8], uint8x16_t after) {
+ZIV_INLINE TwoSums start_sums(const uint16_t (&lanes)[8], uint8x16_t after) {
     TwoSums sums;
     asm("ldr %q0, %2\n\t"
         "ldr %q1, %2"
@@ -91,14 +91,14 @@ alignas(16) inline constexpr uint16_t centre_q8[8] = {32768, 32768, 32768, 32768
 // (S + 2^14) >> 7 is the sum by the upper bits of the weights plus the sum by their lower 7 bits and 2^14, >> 7; either fits 16
 // bits.
 template <Weights w>
-ZIV_INLINE LumaQ8Of16 luma_q8_of_16(const U8<16>* channels) {
+ZIV_INLINE FractionalLumaOf16 fractional_luma_of_16(const U8<16>* channels) {
     constexpr int most_lower = 255 * ((w.c0 & 127) + (w.c1 & 127) + (w.c2 & 127)) + 16384;
     static_assert(most_lower < 65536 && 255 * ((w.c0 >> 7) + (w.c1 >> 7) + (w.c2 >> 7)) + (most_lower >> 7) < 65536);
     const uint8x16_t c0 = (uint8x16_t)channels[0], c1 = (uint8x16_t)channels[1], c2 = (uint8x16_t)channels[2];
     const uint8x16_t u0 = vdupq_n_u8(w.c0 >> 7), u1 = vdupq_n_u8(w.c1 >> 7), u2 = vdupq_n_u8(w.c2 >> 7);
     const uint8x16_t l0 = vdupq_n_u8(w.c0 & 127), l1 = vdupq_n_u8(w.c1 & 127), l2 = vdupq_n_u8(w.c2 & 127);
     const auto low = [](uint8x16_t v) ZIV_INLINE_BODY { return vget_low_u8(v); };
-    TwoSums sums = load_twice(half_q15, c0);
+    TwoSums sums = start_sums(half_q15, c0);
     sums.lo = vmlal_u8(vmlal_u8(vmlal_u8(sums.lo, low(c1), low(l1)), low(c0), low(l0)), low(c2), low(l2));
     sums.hi = vmlal_high_u8(vmlal_high_u8(vmlal_high_u8(sums.hi, c1, l1), c0, l0), c2, l2);
     const uint16x8_t lo = vmlal_u8(vmlal_u8(vmull_u8(low(c1), low(u1)), low(c0), low(u0)), low(c2), low(u2));
@@ -106,18 +106,18 @@ ZIV_INLINE LumaQ8Of16 luma_q8_of_16(const U8<16>* channels) {
     return {vsraq_n_u16(lo, sums.lo, 7), vsraq_n_u16(hi, sums.hi, 7)};
 }
 template <Weights w>
-ZIV_INLINE LumaQ7<16> luma_q7(const Pixels<16, 3>& pixels) {
-    return {{luma_q8_of_16<w>(pixels.channels.c)}};
+ZIV_INLINE FractionalLuma<16> fractional_luma(const Pixels<16, 3>& pixels) {
+    return {{fractional_luma_of_16<w>(pixels.channels.c)}};
 }
 template <Weights w>
-ZIV_INLINE LumaQ7<32> luma_q7(const Pixels<32, 3>& pixels) {
-    return {{luma_q8_of_16<w>(pixels.part[0].c), luma_q8_of_16<w>(pixels.part[1].c)}};
+ZIV_INLINE FractionalLuma<32> fractional_luma(const Pixels<32, 3>& pixels) {
+    return {{fractional_luma_of_16<w>(pixels.part[0].c), fractional_luma_of_16<w>(pixels.part[1].c)}};
 }
 ZIV_INLINE uint8x16_t upper_bytes(uint16x8_t lo, uint16x8_t hi) {
     return vuzp2q_u8(vreinterpretq_u8_u16(lo), vreinterpretq_u8_u16(hi));
 }
-ZIV_INLINE Luma<16> rounded(const LumaQ7<16>& luma) { return {(U8<16>)upper_bytes(luma.part[0].lo, luma.part[0].hi)}; }
-ZIV_INLINE Luma<32> rounded(const LumaQ7<32>& luma) {
+ZIV_INLINE Luma<16> rounded(const FractionalLuma<16>& luma) { return {(U8<16>)upper_bytes(luma.part[0].lo, luma.part[0].hi)}; }
+ZIV_INLINE Luma<32> rounded(const FractionalLuma<32>& luma) {
     return {{upper_bytes(luma.part[0].lo, luma.part[0].hi), upper_bytes(luma.part[1].lo, luma.part[1].hi)}};
 }
 
@@ -162,7 +162,7 @@ template <int c>
 ZIV_INLINE S16<16> even_columns(const Pixels<16, c>& pixels, int channel) {
     return (S16<16>)even_bytes<16>(pixels.channels.c[channel]);
 }
-ZIV_INLINE S16<16> even_columns(const LumaQ7<16>& luma) {
+ZIV_INLINE S16<16> even_columns(const FractionalLuma<16>& luma) {
     const uint16x8_t even = vuzp1q_u16(luma.part[0].lo, luma.part[0].hi);
     return (S16<16>)vsubq_u16(vshrq_n_u16(even, 1), vdupq_n_u16(64));
 }
@@ -197,7 +197,7 @@ inline constexpr bool is_nine_sixteenths = s.weight << (8 - s.shift) == 9 << 4;
 template <ShiftedWeight s0>
 ZIV_INLINE ChromaPairs<32> product_and_nine_sixteenths(uint8x16_t c0, uint8x16_t c2, uint8x16_t luma) {
     const uint8x16_t weight = weights_of_difference<s0>();
-    auto [lo, hi] = load_twice(centre_q8, c0);
+    auto [lo, hi] = start_sums(centre_q8, c0);
     lo = vmlal_u8(lo, vget_low_u8(c0), vget_low_u8(weight));
     hi = vmlal_high_u8(hi, c0, weight);
     uint8x16_t sum, eighth, parity;
@@ -277,7 +277,7 @@ ZIV_INLINE uint8x16_t fractional_difference_q15(const Pixels<32, 3>& pixels, int
     return centred(vqrshrn_high_n_s16(chroma_lo, vqdmulhq_n_s16(hi, weight / 2), 6));
 }
 template <OuterWeights w>
-ZIV_INLINE ChromaPairs<32> fractional_differences_q15(const Pixels<32, 3>& pixels, const LumaQ7<32>& luma) {
+ZIV_INLINE ChromaPairs<32> fractional_differences_q15(const Pixels<32, 3>& pixels, const FractionalLuma<32>& luma) {
     const uint16x8_t lo = vuzp1q_u16(luma.part[0].lo, luma.part[0].hi), hi = vuzp1q_u16(luma.part[1].lo, luma.part[1].hi);
     return {fractional_difference_q15<w.c0>(pixels, 0, lo, hi), fractional_difference_q15<w.c2>(pixels, 2, lo, hi)};
 }

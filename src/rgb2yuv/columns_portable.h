@@ -29,7 +29,7 @@ struct Luma {
     U8<C> bytes;
 };
 template <int C>
-struct LumaQ7 {
+struct FractionalLuma {
     U16<C> even, odd;
 };
 // The upper bytes of the lanes, interleaved.
@@ -61,7 +61,7 @@ ZIV_INLINE Luma<C> luma_q6(Pixels<C, c> pixels) {
 // (c0 * w.c0 + c1 * w.c1 + c2 * w.c2) >> 8, below 2^15 - 2^6: the sum by the upper bytes of the weights, plus the sum by their
 // lower bytes >> 8. Either fits 16 bits.
 template <Weights w, int C>
-ZIV_INLINE LumaQ7<C> luma_q7(const Pixels<C, 3>& pixels) {
+ZIV_INLINE FractionalLuma<C> fractional_luma(const Pixels<C, 3>& pixels) {
     static_assert((w.c0 >> 8) + (w.c1 >> 8) + (w.c2 >> 8) < 256 && (w.c0 & 255) + (w.c1 & 255) + (w.c2 & 255) <= 257);
     const auto weigh = [](const U16<C>(&channels)[3]) ZIV_INLINE_BODY {
         return weigh_channels<C>(channels, w.c0 >> 8, w.c1 >> 8, w.c2 >> 8) +
@@ -72,7 +72,7 @@ ZIV_INLINE LumaQ7<C> luma_q7(const Pixels<C, 3>& pixels) {
 
 // (luma + 2^6) >> 7
 template <int C>
-ZIV_INLINE Luma<C> rounded(const LumaQ7<C>& luma) {
+ZIV_INLINE Luma<C> rounded(const FractionalLuma<C>& luma) {
     return luma_of_upper_bytes<C>((luma.even + 64) << 1, (luma.odd + 64) << 1);
 }
 
@@ -97,7 +97,7 @@ ZIV_INLINE S16<C> even_columns(const Luma<C>& luma) {
     return (S16<C>)even_bytes<C>(luma.bytes);
 }
 template <int C>
-ZIV_INLINE S16<C> even_columns(const LumaQ7<C>& luma) {
+ZIV_INLINE S16<C> even_columns(const FractionalLuma<C>& luma) {
     return (S16<C>)luma.even;
 }
 
@@ -120,7 +120,7 @@ ZIV_INLINE ChromaPairs<C> rounded_differences_q15(const Pixels<C, 3>& pixels, co
 // ((((byte << 7) - luma) * weight >> 7) + 2^14) >> 15, where the difference fits 16 bits. Shifting right by 16, rounding and
 // shifting by 6 is the same, as no bit below 2^16 can carry into the rounding bit.
 template <OuterWeights w, int C>
-ZIV_INLINE ChromaPairs<C> fractional_differences_q15(const Pixels<C, 3>& pixels, const LumaQ7<C>& luma) {
+ZIV_INLINE ChromaPairs<C> fractional_differences_q15(const Pixels<C, 3>& pixels, const FractionalLuma<C>& luma) {
     const S16<C> y = even_columns(luma);
     const S16<C> d0 = multiply_high<C>((even_columns(pixels, 0) << 7) - y, S16<C>{} + int16_t{w.c0});
     const S16<C> d2 = multiply_high<C>((even_columns(pixels, 2) << 7) - y, S16<C>{} + int16_t{w.c2});

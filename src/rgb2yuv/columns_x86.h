@@ -180,7 +180,7 @@ struct LumaWords {
 };
 // The same with 7 fractional bits.
 template <int C, int c>
-struct LumaQ7 {
+struct FractionalLuma {
     U16<C> lo, hi;
 };
 
@@ -242,7 +242,7 @@ ZIV_INLINE U16<64> middle_words<64>(S32<64> a, S32<64> b) {
 
 // (c0 * w.c0 + c1 * w.c1 + c2 * w.c2) >> 8, below 2^15 - 2^6.
 template <Weights w, int C>
-ZIV_INLINE LumaQ7<C, 3> luma_q7(const Pixels<C, 3>& pixels) {
+ZIV_INLINE FractionalLuma<C, 3> fractional_luma(const Pixels<C, 3>& pixels) {
     constexpr FactoredWeights f = factored(w);
     static_assert(f.low != 0);
     const S8<C> bytes = byte_weights<C>(f.b0, f.b1, f.b2, f.b3);
@@ -253,7 +253,7 @@ ZIV_INLINE LumaQ7<C, 3> luma_q7(const Pixels<C, 3>& pixels) {
 
 // (luma + 2^6) >> 7, which is the rounding high multiply by 2^8.
 template <int C, int c>
-ZIV_INLINE LumaWords<C, c, 0> rounded(const LumaQ7<C, c>& luma) {
+ZIV_INLINE LumaWords<C, c, 0> rounded(const FractionalLuma<C, c>& luma) {
     const S16<C> scale = S16<C>{} + 256;
     return {(U16<C>)multiply_round_high<C>((S16<C>)luma.lo, scale), (U16<C>)multiply_round_high<C>((S16<C>)luma.hi, scale)};
 }
@@ -323,7 +323,7 @@ ZIV_INLINE S16<C> fractional_difference(U8<C> even, U16<C> luma) {
     return multiply_round_high<C>(product, S16<C>{} + 512);
 }
 template <OuterWeights w, int C>
-ZIV_INLINE ChromaPairs<C, 3> fractional_differences_q15(const Pixels<C, 3>& pixels, const LumaQ7<C, 3>& luma) {
+ZIV_INLINE ChromaPairs<C, 3> fractional_differences_q15(const Pixels<C, 3>& pixels, const FractionalLuma<C, 3>& luma) {
     return centred<3, C>(fractional_difference<w, C>(even_pixels(pixels.q0, pixels.q1), luma.lo),
                          fractional_difference<w, C>(even_pixels(pixels.q2, pixels.q3), luma.hi));
 }

@@ -80,10 +80,10 @@ struct FineLuma {
 
     template <PixelLayout in, int C>
     ZIV_INLINE static auto weigh(const Pixels<C, in.bytes>& pixels) {
-        return luma_q7<weights_in_memory_order<in>(9798, 19235, 3736)>(pixels);
+        return fractional_luma<weights_in_memory_order<in>(9798, 19235, 3736)>(pixels);
     }
-    template <class LumaQ7>
-    ZIV_INLINE static auto luma(const LumaQ7& luma) {
+    template <class FractionalLuma>
+    ZIV_INLINE static auto luma(const FractionalLuma& luma) {
         return rounded(luma);
     }
     template <PixelLayout in, int C>
@@ -119,8 +119,8 @@ struct FineFractionalSet : FineLuma {
     static int u(Pixel p) { return clamp_byte((((difference(p.b, p) * 18492 >> 7) + 16384) >> 15) + 128); }
     static int v(Pixel p) { return clamp_byte((((difference(p.r, p) * 23372 >> 7) + 16384) >> 15) + 128); }
 
-    template <PixelLayout in, int C, class LumaQ7>
-    ZIV_INLINE static auto chroma(const Pixels<C, in.bytes>& pixels, const LumaQ7& luma) {
+    template <PixelLayout in, int C, class FractionalLuma>
+    ZIV_INLINE static auto chroma(const Pixels<C, in.bytes>& pixels, const FractionalLuma& luma) {
         return fractional_differences_q15<chroma_weights<in>>(pixels, luma);
     }
 };

@@ -67,14 +67,13 @@ struct PixelMove<16, in, from...> {
     ZIV_INLINE static void move(uint8_t* dst, const uint8_t* src) {
         constexpr int out = sizeof...(from);
         const __m128i r0 = moved<0>(src), r1 = moved<1>(src), r2 = moved<2>(src), r3 = moved<out - 1>(src);
-        // In address order, whatever the compiler's scheduler thinks of it.
         store128(dst, r0);
-        asm volatile("" ::: "memory");
+        keep_store_order();
         store128(dst + 16, r1);
-        asm volatile("" ::: "memory");
+        keep_store_order();
         store128(dst + 32, r2);
         if constexpr (out == 4) {
-            asm volatile("" ::: "memory");
+            keep_store_order();
             store128(dst + 48, r3);
         }
     }

@@ -41,14 +41,14 @@ ZIV_INLINE int32_t convert_444_to_420(const Image* srcImg, const Image* dstImg, 
 [[gnu::noinline]] void subsample_planar(const uint8_t* u, ptrdiff_t u_step, const uint8_t* v, ptrdiff_t v_step, uint8_t* dst_u,
                                         uint8_t* dst_v, ptrdiff_t pairs, ptrdiff_t rows) {
     for (; rows > 0; rows--, u += u_step, v += v_step, dst_u += pairs, dst_v += pairs) {
-        asm("" : "+r"(u), "+r"(v), "+r"(dst_u), "+r"(dst_v));  // or else compilers keep the addresses of each vector
+        hide_pointers(u, v, dst_u, dst_v);
         even_runs(u, v, dst_u, dst_v, pairs);
     }
 }
 [[gnu::noinline]] void subsample_pairs(const uint8_t* first, ptrdiff_t first_step, const uint8_t* second, ptrdiff_t second_step,
                                        uint8_t* dst, ptrdiff_t pairs, ptrdiff_t rows) {
     for (; rows > 0; rows--, first += first_step, second += second_step, dst += 2 * pairs) {
-        asm("" : "+r"(first), "+r"(second), "+r"(dst));
+        hide_pointers(first, second, dst);
         interleave_even_run(first, second, dst, pairs);
     }
 }
@@ -175,7 +175,7 @@ ZIV_INLINE void pack_columns(const uint8_t* luma0, const uint8_t* luma1, const u
         const uint8_t *luma0 = luma, *luma1 = luma + hidden_index(luma_pitch), *pairs = chroma;
         uint8_t *dst0 = dst, *dst1 = dst + hidden_index(dst_pitch);
         // Pointers of the row's own, which its stores step on.
-        if constexpr (ZIV_HAS_ADVANCED_SIMD) asm("" : "+r"(dst0), "+r"(dst1));
+        if constexpr (ZIV_HAS_ADVANCED_SIMD) hide_pointers(dst0, dst1);
         if (overlap) [[unlikely]] {
             by_blocks<16>(width, [=](auto step, ptrdiff_t k) { pack_columns<step.value>(luma0, luma1, pairs, dst0, dst1, k); });
             continue;

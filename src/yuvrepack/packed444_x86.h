@@ -25,9 +25,9 @@ template <>
 ZIV_INLINE void store_packed444<16>(uint8_t* p, U8<16> luma, const PackedChroma<16>& chroma) {
     const __m128i y = (__m128i)luma;
     store128(p, _mm_or_si128(_mm_shuffle_epi8(y, spread_mask<3, 0, 0>()), chroma.part[0]));
-    asm volatile("" ::: "memory");  // in address order, whatever the compiler's scheduler thinks of it
+    keep_store_order();
     store128(p + 16, _mm_or_si128(_mm_shuffle_epi8(y, spread_mask<3, 1, 0>()), chroma.part[1]));
-    asm volatile("" ::: "memory");
+    keep_store_order();
     store128(p + 32, _mm_or_si128(_mm_shuffle_epi8(y, spread_mask<3, 2, 0>()), chroma.part[2]));
 }
 
