@@ -266,7 +266,7 @@ OPERATION(store2_pairs, { store2_pairs<N>(out, v.a, v.b); })
 COLUMN_TERM(luma_q6_3, { store_luma(out, luma_q6<Weights{19, 38, 7}, own_bytes>(load_pixels<N, 3>(in))); })
 COLUMN_TERM(luma_q6_4, { store_luma(out, luma_q6<Weights{7, 38, 19}, own_bytes>(load_pixels<N, 4>(in))); })
 COLUMN_TERM(luma_q6_shared, { store_luma(out, luma_q6<Weights{19, 38, 7}, 2>(load_pixels<N, 4>(in))); })
-COLUMN_TERM(luma_q15, { store_luma(out, rounded(luma_q7<Weights{3736, 19235, 9798}>(load_pixels<N, 3>(in)))); })
+COLUMN_TERM(luma_q15, { store_luma(out, rounded(fractional_luma<Weights{3736, 19235, 9798}>(load_pixels<N, 3>(in)))); })
 // Bytes 0 and 2 of the even columns against luma: scaled, rounded, fractional.
 COLUMN_TERM(scaled_differences, {
     const auto pixels = load_pixels<N, 3>(in);
@@ -275,12 +275,12 @@ COLUMN_TERM(scaled_differences, {
 })
 COLUMN_TERM(rounded_differences, {
     const auto pixels = load_pixels<N, 3>(in);
-    const auto luma = luma_q7<Weights{3736, 19235, 9798}>(pixels);
+    const auto luma = fractional_luma<Weights{3736, 19235, 9798}>(pixels);
     store_planes(out, out + N / 2, rounded_differences_q15<OuterWeights{18492, 23372}>(pixels, rounded(luma)));
 })
 COLUMN_TERM(fractional_differences, {
     const auto pixels = load_pixels<N, 3>(in);
-    const auto luma = luma_q7<Weights{3736, 19235, 9798}>(pixels);
+    const auto luma = fractional_luma<Weights{3736, 19235, 9798}>(pixels);
     store_pairs<true>(out, fractional_differences_q15<OuterWeights{18492, 23372}>(pixels, luma));
 })
 template <bool luma_first, int N>
