@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every kernel on every target that runs here, beside libyuv and a memory copy of the same bytes.
 //   zivcolor_bench [google benchmark's flags]
 // Names read kernel/target/width:W/height:H/offset:BYTES. Each is repeated, the repetitions of all interleaved, and reported by

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From which size on threads pay: conversions on one thread and on a context, by size.
 //   zivcolor_break_even [BLOCKS]   prints a line of JSON for each pair and size: microseconds a call, median and least
 // Both are measured in turn, in blocks of some milliseconds, so that what else the machine does meets both. Within a block,

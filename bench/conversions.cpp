@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every conversion of the kernel list on every target that runs here, and through libyuv.
 #include "core/targets.h"
 #include "measure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How every benchmark here measures: images of named sizes at named places, time a pixel, bytes a second, and copies.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The same conversion through libyuv, where it has one: nearest in meaning, not the same bytes.
 #pragma once
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Turns a benchmark's JSON into tables on the terminal and a chart: every kernel at every size, and how the pairs that libyuv has too
 compare with it, each target with libyuv held to the same instruction set.
 usage: report.py BENCH.json CHART.svg"""

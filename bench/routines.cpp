@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Kernels with a signature of their own, on every target that runs here.
 #include <algorithm>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The multi-threaded front beside one thread.
 #include <memory>
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Cross build for AArch64 Linux with Debian's compiler; programs run under qemu-user.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)

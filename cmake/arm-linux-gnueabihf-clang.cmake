@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # 32-bit ARM Linux with clang and NEON, as Android's armeabi-v7a is built; -DZIVCOLOR_CLANG=clang++-19 names one.
 set(zivcolor_triple arm-linux-gnueabihf)
 include(${CMAKE_CURRENT_LIST_DIR}/linux-clang.cmake)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What the compiler builds for, and what all of our own code is built with.
 include(CheckCXXCompilerFlag)
 include(CheckCXXSourceCompiles)

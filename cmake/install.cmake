@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Package files: find_package(zivcolor), pkg-config, and archives by cpack.
 include(CMakePackageConfigHelpers)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The library, static and shared, made of the same objects.
 
 # The C++ library that the compiler links by itself: a program that is linked as C has to be told of it.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What the toolchain files of clang for another Linux machine share: they set zivcolor_triple, whose GCC packages are installed.
 set(CMAKE_SYSTEM_NAME Linux)
 set(ZIVCOLOR_CLANG clang++ CACHE STRING "The clang++ to cross-compile with")

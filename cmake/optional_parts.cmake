@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Tests, benchmarks and examples need packages of their own. Where one is not found, its part is left out.
 function(zivcolor_leave_out option part package)
     message(STATUS "zivcolor: no ${part}, since ${package} is not found")

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The targets: what the CPU must be capable of (src/core/capabilities.h), the compiler's flags for it, the target that it extends,
 # and the parts of the kernel list (src/core/kernel_list.h) that are built for it; all others it takes from the one that it extends.
 set(zivcolor_capabilities SSE4_2 AVX2 AVX512_VBMI ADVANCED_SIMD DOT_PRODUCT)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Cross build with zig's compiler, a clang with the headers and libraries of many systems:
 #   -DCMAKE_TOOLCHAIN_FILE=cmake/zig.cmake -DZIVCOLOR_ZIG=/path/to/zig -DZIVCOLOR_ZIG_TARGET=aarch64-macos
 # LLVM's tools for archives and the like are taken from version 19.

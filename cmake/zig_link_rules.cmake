@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Shared libraries are linked by LLVM's linker, against none of the system's libraries: the C and the C++ library are left to be found
 # when a program is loaded. (zig's linkers know no list of exports for macOS and refuse options of others; and zig makes a C and a
 # C++ library first, which takes minutes and shows nothing of this one.)

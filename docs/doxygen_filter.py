@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Makes Doxygen comments of the plain ones in include/zivcolor.h: python3 docs/doxygen_filter.py FILE
 
 A comment documents every declaration between it and the next comment. One with no declaration of its own belongs to the section

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The facts of kernel_facts.h as tables, and the proof that they and the kernel list name the same kernels.
 #pragma once
 

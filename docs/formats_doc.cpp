@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writes docs/formats.md to standard output, from the kernel list and the facts beside it.
 //   formats_doc [FILE]   with a file, says whether it holds what would be written
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What cannot be derived from the kernel list, told once for each kernel: docs/formats.md is generated from these rows and from
 // src/core/kernel_list.h, and tests/facts_test.cpp proves what of them can be measured.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The multi-threaded context: its bands are independent at even widths, so that the reference, band by band, tells the result.
 #include "parallel/context.h"
 #include "input.h"

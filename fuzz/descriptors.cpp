@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Two image descriptors through the dispatcher and to the kernels of every target, against the reference.
 #include "core/layout_list.h"
 #include "input.h"

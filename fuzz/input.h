@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a fuzzer reads its case from: choices, each of one or two bytes of the input. After the input's end all are the first.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The entry points with signatures of their own, on every target, against the reference.
 #include "input.h"
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* zivcolor: pixel-format conversion for imaging software.
  *
  * Every function rewrites pixels from one layout to another in memory that the caller owns, and returns a status.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Turns the lines of zivcolor_break_even into a table on the terminal and an SVG chart of the speed-up by size."""
 import html
 import json

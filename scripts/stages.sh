@@ -1,16 +1,17 @@
+# SPDX-License-Identifier: MIT
 # The stages of the proof and what they are made of; scripts/test runs them.
 # shellcheck shell=bash disable=SC2034,SC2154  # the lists are read there, the stage is named there
 
 # Name, longest time in seconds, what it proves; each is a function of the same name below. The first list is the quick proof; `all`
 # runs the second.
 quick_stages="
-format          120  clang-format changes nothing
+format          120  clang-format changes nothing; every file of code names its licence
 quick           900  GCC: every target of this CPU by every test; of the 2^24 colours one strip in 15
 quick_aarch64   900  GCC: the kernels' tables on emulated AArch64 against the reference, without walks over colours; exported names
 quick_package   300  an installation is found and used from C and from C++
 "
 all_stages="
-format          120  clang-format changes nothing
+format          120  clang-format changes nothing; every file of code names its licence
 release        1200  GCC: every target of this CPU by every test, all 2^24 colours; exported names, no stray symbols
 clang          1200  clang 14: benchmarks and demo compile; every target by every test, a sample of the colours
 clang19        1200  clang 19: every target by every test, all 2^24 colours; exported names, no stray symbols

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every colour through every kernel from RGB to YUV on every target, once in blocks and once in the tail; and how many colours
 // come out of the two as different samples.
 #include <cstdlib>

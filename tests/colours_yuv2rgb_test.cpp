@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every triple of Y, U and V through every kernel from YUV to RGB on every target, once in blocks and once in the tail; and how
 // many triples come out of the two as different pixels.
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every conversion of the kernel list on every target against the reference: whole arenas, byte for byte.
 #include <gtest/gtest.h>
 

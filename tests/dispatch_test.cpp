@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zivColorCvt: the order of its tests, and which kernel each of all pairs of codes reaches.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Worked examples of whitening by a mask and of merge weights.
 #include <gtest/gtest.h>
 

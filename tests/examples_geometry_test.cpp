@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Worked examples of turns and mirrors.
 #include <gtest/gtest.h>
 

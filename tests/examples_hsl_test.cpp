@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Worked examples of hue, saturation and lightness.
 #include <gtest/gtest.h>
 

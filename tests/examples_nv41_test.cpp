@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Worked examples of NV41, whose one pair V U serves 4 by 4 luma samples.
 #include "harness/canvas.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Worked examples of the RGB to YUV kernels: colours, siting, odd sizes, and the members with ways of their own.
 #include <algorithm>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Worked examples of channel reordering and of the 565 words, and conversion in place.
 #include <algorithm>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Worked examples of the YUV to RGB kernels: colours, and which pixels are written from where.
 #include <algorithm>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Worked examples of the conversions between 4:2:0 arrangements.
 #include "harness/canvas.h"
 #include "harness/workspace.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Worked examples of the planar sources with chroma halved in one direction.
 #include "harness/canvas.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Worked examples of planar 4:4:4 sources and of packed YUV.
 #include "harness/canvas.h"
 

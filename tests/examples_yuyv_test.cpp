@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Worked examples of packed 4:2:2 in and out.
 #include <algorithm>
 #include <numeric>

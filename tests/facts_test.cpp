@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The facts of docs/kernel_facts.h, measured on the reference, which the library equals byte for byte.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Turns and mirrors on every target against the reference, and by their meaning.
 #include <gtest/gtest.h>
 

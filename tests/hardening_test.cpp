@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The ends of the value ranges: images whose rows lie so far apart that offsets pass 32 bits, and sizes and pitches that are
 // the least or the greatest of their type.
 #include <gtest/gtest.h>

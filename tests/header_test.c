@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* The public header in plain C: sizes and offsets of the records that cross the boundary. */
 #include "zivcolor.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The public header in C++: the same layout as in C, the codes and statuses as numbers, and a call made from C.
 #include "zivcolor.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every colour, and every 565 word in both readings, through the blocks and through the scalar tail of every target.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The arithmetic identities behind the vector forms of the RGB to YUV sets, each over all the values that it speaks of.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every term of the lane vocabulary on every target and vector size against its scalar meaning: exhaustively over pairs of
 // bytes and over single 16-bit lanes, then over seeded random bytes that favour the extremes.
 #include <gtest/gtest.h>

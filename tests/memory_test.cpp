@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "parallel/memory.h"
 
 #include <gtest/gtest.h>

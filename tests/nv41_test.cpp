@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the NV41 kernels do beside the common conversion tests: the upsampling kernel with its work buffer, one memory for
 // source and destination, and the first generation's end.
 #include <gtest/gtest.h>

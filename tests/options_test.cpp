@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // No kernel is without tests.
 #include "harness/options.h"
 

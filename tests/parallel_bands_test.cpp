@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How rows are split into bands, which task a pair of codes has, and each task against the conversion of the whole image.
 #include <gtest/gtest.h>
 

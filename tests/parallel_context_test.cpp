@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The multi-threaded front with the real engine.
 #include <gtest/gtest.h>
 #include <sys/wait.h>

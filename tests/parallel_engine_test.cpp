@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The parallel engine by itself.
 #include "parallel/engine.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whitening by a mask and merge weights against the reference.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The HSL kernels against the reference. Widths below 8 are never called: their blocks would run on beyond the image.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every conversion that goes by tiles and streaming stores where images are large, on every target, made to go so at small
 // sizes: whole arenas against the reference, byte for byte. And large images by way of the entries, which choose.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which targets are built, and which one is chosen.
 #include <gtest/gtest.h>
 

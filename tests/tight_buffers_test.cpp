@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The kernels that take one tight buffer on each side and find the planes by computation.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* A plugin of qemu's user emulation: how often each translated block of instructions has run, and its instructions.
  *   qemu-aarch64 -plugin blocks.so,out=FILE PROGRAM
  * Each line of the file: address, number of runs, instruction words in hexadecimal.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Estimated cycles a pixel of AArch64 code on several cores, ours and libyuv's.
 
 The blocks of instructions that a conversion runs are counted under qemu's user emulation; what a block costs is what llvm-mca's model of the

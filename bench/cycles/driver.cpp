@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One conversion, ours or libyuv's, called so many times on a picture of 640 by 64: what is counted under emulation.
 //   zivcolor_cycles                              lists the conversions that libyuv has too
 //   zivcolor_cycles KERNEL ours|libyuv CALLS

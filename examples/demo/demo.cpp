@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shows the library at work: takes a picture through every pair of layouts that the dispatcher has and back, prints a table,
 // and writes one labelled contact sheet.
 //   zivcolor_demo [PICTURE.png|.jpg] [-o SHEET.png]   without a picture it renders a scene of its own

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text in a small fixed font: capitals, digits and what labels need. Lower case is drawn as capitals.
 #include <algorithm>
 #include <cctype>

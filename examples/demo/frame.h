@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A picture in one of the library's layouts, in memory of its own.
 #pragma once
 

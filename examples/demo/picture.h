@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An RGB picture in memory, read from and written to files.
 #pragma once
 

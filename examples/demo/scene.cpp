@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A picture that is hard on colour conversion: smooth gradients, skin tones, saturated bars, fine detail.
 #include <algorithm>
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A contact sheet: labelled thumbnails in rows.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a CPU may be capable of beyond plain C++. A target is a set of these, told in cmake/targets.cmake; the build defines
 // ZIV_HAS_<CAPABILITY> as 1 or 0 for each while it compiles the kernels of a target, and nothing else tells targets apart.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the library's own code reaches a kernel: by the table of the best target that runs here. It never goes by an exported
 // name, where an application's function of that name could stand in for the library's.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zivColorCvt: from a pair of format codes to the one kernel written for it.
 #include "core/chosen_kernels.h"
 #include "core/streaming.h"

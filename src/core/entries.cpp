@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exported entry of every kernel: hands the call to the kernel that was built for this CPU.
 #include "core/chosen_kernels.h"
 #include "core/streaming.h"

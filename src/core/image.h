@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The records that cross the boundary, under the names that the library's own code uses.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What every kernel file starts from. Kernel files are built once for each target, so all of this stands in the target's own
 // namespace, and nothing here may come from a standard header but plain types.
 #pragma once

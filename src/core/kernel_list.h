@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The kernel list: every kernel of the library, once. The exported entries, the function table of each target, the dispatcher's
 // rows, the slots of the band tasks, the tests, the benchmarks and the format tables in the docs are derived from it.
 // Adding a kernel is one line here and one function in a file of its family.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The kernels of a target, declared and tabled from the kernel list.
 #pragma once
 

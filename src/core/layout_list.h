@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The layout list: every layout of the library, once. Band tasks, the tests, the fuzzers, the demo and the format tables in the
 // docs are derived from it.
 #pragma once

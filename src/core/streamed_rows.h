@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rows written by streaming stores, and from which size on that pays. For kernel files too.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Images beyond the caches. A kernel's stores read every line of the destination only to overwrite it: a third of the traffic
 // where nothing stays in the caches. There an image is converted by tiles small enough for the first level, each into a buffer,
 // from where whole lines go out by streaming stores, which read nothing. The kernels know nothing of it.

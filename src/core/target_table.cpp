@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The function table of one target; built once for each. The build defines ZIVCOLOR_<part> as the target whose kernels of that
 // part it takes: itself, or one that it extends.
 #include "core/kernels.h"

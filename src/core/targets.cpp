@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/targets.h"
 
 #include "core/capabilities.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The targets that the kernels are built for, and the table of kernels of each.
 #pragma once
 

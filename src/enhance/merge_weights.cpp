@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A row of 8-bit weights from every twentieth entry of a row of sums. Blocks of 8 columns multiply by the reciprocal in
 // binary32; the tail divides integers, takes whole entries and has no lower clamp.
 #include "enhance/weight_lanes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a table adds to each luma value, where that fits a byte: then luma is brightened by one look-up and one product of
 // bytes. On Advanced SIMD, which looks up in 64 bytes at once.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Skin whitening in place: a mask brightens the luma of a 4:2:0 image through a table and lifts its chroma. Cells of 2 by 2
 // luma samples and one pair V, U. Three forms of the chroma arithmetic, each as its callers know it: the scalar kernel's, the
 // blocks', and that of the blocked kernel's tail. The mask starts again for every pair of rows.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lanes of the merge weights.
 #pragma once
 

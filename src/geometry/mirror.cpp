@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // NV21 left to right and top to bottom. For tight images: the rows of a pair lie a width apart on both sides. Columns go in
 // pairs, so that an odd width takes one more, and rows too, so that an odd height takes one more.
 #include "geometry/row_pairs.h"

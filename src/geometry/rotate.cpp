@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Quarter and half turns of a semi-planar 4:2:0 image. A chroma pair is moved whole, so that its order does not matter.
 #include "geometry/row_pairs.h"
 #include "geometry/transpose.h"

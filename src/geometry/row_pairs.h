@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The walk of the half turn and the mirrors: two luma rows and the chroma row that belongs to them, a pass at a time.
 #pragma once
 

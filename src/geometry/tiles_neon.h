@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tiles of 16 bytes of 16 rows on Advanced SIMD, in an order and by addresses that every core takes well: in-order ones wait
 // for what a late address is added to, and compilers pair the stores of two vectors that are yet to be zipped, which small
 // cores take long for.

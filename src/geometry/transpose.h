@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transposition of a plane of samples of 1 or 2 bytes. Sizes are told by the runs that are moved: a run of `columns` bytes in
 // each source row, a run of `rows` bytes in each destination row.
 #pragma once

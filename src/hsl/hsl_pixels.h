@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pixels to hue, saturation and lightness, in a scalar and a block form that agree to the bit. Lightness is the rounded mean of
 // the largest and the smallest channel. Hue has three thirds, based at 0 (red), 85 (green) and 170 (blue), 42 steps to either
 // side; what would be below 0 is 0. Grey has the hue 170 and the saturation 0.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // I420 to HSL888 by way of B, G, R. Two rows a pass, so that a chroma sample serves its four pixels. Scale 2^14; luma is not
 // offset and its scaled value a whole multiple, so that a channel is luma plus a term of the chroma sample alone.
 #include "hsl/hsl_pixels.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // BGR888 and 16-bit words to HSL888.
 #include "hsl/hsl_pixels.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Quotients by way of reciprocals: 65536 / i, and the numbers that it multiplies.
 #pragma once
 

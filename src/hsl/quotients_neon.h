@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reciprocals and what they multiply, on Advanced SIMD.
 #pragma once
 

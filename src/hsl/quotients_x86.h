@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reciprocals and what they multiply on x86-64, for vectors of 16, 32 and 64 bytes.
 #pragma once
 

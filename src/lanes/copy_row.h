@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Copies of rows and planes.
 #pragma once
 

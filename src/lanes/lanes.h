@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lane vocabulary: vectors of 16, 32 or 64 bytes and the operations that kernels are written in, each with one exact scalar
 // meaning. portable.h defines every operation in plain lane arithmetic; the files of the instruction sets specialise those that
 // their instructions do better. Shifting, wrapping arithmetic and comparison are the vector operators of the compiler.

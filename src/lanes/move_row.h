@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A pass along a row that moves samples and changes none.
 #pragma once
 

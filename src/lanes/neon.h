@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lane vocabulary on Advanced SIMD.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every lane operation in plain lane arithmetic: its definition, and the code of targets that have nothing better. Written for
 // what every vector unit has: shifts, masks, minima, halves zipped, and bytes narrowed from 16-bit lanes. An operation that
 // only wider vectors would need in another form is for 16 bytes.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lane vocabulary on 16-byte vectors of x86-64 with SSE4.2.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lane vocabulary on 32-byte vectors of x86-64 with AVX2. Most byte shuffles stay within a vector's two 16-byte halves: the
 // forms below work on the halves side by side, each as its 16-byte sibling does, and load or store the halves where they
 // belong.

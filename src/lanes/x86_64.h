@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lane vocabulary on 64-byte vectors of x86-64 with AVX-512 F, BW, VL and VBMI: bytes move anywhere in one permutation.
 #pragma once
 

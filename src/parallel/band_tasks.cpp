@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "parallel/band_tasks.h"
 
 #include <type_traits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Band tasks: one conversion over a run of rows, in the form that the parallel engine runs.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the rows of a destination are dealt out to bands.
 #pragma once
 

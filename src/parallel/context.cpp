@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The multi-threaded front: a conversion is divided into bands of rows, which the parallel engine runs.
 #include "parallel/context.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The record behind the handle of the multi-threaded front.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How many CPUs there are for the calling thread.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The parallel engine: runs task functions on worker threads. An engine is an opaque handle; a process may hold any number of
 // them, and any thread may add and wait. Workers sleep while there is nothing to run. Tasks must not wait for one another.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The memory service: the one place where the library takes and gives back memory, copies blocks and fills them.
 // Its names stand in the library's namespace: a program's own MemMgrAlloc is another function.
 #pragma once

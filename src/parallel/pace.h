@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What an engine learns from how long its tasks take, and what it decides by that: which tasks are worth a queue, and when a
 // worker is worth its call. All of it is hints: any thread reads and writes them, without a lock and in no order. A wrong one
 // costs time and nothing else.

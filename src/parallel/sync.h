@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the engine takes from the standard library to let threads meet, in one place so that a test can put its own there and
 // walk through the schedules.
 #pragma once

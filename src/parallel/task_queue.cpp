@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "parallel/task_queue.h"
 
 #include <new>

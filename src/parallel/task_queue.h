@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tasks of an engine: a fixed number of places, of which the queued ones stand in the order of adding. Nothing here locks:
 // the engine holds its lock around every call.
 #pragma once

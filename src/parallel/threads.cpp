@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "parallel/threads.h"
 
 #if defined(_WIN32)

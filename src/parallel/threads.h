@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the operating system is told of the engine's threads. Each does nothing where a system has no such thing.
 #pragma once
 

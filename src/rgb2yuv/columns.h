@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Operations over C columns of RGB: weighted sums of the bytes of a pixel, the colour differences of the even
 // columns, and the stores of what they give. C is the bytes of a vector; Advanced SIMD also has C = 32. Luma and chroma between
 // them are in whatever form the target likes.

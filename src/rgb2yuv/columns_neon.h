@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The operations over 32 columns of RGB on Advanced SIMD: two de-interleaved loads, so that the 16 even columns fill one vector
 // of bytes. Over 16 columns, one.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The operations over 32 columns of 4-byte RGB by dot products: pixels stay as they lie in memory, four in a vector, and one
 // instruction weighs the bytes of each.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The operations over columns of RGB in plain lane arithmetic.
 #pragma once
 

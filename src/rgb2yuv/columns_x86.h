@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The operations over columns of RGB on x86-64: pixels of four bytes, summed by the multiply-adds of byte and of word pairs.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Operations over 4-byte pixels in binary32: weighted sums truncated to integers, every product and every sum rounded by
 // itself. N pixels stand in four vectors.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The binary32 sums of RGB by integers on Advanced SIMD: weights at scale 2^16, taken apart into two bytes, so that a sum is
 // made of products of bytes in 16-bit lanes: 256 * high + low.
 #pragma once

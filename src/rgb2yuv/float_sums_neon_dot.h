@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The integers near the binary32 luma by dot products. With chroma, which wants the channels apart, they gain nothing.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sums of 4-byte pixels in plain lane arithmetic.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sums of 4-byte pixels in binary32 and in integers on x86-64.
 #pragma once
 

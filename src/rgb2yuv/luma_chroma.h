@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The coefficient sets of RGB to YUV, each in its scalar and its vector form. All are full range with chroma centred at 128,
 // and take chroma from the difference between a colour and the luma. The float set stands with its two kernels.
 #pragma once

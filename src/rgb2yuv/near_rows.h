@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 32-bit RGB to NV21 by approximate sums: integers give the bytes of the blocks and of the tail alike, but where a sum is so
 // near to a whole number that either may round it to the other side. The last step of a row covers its tail as well.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 24-bit RGB to packed 4:2:2.
 #include "rgb2yuv/rows422.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 24-bit RGB to planar 4:4:4 (YV24) and planar 4:2:2 (I422H) by the short set. Every row has its own chroma.
 #include "rgb2yuv/luma_chroma.h"
 

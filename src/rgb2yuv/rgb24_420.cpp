@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 24-bit RGB to NV21, NV12 and I420. BGR888 takes the fine set, RGB888 the short one.
 #include "rgb2yuv/rows420.h"
 

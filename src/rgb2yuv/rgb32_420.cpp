@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 32-bit RGB to NV12 and I420 by the short set. Alpha is not looked at.
 #include "rgb2yuv/rows420.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 32-bit RGB to packed and line-packed 4:2:2 (YUYV, LPI422H). Every row has its own chroma. Alpha is not looked at, luma is
 // that of the short set.
 #include "rgb2yuv/rows422.h"

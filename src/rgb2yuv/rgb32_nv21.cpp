@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 32-bit RGB to NV21 by the float set: 0.299 R + 0.587 G + 0.114 B, -0.1678 R - 0.3313 G + 0.5 B + 128 and
 // 0.5 R - 0.4187 G - 0.0813 B + 128, in binary32 in the blocks and in binary64 in the tail. Alpha is not looked at.
 #include "rgb2yuv/float_set.h"

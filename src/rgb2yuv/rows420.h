@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One row of RGB to 4:2:0. Luma comes from every row, chroma from the even columns of the even rows alone: nothing is averaged.
 // Blocks of 16 columns, then single pixels.
 #pragma once

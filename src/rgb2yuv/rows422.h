@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rows of RGB to packed 4:2:2. Every row has its own chroma, from its even columns. Blocks of 16 columns, then pairs of pixels;
 // an odd width reads the pixel past the row and writes its luma, two bytes past the row.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole pixels moved from one byte layout to another. All N pixels are read before the first is written.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole pixels moved from one byte layout to another, on Advanced SIMD.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole pixels moved from one byte layout to another, in plain lane arithmetic.
 #pragma once
 

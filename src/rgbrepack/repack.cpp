@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // RGB from one byte layout to another: channels reordered, alpha dropped or added, or packed into 16-bit words. No arithmetic
 // beyond shifts and masks. Blocked columns and tail give the same bytes, so a step is as wide as the target likes; every step
 // reads its pixels whole before it writes the first.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The set in binary32 arithmetic: R = trunc(Y + 1.402 v), G = trunc(Y + (-0.714 v + -0.344 u)), B = trunc(Y + 1.772 u), every
 // product and every sum rounded to single precision by itself, then clamped.
 //

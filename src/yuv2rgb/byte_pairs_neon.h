@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Signed bytes of pairs as 16-bit lanes on Advanced SIMD.
 #pragma once
 

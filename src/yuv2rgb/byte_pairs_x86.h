@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Terms of four-byte pixels straight from pairs of bytes, on AVX-512.
 #pragma once
 

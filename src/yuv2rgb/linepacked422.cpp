@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // LPI422H to 32-bit RGB: blocks of 16 columns, then column pairs, every byte the same by either path.
 #include "yuv2rgb/rows.h"
 

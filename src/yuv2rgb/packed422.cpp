@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // YUYV to RGB, row by row: blocks of 16 columns, then groups of 4 bytes, two pixels each. With an odd width the last group
 // reads 2 bytes and writes one pixel past the row; the next row overwrites what lands on it.
 #include "lanes/move_row.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Packed 4:2:2 to four-byte pixels in lanes of 16 bits, where no two rows share chroma.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Packed 4:2:2 to four-byte pixels in plain code.
 #pragma once
 

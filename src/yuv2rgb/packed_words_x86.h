@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Packed 4:2:2 to four-byte pixels on x86-64, narrowed and unpacked within the 16-byte parts of vectors.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Luma plus a term of its chroma pair: clamp(Y + d, 0, 255) for N pixels and N / 2 pairs, |d| <= 254.
 #pragma once
 

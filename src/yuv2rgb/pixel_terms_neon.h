@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Luma plus a term of its chroma pair on Advanced SIMD.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Luma plus a term of its chroma pair in plain lane arithmetic: the definition of each operation.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Luma plus a term of its chroma pair on x86-64, for vectors of 16, 32 and 64 bytes.
 #pragma once
 

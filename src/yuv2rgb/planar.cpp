@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // I420 and YV12 to RGB. I420 goes two rows a pass, like the semi-planar kernels; YV12 converts every row and every column.
 #include "yuv2rgb/rows.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the kernels of this family walk their rows: where luma and chroma stand, block steps over one row or over a pair of rows
 // that share their chroma, and the pixels of a scalar tail.
 #pragma once

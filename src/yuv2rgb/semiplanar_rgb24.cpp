@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // NV21 and NV12 to 24-bit RGB. Two rows a pass, so that a chroma pair is turned into terms once for its four pixels; blocks of
 // 16 columns, then a tail of column pairs. An odd last row or column stays unwritten.
 #include "yuv2rgb/rows.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // NV21 and NV12 to 32-bit RGB with a constant alpha: the walk of the 24-bit kernels, but each its own set and tail.
 #include "yuv2rgb/binary32.h"
 

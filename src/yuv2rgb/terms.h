@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From chroma pairs to the terms that luma takes up: d of R, G and B with R = clamp(Y + d_r) and so on. Every integer set is
 // luma plus a function of the pair alone, as the scaled luma is a whole multiple of the final shift. u and v are centred at 0.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From planar 4:4:4, and between packed Y U V and NV21. Subsampling keeps the chroma of the even columns and of the even rows;
 // upsampling repeats it.
 #include "yuvrepack/packed444.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Between the plane arrangements of 4:2:0. Luma is copied, chroma is split, merged or swapped.
 #include "yuvrepack/rows.h"
 

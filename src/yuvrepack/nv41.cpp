@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // NV21 from and to NV41, whose chroma is quartered in both directions. Sizes are the source's. Where it upsamples the second
 // generation may have the same memory as source and destination; where it subsamples the tail's U reads the start of a row
 // again after it was written.

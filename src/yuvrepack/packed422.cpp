@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Between 4:2:0 and packed Y0 U Y1 V. Upsampling, a chroma row serves two rows; subsampling, the chroma of the even rows
 // stays and that of the odd rows is dropped.
 #include "yuvrepack/rows.h"

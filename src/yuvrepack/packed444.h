@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Packed Y U V pixels from luma and pairs V U.
 #pragma once
 

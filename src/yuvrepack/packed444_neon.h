@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Packed Y U V pixels on Advanced SIMD.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Planar 4:2:2, chroma halved across (I422H) or down (I422V), to I420, NV21, NV12, YUYV and LPI422H. Samples are moved, dropped
 // or repeated, never averaged.
 #include "yuvrepack/rows.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Passes along a row that move samples and change none. Each reads and writes exactly the bytes of the samples that it is
 // given, any number of them, in ascending order.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Two rows of chroma pairs made one: the mean of each 2 by 2 samples of a channel.
 #pragma once
 

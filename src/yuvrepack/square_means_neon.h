@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Means of 2 by 2 samples on Advanced SIMD.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Means of 2 by 2 samples in plain lane arithmetic.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Means of 2 by 2 samples on x86-64, for vectors of 16, 32 and 64 bytes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Y0 U Y1 V from luma and two planes of chroma.
 #pragma once
 

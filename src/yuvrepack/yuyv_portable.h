@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Y0 U Y1 V from luma and two planes of chroma and back, in plain lane arithmetic.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Y0 U Y1 V from luma and two planes of chroma and back on x86-64, for vectors of 32 and 64 bytes.
 #pragma once
 

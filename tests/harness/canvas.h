@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A picture for worked examples about reach: ample room on both sides of every plane, any pitch, and a count of the bytes that
 // were written.
 #pragma once

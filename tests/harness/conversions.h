@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The conversions of the kernel list as rows of a table that tests can walk, and the shapes of image layouts.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the bytes of a plane are not those that were expected, told so that a person can see what happened.
 #pragma once
 

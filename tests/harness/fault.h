@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Names the kernel that touches memory which is not there, before the process ends of it.
 #pragma once
 

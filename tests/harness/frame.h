@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An image that owns its memory: every plane in the middle of ample room, all filled from a seed. Rows are tight, or padded by
 // so many bytes; the rows of a plane of negative padding follow each other upward, as far apart as its size tells.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the test program was asked for on its command line, beside the test framework's own flags.
 //   --kernel=NAME     only the tests of the kernels whose names contain NAME
 //   --target=NAME     only this target beside the reference

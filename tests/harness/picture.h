@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small pictures for tests that spell out bytes: planes in memory of their own, every byte known beforehand.
 #pragma once
 

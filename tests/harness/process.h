@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the operating system says about the running process.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A small generator for the choices of a test: the same numbers on every machine.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A limit on how long the tests of a suite may take: a thread that sleeps for ever ends the program instead of holding it up.
 #pragma once
 

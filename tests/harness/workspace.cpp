@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "harness/workspace.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Memory for a function under test: buffers with room on both sides, filled from a seed, compared byte by byte as a whole, so
 // that a byte that must stay untouched counts like one that must be written.
 #pragma once

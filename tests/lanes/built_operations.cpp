@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lane operations of all targets of this build.
 #include "built_targets.h"
 #include "lanes/lane_operations.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lanes/lane_operations.h"
 
 #include "core/kernel.h"

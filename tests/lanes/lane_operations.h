@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lane vocabulary of one target as functions over plain bytes, so that one test can run each operation on every target.
 // Built once for each target, like the kernels; the tests themselves are compiled without knowing which targets there are.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The engine in a simulation of threads: small programs on every schedule, and larger ones on a machine whose threads take a
 // told time to wake up and tasks a told time to run.
 #include <gtest/gtest.h>

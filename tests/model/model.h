@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A simulation of threads in one thread of the system. Each runs until it comes to a point where it could meet another: there
 // the simulation picks who goes on. Time is simulated, and passes only while all wait for it.
 //

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # A toolchain file for a machine that the library refuses; clang needs no libraries of that machine to be asked for its byte order.
 set(CMAKE_SYSTEM_NAME Generic)
 set(CMAKE_SYSTEM_PROCESSOR s390x)

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* What a first program does: one NV21 frame to BGR888. Compiled as C and as C++. */
 #include <stdio.h>
 #include <stdlib.h>

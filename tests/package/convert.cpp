@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The same program in C++.
 #include <stdio.h>
 #include <stdlib.h>

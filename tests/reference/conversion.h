@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the references of the conversions between YUV and RGB have in common: entry checks, rows, and the order of channels.
 #pragma once
 

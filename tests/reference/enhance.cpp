@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whitening by a mask, and the weights of a merge.
 #include "reference/reference.h"
 #include "reference/steps.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Turns and mirrors of semi-planar 4:2:0 images.
 #include "reference/reference.h"
 #include "reference/steps.h"

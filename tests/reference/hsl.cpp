@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hue, saturation and lightness.
 #include "reference/hsl.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One pixel's hue, saturation and lightness, for the tests that go through every colour.
 #pragma once
 

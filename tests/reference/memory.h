@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the reference touches pixels: every byte goes through get() and put(), so that a test can ask which bytes a conversion
 // may read and write.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // NV21 from and to NV41, whose chroma is quartered in both directions.
 #include <cstdlib>
 #include <vector>

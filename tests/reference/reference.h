@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An independent scalar model of every kernel: plain loops over bytes, sharing no code with the library. It is a table like
 // that of a target, so that tests can set one beside the other.
 #pragma once

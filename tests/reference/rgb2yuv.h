@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The coefficient sets of RGB to YUV, each in the form of its blocks and in the form of its tail.
 #pragma once
 

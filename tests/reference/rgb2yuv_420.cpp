@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // RGB to 4:2:0: a row at a time, blocks and then single columns. The pixel at the even row and even column gives the chroma.
 #include "reference/reference.h"
 #include "reference/rgb2yuv.h"

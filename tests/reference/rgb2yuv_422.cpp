@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // RGB to packed 4:2:2, planar 4:2:2 and 4:4:4, and line-packed 4:2:2. Chroma comes from the even columns of every row.
 #include "reference/reference.h"
 #include "reference/rgb2yuv.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // RGB pixels with their channels in another order, or packed into 16 bits.
 #include "reference/reference.h"
 #include "reference/steps.h"

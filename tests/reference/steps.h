@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the repacking kernels share: the checks at entry, rows, and runs of bytes that a step loads whole before it stores.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The work buffer of a kernel is not cleared. A test that wants to know which bytes of a result are left to chance runs the
 // reference twice, with two values here.
 #pragma once

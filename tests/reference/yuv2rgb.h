@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The coefficient sets of YUV to RGB. u and v are the chroma bytes less 128; results are not clamped.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // YV12, YUYV and line-packed 4:2:2 to RGB: one row at a time, blocks of 16 columns and then single columns or pairs.
 #include "reference/reference.h"
 #include "reference/yuv2rgb.h"

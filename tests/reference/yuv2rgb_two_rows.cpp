@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // YUV 4:2:0 to RGB, two rows of pixels and one of chroma at a time: blocks of 16 columns, then pairs of columns.
 #include "reference/reference.h"
 #include "reference/yuv2rgb.h"

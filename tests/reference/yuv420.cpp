@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 4:2:0 images between one arrangement of planes and another.
 #include "reference/reference.h"
 #include "reference/steps.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Planar layouts with chroma halved in one direction, to all targets.
 #include "reference/reference.h"
 #include "reference/steps.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Planar 4:4:4 to all targets, and packed YUV from and to NV21.
 #include "reference/reference.h"
 #include "reference/steps.h"

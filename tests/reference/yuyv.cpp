@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Packed 4:2:2 (Y0 U Y1 V) from and to the 4:2:0 layouts.
 #include "reference/reference.h"
 #include "reference/steps.h"

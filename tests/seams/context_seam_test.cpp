@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The multi-threaded front alone, between stand-ins for all that lies beneath it: every call that it makes, in order, and what
 // it does when one of them fails.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The engine when the system is short of threads or memory: this program stands between the library and the creation of
 // threads, and between it and operator new.
 #include <dlfcn.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The engine on as many cores as the test says, and what the system and the application see of its threads: this program stands
 // between the library and the system's answer which CPUs there are.
 #include <gtest/gtest.h>

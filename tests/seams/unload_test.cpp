@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shared library comes and goes: after the last context has ended it can be unloaded, and no thread stays behind.
 #include <dlfcn.h>
 #include <gtest/gtest.h>

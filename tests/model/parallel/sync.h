@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Stands in for the engine's own header of this name: threads that meet in a simulation.
 #pragma once
 

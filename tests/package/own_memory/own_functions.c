@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 #include "own_functions.h"
 
 #include <stddef.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* Functions of a program by the names that the library uses inside. */
 extern int calls;
 void* MemMgrAlloc(const char* file, int line);

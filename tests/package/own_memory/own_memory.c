@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* A program with functions of its own by the names that the library uses inside. Both keep their own. */
 #include <stdio.h>
 #include <zivcolor.h>
