@@ -8,6 +8,12 @@
 #ifndef ZIVCOLOR_H
 #define ZIVCOLOR_H
 
+/* The version of this header, by semantic versioning. What was compiled with version X.Y runs with the shared library of every
+ * later version X.Z and gets the same bytes from it. */
+#define ZIVCOLOR_VERSION_MAJOR 1 /* raised when a program must be changed or compiled anew, or when a byte changes */
+#define ZIVCOLOR_VERSION_MINOR 0 /* raised when something is added */
+#define ZIVCOLOR_VERSION_PATCH 0 /* raised when faults are mended */
+
 #include <stddef.h>
 #include <stdint.h>
 

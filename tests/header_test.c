@@ -5,6 +5,11 @@
 #define SAME(name, a, b) typedef char name[(a) == (b) ? 1 : -1]
 #define BY_POINTER(bytes_32, bytes_64) (sizeof(void*) == 4 ? (bytes_32) : (bytes_64))
 
+/* Numbers that the preprocessor knows. */
+#if ZIVCOLOR_VERSION_MAJOR * 1000000 + ZIVCOLOR_VERSION_MINOR * 1000 + ZIVCOLOR_VERSION_PATCH < 1000000
+#error "no version"
+#endif
+
 SAME(image_size, sizeof(__tag_KOBR_OFFSCREEN), BY_POINTER(44, 64));
 SAME(image_format, offsetof(__tag_KOBR_OFFSCREEN, format), 0);
 SAME(image_width, offsetof(__tag_KOBR_OFFSCREEN, width), 4);

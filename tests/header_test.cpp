@@ -10,6 +10,7 @@ namespace {
 
 constexpr size_t by_pointer(size_t of_4_bytes, size_t of_8_bytes) { return sizeof(void*) == 4 ? of_4_bytes : of_8_bytes; }
 
+static_assert(ZIVCOLOR_VERSION_MAJOR == 1 && ZIVCOLOR_VERSION_MINOR >= 0 && ZIVCOLOR_VERSION_PATCH >= 0);
 static_assert(sizeof(__tag_KOBR_OFFSCREEN) == by_pointer(44, 64) &&
               offsetof(__tag_KOBR_OFFSCREEN, plane) == by_pointer(12, 16) &&
               offsetof(__tag_KOBR_OFFSCREEN, pitch) == by_pointer(28, 48));

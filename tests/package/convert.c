@@ -21,7 +21,8 @@ int main(void) {
     if (status == zivStatus_OK) status = zivColorCvtProcess_MultiThreads(context, &source, &destination, NULL);
     /* Luma and chroma 0: (58065 * -128 + 16384) >> 15 is below 0, green is 135. */
     if (bgr[0] != 0 || bgr[1] != 135 || bgr[2] != 0) status = 2;
-    printf("status %d, first pixel %d %d %d\n", status, bgr[0], bgr[1], bgr[2]);
+    printf("zivcolor %d.%d.%d, status %d, first pixel %d %d %d\n", ZIVCOLOR_VERSION_MAJOR, ZIVCOLOR_VERSION_MINOR,
+           ZIVCOLOR_VERSION_PATCH, status, bgr[0], bgr[1], bgr[2]);
     if (zivColorCvtUnInit_MultiThreads(NULL, context) != zivStatus_OK) status = 3;
     free(yuv);
     free(bgr);
