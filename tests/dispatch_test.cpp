@@ -6,6 +6,8 @@
 #include <sstream>
 
 #include "harness/conversions.h"
+#include "harness/options.h"
+#include "harness/partly_mapped.h"
 
 namespace {
 
@@ -30,6 +32,13 @@ const std::map<std::string, std::string>& pairs() {
         {"YUV", "NV21"},
         {"NV41", "NV21"}};
     return table;
+}
+
+// Four kernels take whatever they are given.
+bool tests_formats(const Conversion& c) {
+    const std::string name = c.name;
+    return name != "zivColorRGB888toBGR888u8_2" && name != "zivColorYUYVtoNV21u8_v2" && name != "zivColorYUYVtoI420u8_2" &&
+           name != "zivColorYV12toNV21u8_2";
 }
 
 TEST(Dispatch, TheKernelListHoldsThesePairs) {
@@ -59,6 +68,67 @@ TEST(Dispatch, PointersAreTestedFirst) {
     EXPECT_EQ(zivColorCvt(&image, nullptr, {0}), zivStatus_NullPointer);
     EXPECT_EQ(zivColorCvt(nullptr, &image, {0}), zivStatus_NullPointer);
     EXPECT_EQ(zivColorCvt(&image, &image, {0}), zivStatus_BadArgument);
+}
+
+// ---- What is read when: of records out of reach nothing is, and of the others the format first ----
+
+TEST(Dispatch, PointersAreTestedBeforeAnyIsFollowed) {
+    const OutOfReach image;
+    EXPECT_EQ(zivColorCvt(image.get(), nullptr, {0}), zivStatus_NullPointer);
+    EXPECT_EQ(zivColorCvt(nullptr, image.get(), {0}), zivStatus_NullPointer);
+}
+
+TEST(Dispatch, AnUnknownSourceIsRefusedBeforeTheDestinationIsRead) {
+    const OutOfReach destination;
+    std::vector<uint32_t> formats = {0, 0x100, 0x606, 0x804, 0x10802, 0x80000802, 0xFFFFFFFF};
+    for (const uint32_t format : codes())
+        if (!pairs().count(format_name(format))) formats.push_back(format);
+    EXPECT_EQ(formats.size(), 7 + 7u);
+    for (const uint32_t format : formats)
+        EXPECT_EQ(zivColorCvt(FormatOnly(format).get(), destination.get(), {0}), zivStatus_BadArgument) << format;
+}
+
+TEST(Dispatch, AnUnlistedPairIsRefusedByItsFormatsAlone) {
+    for (const uint32_t source : codes())
+        for (const uint32_t destination : codes()) {
+            bool listed = false;
+            for (const Conversion& c : conversions())
+                listed = listed || (c.dispatched && c.source == source && c.destination == destination);
+            if (listed) continue;
+            EXPECT_EQ(zivColorCvt(FormatOnly(source).get(), FormatOnly(destination).get(), {0}), zivStatus_BadArgument)
+                << format_name(source) << " to " << format_name(destination);
+        }
+}
+
+// An entry looks at the size of an image, for the sake of those beyond the caches: not before the kernel would.
+TEST(Dispatch, EntriesReadNoMoreThanTheirKernels) {
+    const OutOfReach unreadable;
+    for (const zivcolor::Target& target : targets())
+        for (const Conversion& c : conversions()) {
+            const auto entry = [&](const zivcolor::Image* src, const zivcolor::Image* dst) {
+                return c.convert_as_entry(*target.kernels, src, dst, 0);
+            };
+            EXPECT_EQ(entry(nullptr, unreadable.get()), zivStatus_NullPointer) << target.name << ": " << c.name;
+            EXPECT_EQ(entry(unreadable.get(), nullptr), zivStatus_NullPointer) << target.name << ": " << c.name;
+            if (!tests_formats(c)) continue;
+            const FormatOnly source(c.source), destination(c.destination), neither(0);
+            EXPECT_EQ(entry(neither.get(), unreadable.get()), zivStatus_BadArgument) << target.name << ": " << c.name;
+            EXPECT_EQ(entry(source.get(), neither.get()), zivStatus_BadArgument) << target.name << ": " << c.name;
+        }
+}
+
+TEST(Dispatch, MirrorsAndTurnsRefuseBeforeTheDestinationIsRead) {
+    const OutOfReach destination;
+    const FormatOnly unknown(zivPixFmt_NV12);
+    const zivcolor::Image empty{zivPixFmt_NV21, 16, 0, {}, {}};
+    for (const zivcolor::Target& target : targets())
+        for (const auto mirror : {target.kernels->zivflip_horizontal_nv21, target.kernels->zivflip_vertical_nv21}) {
+            EXPECT_EQ(mirror(nullptr, destination.get()), zivStatus_NullPointer);
+            EXPECT_EQ(mirror(unknown.get(), destination.get()), zivStatus_BadArgument);
+            EXPECT_EQ(mirror(&empty, destination.get()), zivStatus_OK);
+        }
+    for (const zivcolor::Target& target : targets())
+        for (const int32_t mode : {0, 1, 2, 3}) target.kernels->zivRotate(nullptr, destination.get(), mode);
 }
 
 // Every pair of codes: the bytes of the kernel that the list names, or -2 and nothing touched.

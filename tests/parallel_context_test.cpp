@@ -15,6 +15,7 @@
 #endif
 
 #include "harness/frame.h"
+#include "harness/partly_mapped.h"
 #include "harness/process.h"
 #include "harness/time_limit.h"
 #include "parallel/context.h"
@@ -104,6 +105,25 @@ TEST(Context, RefusesNullsAndPairsWithoutATask) {
     EXPECT_EQ(context.convert(no_task, to), zivStatus_BadArgument);
     EXPECT_EQ(zivColorCvtUnInit_MultiThreads(nullptr, nullptr), zivStatus_NullPointer);
     EXPECT_EQ(to.memory, before);
+}
+
+// Nulls are told before anything is read, a pair without a task by the formats alone, and alpha is read where it is written.
+TEST(Context, ReadsNothingThatItNeedNot) {
+    const Context context;
+    const OutOfReach image;
+    const PartlyMapped<zivColorCvtContext_t> record({});
+    const PartlyMapped<zivColorExtParam_ALPHA_t> alpha({});
+    EXPECT_EQ(zivColorCvtProcess_MultiThreads(nullptr, image.get(), image.get(), alpha.get()), zivStatus_NullPointer);
+    void* const handle = const_cast<zivColorCvtContext_t*>(record.get());
+    EXPECT_EQ(zivColorCvtProcess_MultiThreads(handle, nullptr, image.get(), alpha.get()), zivStatus_NullPointer);
+    EXPECT_EQ(zivColorCvtProcess_MultiThreads(handle, image.get(), nullptr, alpha.get()), zivStatus_NullPointer);
+    const FormatOnly from(zivPixFmt_YV12), to(zivPixFmt_RGB888);
+    EXPECT_EQ(zivColorCvtFunc(from.get(), to.get()), -1);
+    EXPECT_EQ(zivColorCvtFunc(FormatOnly(zivPixFmt_NV21).get(), to.get()), 1);
+    EXPECT_EQ(zivColorCvtProcess_MultiThreads(handle, from.get(), to.get(), alpha.get()), zivStatus_BadArgument);
+    EXPECT_EQ(zivColorCvtUnInit_MultiThreads(handle, nullptr), zivStatus_NullPointer);
+    const Frame source(zivPixFmt_NV21, 32, 48, 1), destination(zivPixFmt_RGB888, 32, 48, 2);
+    EXPECT_EQ(context.convert(source, destination, alpha.get()), zivStatus_OK);
 }
 
 TEST(Context, GivesTheLowByteOfAlphaAndZeroForNone) {

@@ -6,15 +6,29 @@
 namespace zivcolor {
 namespace {
 
+// Whether there is any conversion from this layout.
+constexpr bool is_source(uint32_t format) {
+#define ZIVCOLOR_SOURCE_Direct(source)
+#define ZIVCOLOR_SOURCE_Dispatched(source) \
+    if (format == zivPixFmt_##source) return true;
+#define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, tile) ZIVCOLOR_SOURCE_##dispatch(source)
+    ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
+#undef ZIVCOLOR_CONVERSION
+#undef ZIVCOLOR_SOURCE_Dispatched
+#undef ZIVCOLOR_SOURCE_Direct
+    return false;
+}
+
+// Of an unknown source the destination is not read, and of a pair without a conversion nothing but the formats.
 int32_t dispatch(const Image* srcImg, const Image* dstImg, uint8_t alpha) {
+    if (!is_source(srcImg->format)) return zivStatus_BadArgument;
     const KernelTable& kernels = kernels_here();
-    const int64_t pixels = int64_t{dstImg->width} * dstImg->height;
 #define ZIVCOLOR_ARGUMENTS_Opaque srcImg, dstImg
 #define ZIVCOLOR_ARGUMENTS_Alpha srcImg, dstImg, alpha
 #define ZIVCOLOR_ROW_Direct(name, source, destination, alpha, tile)
-#define ZIVCOLOR_ROW_Dispatched(name, source, destination, alpha, tile)                                       \
-    case pair_of(zivPixFmt_##source, zivPixFmt_##destination):                                                \
-        return convert_within<zivPixFmt_##source, zivPixFmt_##destination, Tiles::tile>(pixels, kernels.name, \
+#define ZIVCOLOR_ROW_Dispatched(name, source, destination, alpha, tile)                                                   \
+    case pair_of(zivPixFmt_##source, zivPixFmt_##destination):                                                            \
+        return convert_within<zivPixFmt_##source, zivPixFmt_##destination, Tiles::tile>(pixels_of(*dstImg), kernels.name, \
                                                                                         ZIVCOLOR_ARGUMENTS_##alpha);
 #define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, tile) \
     ZIVCOLOR_ROW_##dispatch(name, source, destination, alpha, tile)

@@ -53,9 +53,12 @@ int32_t convert_within(int64_t pixels, Kernel* kernel, const Image* src, const I
         }
     return kernel(src, dst, alpha...);
 }
+constexpr int64_t pixels_of(const Image& image) { return int64_t{image.width} * image.height; }
+// Looks at no more than the kernel: at the size behind the formats.
 template <uint32_t source, uint32_t destination, Tiles tiles, class Kernel, class... Alpha>
 int32_t convert(Kernel* kernel, const Image* src, const Image* dst, Alpha... alpha) {
-    const int64_t pixels = src && dst ? int64_t{dst->width} * dst->height : 0;
+    const bool fits = src && dst && src->format == source && dst->format == destination;
+    const int64_t pixels = fits ? pixels_of(*dst) : 0;
     return convert_within<source, destination, tiles>(pixels, kernel, src, dst, alpha...);
 }
 

@@ -35,7 +35,7 @@ void convert_band(void* p) {
     const auto& param = *static_cast<const zivColorParam_t*>(p);
     const Image from = band_of(*param.srcImg, *layout_of(source), param.lStartLine, param.lEndLine);
     const Image to = band_of(*param.dstImg, *layout_of(destination), param.lStartLine, param.lEndLine);
-    const int64_t pixels = int64_t{param.dstImg->width} * param.dstImg->height;  // all bands share the caches
+    const int64_t pixels = pixels_of(*param.dstImg);  // all bands share the caches
     const auto& function = kernels_here().*kernel;
     if constexpr (std::is_same_v<decltype(function), AlphaConversion* const&>)
         convert_within<source, destination, tiles>(pixels, function, &from, &to, alpha_of(param));
