@@ -105,7 +105,7 @@ typedef struct zivColorExtParam_ALPHA_t {
 /* Picks the one kernel for the pair of format codes, passes the low 8 bits of Param.alpha on where the kernel takes an alpha
  * byte, and returns the kernel's status. Reads no size, plane or pitch of its own.
  *   zivStatus_NullPointer   srcImg or dstImg is null (tested first)
- *   zivStatus_BadArgument   the pair has no conversion: told by the source's code, without a look at dstImg, if that has none */
+ *   zivStatus_BadArgument   the pair has no conversion; dstImg is not looked at if no pair has such a source */
 ZIVCOLOR_API int32_t zivColorCvt(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
                                  zivColorExtParam_ALPHA_t Param);
 
