@@ -38,7 +38,7 @@ function(zivcolor_library name kind)
     set_target_properties(${name} PROPERTIES
         OUTPUT_NAME zivcolor EXPORT_NAME ${kind_name}
         VERSION ${PROJECT_VERSION} SOVERSION ${ZIVCOLOR_ABI_VERSION}
-        PUBLIC_HEADER ${PROJECT_SOURCE_DIR}/include/zivcolor.h)
+        PUBLIC_HEADER "${PROJECT_SOURCE_DIR}/include/zivcolor.h;${PROJECT_SOURCE_DIR}/include/zivcolor_image.h")
     if(kind STREQUAL STATIC)
         target_link_libraries(${name} PUBLIC Threads::Threads)
         foreach(library IN LISTS zivcolor_cxx_libraries)

@@ -41,6 +41,8 @@ enum OddWidth { LeftOut, Short, Ahead, Exact, Past, Twice, Fours };
 // An odd height has the same values, and: all rows go to row 1.
 enum OddHeight { RowOne = 16 };
 enum Tail { Same, Differ };
+// How the rows of an image are found, as kernel_facts.h tells.
+enum Rows { Pitch, Wrapped, LumaPitch, TwicePitch, Tight, TightChroma, HalfPitch, WidthApart, Copied };
 
 struct Facts {
     std::string_view name;
@@ -54,6 +56,11 @@ struct Facts {
     int odd_width, odd_height;
     Tail tail;
     std::string_view remark;
+};
+
+struct RowsFacts {
+    std::string_view name;
+    Rows source, destination;
 };
 
 struct RoutineFacts {
@@ -79,18 +86,19 @@ inline constexpr Facts conversions[] = {
     ZIVCOLOR_YUVREPACK_FACTS(ZIVCOLOR_FACTS)  //
     ZIVCOLOR_RGBREPACK_FACTS(ZIVCOLOR_FACTS)  //
 };
+inline constexpr RowsFacts rows[] = {ZIVCOLOR_ROWS_FACTS(ZIVCOLOR_FACTS)};
 inline constexpr RoutineFacts routines[] = {ZIVCOLOR_ROUTINE_FACTS(ZIVCOLOR_FACTS)};
 #undef ZIVCOLOR_FACTS
 
-template <class Row, size_t rows>
-constexpr const Row* find(const Row (&table)[rows], std::string_view name) {
+template <class Row, size_t size>
+constexpr const Row* find(const Row (&table)[size], std::string_view name) {
     for (const Row& row : table)
         if (row.name == name) return &row;
     return nullptr;
 }
 
-template <class Row, size_t rows>
-constexpr int count(const Row (&table)[rows], std::string_view name) {
+template <class Row, size_t size>
+constexpr int count(const Row (&table)[size], std::string_view name) {
     int n = 0;
     for (const Row& row : table) n += row.name == name;
     return n;
@@ -100,6 +108,9 @@ constexpr int count(const Row (&table)[rows], std::string_view name) {
     static_assert(count(conversions, #name) == 1, "needs one row in docs/kernel_facts.h: " #name);
 ZIVCOLOR_CONVERSIONS(ZIVCOLOR_HAS_FACTS)
 #undef ZIVCOLOR_HAS_FACTS
+#define ZIVCOLOR_HAS_KERNEL(name, ...) static_assert(count(rows, #name) == 1 && find(conversions, #name), "rows of " #name);
+ZIVCOLOR_ROWS_FACTS(ZIVCOLOR_HAS_KERNEL)
+#undef ZIVCOLOR_HAS_KERNEL
 #define ZIVCOLOR_HAS_FACTS(result, name, ...) \
     static_assert(count(routines, #name) == 1, "needs one row in docs/kernel_facts.h: " #name);
 ZIVCOLOR_ROUTINES(ZIVCOLOR_HAS_FACTS)
@@ -114,5 +125,11 @@ static_assert(sizeof layouts / sizeof layouts[0] <= 0 ZIVCOLOR_LAYOUTS(ZIVCOLOR_
 static_assert(sizeof conversions / sizeof conversions[0] <= 0 ZIVCOLOR_CONVERSIONS(ZIVCOLOR_ONE), "a row without a kernel");
 static_assert(sizeof routines / sizeof routines[0] <= 0 ZIVCOLOR_ROUTINES(ZIVCOLOR_ONE), "a row without a kernel");
 #undef ZIVCOLOR_ONE
+
+// How a kernel finds the rows of its source and destination.
+constexpr RowsFacts rows_of(std::string_view name) {
+    const RowsFacts* told = find(rows, name);
+    return told ? *told : RowsFacts{name, Pitch, Pitch};
+}
 
 }  // namespace facts

@@ -219,6 +219,49 @@
     FACTS(zivColorBGR888toRGB565u8,   Moves, 16, Fits, 1, Dst, Dst, Both2x2,         P0, P0, Exact, Exact, Same, "") \
     FACTS(zivColorBGR888toBGR565u8,   Moves, 16, Fits, 1, Dst, Dst, Both2x2,         P0, P0, Exact, Exact, Same, "")
 
+// How the rows of an image are found; every kernel that is not named steps each plane by its own pitch.
+//   ROWS(name, rows of the source, rows of the destination)
+//     Pitch: by the plane's own | Wrapped: the same, by offsets of 32 bits | LumaPitch: chroma by pitch[0] |
+//     TwicePitch: chroma by twice pitch[1] | Tight: one row after the other on all planes | TightChroma: luma by pitch[0],
+//     chroma one row after the other | HalfPitch: luma by pitch[0], two rows of chroma the even part of the width and a pitch
+//     apart | WidthApart: the second of two luma rows the width behind the first | Copied: luma as one run of the
+//     destination's pitch[0] times the height, chroma by pitch[1]
+#define ZIVCOLOR_ROWS_FACTS(ROWS) \
+    ROWS(zivColorNV12toBGR888u8,      Wrapped,     Wrapped) \
+    ROWS(zivColorNV21toBGR888u8,      Wrapped,     Wrapped) \
+    ROWS(zivColorNV21toRGB888u8,      Wrapped,     Wrapped) \
+    ROWS(zivColorNV21toBGRA8888u8,    Wrapped,     Wrapped) \
+    ROWS(zivColorNV21toRGBA8888u8,    Wrapped,     Wrapped) \
+    ROWS(zivColorNV12toRGBA8888u8,    Wrapped,     Wrapped) \
+    ROWS(zivColorNV12toBGRA8888u8,    Wrapped,     Wrapped) \
+    ROWS(zivColorI420toBGR888u8,      Wrapped,     Wrapped) \
+    ROWS(zivColorI420toRGB888u8,      Wrapped,     Wrapped) \
+    ROWS(zivColorI420toBGRA8888u8,    Wrapped,     Wrapped) \
+    ROWS(zivColorI420toRGBA8888u8,    Wrapped,     Wrapped) \
+    ROWS(zivColorLPI422HtoBGRA8888u8, Tight,       Tight) \
+    ROWS(zivColorRGB888toNV21u8,      Pitch,       LumaPitch) \
+    ROWS(zivColorBGRA8888toLPI422Hu8, Tight,       Tight) \
+    ROWS(zivColorYV12toNV21u8_2,      Pitch,       LumaPitch) \
+    ROWS(zivColorNV12toYUYVu8,        LumaPitch,   Pitch) \
+    ROWS(zivColorNV21toYUYVu8,        LumaPitch,   Pitch) \
+    ROWS(zivColorYUYVtoI420u8_2,      Pitch,       WidthApart) \
+    ROWS(zivColorI422HtoNV21u8,       Pitch,       LumaPitch) \
+    ROWS(zivColorI422HtoNV12u8,       Pitch,       TwicePitch) \
+    ROWS(zivColorI422VtoI420u8,       TightChroma, TightChroma) \
+    ROWS(zivColorI422VtoNV21u8,       TightChroma, TightChroma) \
+    ROWS(zivColorI422VtoNV12u8,       TightChroma, TightChroma) \
+    ROWS(zivColorI422VtoYUYVu8,       TightChroma, Pitch) \
+    ROWS(zivColorI422VtoLPI422Hu8,    TightChroma, Pitch) \
+    ROWS(zivColorI444toI420u8,        HalfPitch,   TightChroma) \
+    ROWS(zivColorI444toNV21u8,        HalfPitch,   TightChroma) \
+    ROWS(zivColorI444toNV12u8,        HalfPitch,   TightChroma) \
+    ROWS(zivColorI444toYUYVu8,        HalfPitch,   Pitch) \
+    ROWS(zivColorI444toLPI422Hu8,     Tight,       Tight) \
+    ROWS(zivColorNV21toNV41,          Copied,      Copied) \
+    ROWS(zivColorNV21toNV41_2,        Copied,      Copied) \
+    ROWS(zivColorNV41toNV21,          Copied,      Copied) \
+    ROWS(zivColorNV41toNV21_2,        Copied,      Copied)
+
 // Kernels with a signature of their own.
 //   FACTS(name, "from", "to", "blocks", "memory: sizes, pitches and reach", "what else there is to know")
 #define ZIVCOLOR_ROUTINE_FACTS(FACTS) \
