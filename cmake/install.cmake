@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Package files: find_package(zivcolor), pkg-config, and archives by cpack.
+# Package files: find_package(zivcolor), pkg-config, and an archive by cpack.
 include(CMakePackageConfigHelpers)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/zivcolor)
@@ -18,13 +18,18 @@ string(STRIP "${private_libraries}" private_libraries)
 configure_file(cmake/install_pc.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/install_pc.cmake @ONLY)
 install(SCRIPT ${CMAKE_CURRENT_BINARY_DIR}/install_pc.cmake)
 
-set(CPACK_GENERATOR TGZ DEB)
-set(CPACK_PACKAGE_NAME zivcolor)
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
-set(CPACK_PACKAGE_CONTACT "The zivcolor developers")
-set(CPACK_PACKAGE_VENDOR "zivcolor")
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+# Debian's packages are made by scripts/deb.
+if(ZIVCOLOR_FOR_X86_64)
+    set(architecture x86_64)
+elseif(ZIVCOLOR_FOR_AARCH64)
+    set(architecture aarch64)
+else()
+    set(architecture ${CMAKE_SYSTEM_PROCESSOR})
+endif()
+string(TOLOWER ${PROJECT_NAME}-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${architecture} CPACK_PACKAGE_FILE_NAME)
+set(CPACK_GENERATOR TGZ)
+set(CPACK_PACKAGE_VENDOR "the zivcolor authors")
 set(CPACK_STRIP_FILES ON)
 include(CPack)
