@@ -286,9 +286,9 @@ ZIVCOLOR_INLINE void zivcolor_detail_touch(zivcolor_detail_span* span, int64_t r
     if (last + bytes > span->past) span->past = last + bytes;
 }
 
-/* A format and a size, with pitches as they are given or, without any, tight ones rounded up. */
+/* A format and a size, with pitches as they are given or, without any, those of rows of so many columns, rounded up. */
 ZIVCOLOR_INLINE int32_t zivcolor_detail_describe(uint32_t format, int32_t width, int32_t height, const int32_t* pitch,
-                                                 int32_t alignment, zivcolor_room* room) {
+                                                 int64_t columns, int32_t alignment, zivcolor_room* room) {
     const zivcolor_layout* layout = zivcolor_layout_of(format);
     int32_t k;
     if (!layout || width < 1 || height < 1 || alignment < 1) return zivStatus_BadArgument;
@@ -298,7 +298,8 @@ ZIVCOLOR_INLINE int32_t zivcolor_detail_describe(uint32_t format, int32_t width,
     room->planes = layout->planes;
     for (k = 0; k < layout->planes; k++) {
         const int64_t row = zivcolor_detail_row_bytes(layout, k, width);
-        const int64_t rounded = (row + alignment - 1) / alignment * alignment;
+        const int64_t apart = zivcolor_detail_row_bytes(layout, k, columns);
+        const int64_t rounded = (apart + alignment - 1) / alignment * alignment;
         if (row > INT32_MAX || (!pitch && rounded > INT32_MAX)) return zivStatus_BadArgument;
         room->row_bytes[k] = (int32_t)row;
         room->rows[k] = (int32_t)zivcolor_detail_rows(layout, k, height);
@@ -308,26 +309,26 @@ ZIVCOLOR_INLINE int32_t zivcolor_detail_describe(uint32_t format, int32_t width,
 }
 
 /* The sums, from what a pair touches and what the image itself is. */
-ZIVCOLOR_INLINE int32_t zivcolor_detail_add_up(zivcolor_room* room, zivcolor_detail_span* spans) {
-    const uint64_t most = (uint64_t)PTRDIFF_MAX;
+ZIVCOLOR_INLINE int32_t zivcolor_detail_add_up(int32_t alignment, zivcolor_room* room, zivcolor_detail_span* spans) {
+    const uint64_t most = (uint64_t)PTRDIFF_MAX, unit = (uint64_t)alignment;
     uint64_t size = 0;
     int32_t k;
     for (k = 0; k < room->planes; k++) {
         const uint64_t step = (uint64_t)(room->step[k] < 0 ? -(int64_t)room->step[k] : (int64_t)room->step[k]);
         const uint64_t rows = (uint64_t)room->rows[k] * step;
-        uint64_t before, after, whole;
+        uint64_t before, after, start;
         zivcolor_detail_touch(&spans[k], room->rows[k], room->step[k], room->row_bytes[k]);
         before = (uint64_t)-spans[k].first;
         after = (uint64_t)spans[k].past;
-        whole = room->step[k] > 0 && rows > after ? rows : after;
-        /* The next plane starts after whole rows, so that it is aligned as they are. */
-        if (k + 1 < room->planes && step) whole = (whole + step - 1) / step * step;
-        if (before > most || whole > most || before + whole > most || size + before + whole > most)
-            return zivStatus_BadArgument;
+        if (before > most || after > most || rows > most) return zivStatus_BadArgument;
         room->before[k] = (size_t)before;
         room->after[k] = (size_t)after;
-        room->offset[k] = (size_t)(size + before);
-        size += before + whole;
+        /* In one buffer, whole rows with their padding, as files and other software have them. */
+        if (room->step[k] > 0 && rows > after) after = rows;
+        start = (size + before + unit - 1) / unit * unit;
+        if (start > most || start + after > most) return zivStatus_BadArgument;
+        room->offset[k] = (size_t)start;
+        size = start + after;
     }
     room->size = (size_t)size;
     return zivStatus_OK;
@@ -430,7 +431,8 @@ ZIVCOLOR_INLINE int32_t zivcolor_detail_walk_by_fours(int64_t width, int64_t hei
 }
 
 /* Both rooms, from their formats, sizes and pitches. */
-ZIVCOLOR_INLINE int32_t zivcolor_detail_both(const zivcolor_pair* pair, zivcolor_room* source, zivcolor_room* destination) {
+ZIVCOLOR_INLINE int32_t zivcolor_detail_both(const zivcolor_pair* pair, int32_t alignment, zivcolor_room* source,
+                                             zivcolor_room* destination) {
     const int64_t width = pair->columns_of_source ? source->width : destination->width;
     const int64_t height = pair->rows_of_source ? source->height : destination->height;
     zivcolor_detail_span spans[6] = {{0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}};
@@ -441,8 +443,8 @@ ZIVCOLOR_INLINE int32_t zivcolor_detail_both(const zivcolor_pair* pair, zivcolor
         status = zivcolor_detail_walk(pair, 1, width, height, source, spans);
         if (status == zivStatus_OK) status = zivcolor_detail_walk(pair, 0, width, height, destination, spans + 3);
     }
-    if (status == zivStatus_OK) status = zivcolor_detail_add_up(source, spans);
-    if (status == zivStatus_OK) status = zivcolor_detail_add_up(destination, spans + 3);
+    if (status == zivStatus_OK) status = zivcolor_detail_add_up(alignment, source, spans);
+    if (status == zivStatus_OK) status = zivcolor_detail_add_up(alignment, destination, spans + 3);
     return status;
 }
 
@@ -466,15 +468,15 @@ ZIVCOLOR_INLINE int32_t zivcolor_detail_end(int32_t status, zivcolor_room* room)
  *                           a destination's pitch[1] above the source's */
 
 /* The image itself, without the room that a pair may want beyond it: what a file holds of it. Pitches are the bytes of a row,
- * rounded up to a multiple of alignment; 1 is tight. */
+ * rounded up to a multiple of alignment, and planes start at such multiples; 1 is tight. */
 ZIVCOLOR_INLINE int32_t zivcolor_room_of_layout(uint32_t format, int32_t width, int32_t height, int32_t alignment,
                                                 zivcolor_room* room) {
     zivcolor_detail_span spans[3] = {{0, 0}, {0, 0}, {0, 0}};
     int32_t status;
     if (!room) return zivStatus_NullPointer;
     zivcolor_detail_clear(room);
-    status = zivcolor_detail_describe(format, width, height, NULL, alignment, room);
-    if (status == zivStatus_OK) status = zivcolor_detail_add_up(room, spans);
+    status = zivcolor_detail_describe(format, width, height, NULL, width, alignment, room);
+    if (status == zivStatus_OK) status = zivcolor_detail_add_up(alignment, room, spans);
     return zivcolor_detail_end(status, room);
 }
 
@@ -485,31 +487,34 @@ ZIVCOLOR_INLINE int32_t zivcolor_room_of_image(const zivcolor_image* image, zivc
     if (!room) return zivStatus_NullPointer;
     zivcolor_detail_clear(room);
     if (!image) return zivStatus_NullPointer;
-    status = zivcolor_detail_describe(image->format, image->width, image->height, image->pitch, 1, room);
-    if (status == zivStatus_OK) status = zivcolor_detail_add_up(room, spans);
+    status = zivcolor_detail_describe(image->format, image->width, image->height, image->pitch, 0, 1, room);
+    if (status == zivStatus_OK) status = zivcolor_detail_add_up(1, room, spans);
     return zivcolor_detail_end(status, room);
 }
 
 /* Source and destination of a conversion by zivColorCvt, both of one size: the images and whatever the pair touches beyond
- * them, reads and writes. Pitches are the bytes of a row, rounded up to a multiple of alignment where the pair looks at them,
- * and such that the pair finds every row: chroma's is luma's too where rows of chroma step by pitch[0] (zivRows_LumaPitch),
- * and that of NV41 is that of NV21. */
+ * them, reads and writes. Pitches are such that the pair finds every row and no row runs into the next: the bytes that are
+ * touched of a row, rounded up to a multiple of alignment where the pair looks at them (planes start at such multiples); luma's
+ * is chroma's too where rows of chroma step by pitch[0], and that of NV41 is that of NV21. Where rows lie otherwise, step
+ * tells. */
 ZIVCOLOR_INLINE int32_t zivcolor_room_of_pair(uint32_t source_format, uint32_t destination_format, int32_t width,
                                               int32_t height, int32_t alignment, zivcolor_room* source,
                                               zivcolor_room* destination) {
     const zivcolor_pair* pair = zivcolor_pair_of(source_format, destination_format);
+    int64_t columns = width;
     int32_t status;
     if (!source || !destination) return zivStatus_NullPointer;
     zivcolor_detail_clear(source);
     zivcolor_detail_clear(destination);
     if (!pair) return zivStatus_BadArgument;
-    status = zivcolor_detail_describe(source_format, width, height, NULL, alignment, source);
+    if (pair->odd_width == zivOdd_Past) columns += width % 2; /* which else falls on the next row */
+    status = zivcolor_detail_describe(source_format, width, height, NULL, columns, alignment, source);
     if (status == zivStatus_OK)
-        status = zivcolor_detail_describe(destination_format, width, height, NULL, alignment, destination);
+        status = zivcolor_detail_describe(destination_format, width, height, NULL, columns, alignment, destination);
     if (status == zivStatus_OK) status = zivcolor_detail_suit(pair->source_rows, alignment, source);
     if (status == zivStatus_OK) status = zivcolor_detail_suit(pair->destination_rows, alignment, destination);
     if (source_format == zivPixFmt_NV41) source->pitch[1] = source->step[1] = destination->pitch[1];
-    if (status == zivStatus_OK) status = zivcolor_detail_both(pair, source, destination);
+    if (status == zivStatus_OK) status = zivcolor_detail_both(pair, alignment, source, destination);
     zivcolor_detail_end(status, source);
     return zivcolor_detail_end(status, destination);
 }
@@ -525,12 +530,12 @@ ZIVCOLOR_INLINE int32_t zivcolor_room_of_images(const zivcolor_image* source_ima
     if (!source_image || !destination_image) return zivStatus_NullPointer;
     pair = zivcolor_pair_of(source_image->format, destination_image->format);
     if (!pair) return zivStatus_BadArgument;
-    status = zivcolor_detail_describe(source_image->format, source_image->width, source_image->height, source_image->pitch, 1,
-                                      source);
+    status = zivcolor_detail_describe(source_image->format, source_image->width, source_image->height, source_image->pitch, 0,
+                                      1, source);
     if (status == zivStatus_OK)
         status = zivcolor_detail_describe(destination_image->format, destination_image->width, destination_image->height,
-                                          destination_image->pitch, 1, destination);
-    if (status == zivStatus_OK) status = zivcolor_detail_both(pair, source, destination);
+                                          destination_image->pitch, 0, 1, destination);
+    if (status == zivStatus_OK) status = zivcolor_detail_both(pair, 1, source, destination);
     zivcolor_detail_end(status, source);
     return zivcolor_detail_end(status, destination);
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -75,7 +76,8 @@ protected:
             const auto before = static_cast<ptrdiff_t>(rooms.before(k)), after = static_cast<ptrdiff_t>(rooms.after(k));
             ASSERT_LE(-reach[k].first, before) << describe(c, p) << ", buffer " << k;
             ASSERT_LE(reach[k].past, after) << describe(c, p) << ", buffer " << k;
-            if (refused) continue;
+            const bool same_size = p.source_width == p.destination_width && p.source_height == p.destination_height;
+            if (refused || !same_size) continue;
             const ptrdiff_t last = ptrdiff_t{room.rows[plane] - 1} * room.step[plane];
             const ptrdiff_t own_before = std::max(-last, ptrdiff_t{0}),
                             own_after = std::max(last, ptrdiff_t{0}) + room.row_bytes[plane];
@@ -91,8 +93,128 @@ TEST_P(ImageRoom, ToldIsTouched) {
     for (int width = 1; width <= largest; width++)
         for (int height = 1; height <= largest; height++) {
             expect_told_is_touched(told(width, height));
+            expect_told_is_touched(told(width, height, 1 + (5 * width + height) % 33));
             if (HasFatalFailure()) return;
         }
+}
+
+// Pitches and sizes of each image's own. Where the pair does no good with them, it is refused.
+TEST_P(ImageRoom, ToldIsTouchedByPitchesOfAnyKind) {
+    const bool fours = zivcolor_pair_of(c.source, c.destination)->odd_width == zivOdd_Fours;
+    Random random{base_seed};
+    int refused = 0;
+    for (int round = 0; round < 2000; round++) {
+        ImagePair p = tight(c, random.between(2, largest), random.between(2, largest));
+        if (round % 2) {
+            p.source_width = random.between(2, largest), p.source_height = random.between(2, largest);
+        }
+        const ImagePair wide = tight(c, std::max(p.source_width, p.destination_width), 2);
+        for (int k = 0; k < 3; k++) {
+            p.source_pitch[k] = wide.source_pitch[k] + random.below(20);
+            p.destination_pitch[k] = wide.destination_pitch[k] + random.below(20);
+        }
+        if (!fours && round % 3 == 0) negate_some_pitches(p, random, 5);
+        if (fours && random.below(2))
+            p.source_pitch[1] = p.destination_pitch[1] = wide.source_pitch[1] + wide.destination_pitch[1];
+        const zivcolor_image source = described(p, true), destination = described(p, false);
+        RoomPair rooms;
+        const int32_t status = zivcolor_room_of_images(&source, &destination, &rooms.source, &rooms.destination);
+        if (status == zivStatus_BadArgument) {
+            EXPECT_TRUE(fours && p.destination_pitch[1] > p.source_pitch[1]) << describe(c, p);
+            refused++;
+            continue;
+        }
+        ASSERT_EQ(status, zivStatus_OK);
+        expect_told_is_touched(rooms);
+        if (HasFailure()) return;
+    }
+    EXPECT_LT(refused, 1200);
+}
+
+// Planes follow each other in one buffer without touching, and every plane starts at a multiple of the alignment.
+TEST_P(ImageRoom, PlanesInOneBuffer) {
+    for (int width = 1; width <= largest; width++)
+        for (int height = 1; height <= largest; height++)
+            for (const int alignment : {1, 2, 16, 64}) {
+                const RoomPair rooms = told(width, height, alignment);
+                for (const zivcolor_room* room : {&rooms.source, &rooms.destination}) {
+                    size_t taken = 0;
+                    for (int k = 0; k < room->planes; k++) {
+                        ASSERT_GE(room->offset[k], taken + room->before[k]);
+                        ASSERT_EQ(room->offset[k] % static_cast<size_t>(alignment), 0u);
+                        taken = room->offset[k] + room->after[k];
+                    }
+                    ASSERT_LE(taken, room->size);
+                }
+            }
+}
+
+// The same image by other pitches is the same image: a pair finds the rows where the room says that they are.
+TEST_P(ImageRoom, RowsAreFoundWhateverTheAlignment) {
+    const zivcolor_pair& pair = *zivcolor_pair_of(c.source, c.destination);
+    if (pair.odd_width == zivOdd_Twice)
+        return;  // its tail runs into the next row by any pitch, and takes what lies behind its own
+    const int step = pair.odd_width == zivOdd_Fours ? 4 : 1, most = pair.odd_width == zivOdd_Fours ? 32 : largest;
+    for (int width = step; width <= most; width += step)
+        for (int height = step; height <= 12; height += step) {
+            if (pair.odd_width == zivOdd_Ahead && width % 16 > 1) continue;  // takes what lies behind the row
+            std::vector<uint8_t> expected;
+            for (const int alignment : {1, 2, 3, 16, 64}) {
+                const RoomPair rooms = told(width, height, alignment);
+                std::vector<uint8_t> in(rooms.source.size), out(rooms.destination.size, 7);
+                const zivcolor_image source = zivcolor_image_in(&rooms.source, in.data());
+                const zivcolor_image destination = zivcolor_image_in(&rooms.destination, out.data());
+                Random random{base_seed};
+                for (int k = 0; k < rooms.source.planes; k++)
+                    for (int row = 0; row < rooms.source.rows[k]; row++)
+                        for (int at = 0; at < rooms.source.row_bytes[k]; at++)
+                            source.plane[k][ptrdiff_t{row} * rooms.source.step[k] + at] = static_cast<uint8_t>(random.next());
+                zivColorExtParam_ALPHA_t alpha = {200};
+                zivColorCvt(&source, &destination, alpha);
+                std::vector<uint8_t> bytes;
+                const int written_rows = pair.odd_height == zivOdd_RowOne ? std::min(2, height) : INT_MAX;
+                for (int k = 0; k < rooms.destination.planes; k++)
+                    for (int row = 0; row < std::min(written_rows, rooms.destination.rows[k]); row++) {
+                        const uint8_t* first = destination.plane[k] + ptrdiff_t{row} * rooms.destination.step[k];
+                        bytes.insert(bytes.end(), first, first + rooms.destination.row_bytes[k]);
+                    }
+                if (alignment == 1) expected = bytes;
+                ASSERT_TRUE(bytes == expected) << width << "x" << height << ", alignment " << alignment;
+            }
+        }
+}
+
+// Exactly the bytes told, between unmapped pages, on every target: a fault is a byte more.
+TEST_P(ImageRoom, ToldIsEnough) {
+    static std::vector<std::unique_ptr<GuardedPages>> pages;
+    while (pages.size() < 6) pages.push_back(std::make_unique<GuardedPages>(size_t{1} << 16));
+    for (int width = 1; width <= largest; width++)
+        for (int height = 1; height <= largest; height++)
+            for (const int place : {0, 1, 2}) {  // planes against the page behind, before; one buffer against the page behind
+                const RoomPair rooms = told(width, height, place == 2 ? 16 : 1);
+                zivcolor_image images[2];
+                std::vector<Running::Area> areas;
+                static constexpr const char* names[] = {"source plane 0",      "source plane 1",      "source plane 2",
+                                                        "destination plane 0", "destination plane 1", "destination plane 2"};
+                for (size_t k = 0; k < 2; k++) {
+                    const zivcolor_room& room = k ? rooms.destination : rooms.source;
+                    ASSERT_LE(room.size, pages[k]->size());
+                    images[k] = zivcolor_image_in(&room, pages[k]->past() - room.size);
+                }
+                for (size_t k = 0; k < 6; k++) {
+                    uint8_t*& plane = images[k / 3].plane[k % 3];
+                    if (static_cast<int>(k % 3) >= rooms.of(k).planes) continue;
+                    if (place == 0) plane = pages[k]->past() - rooms.after(k);
+                    if (place == 1) plane = pages[k]->first() + rooms.before(k);
+                    areas.push_back({names[k], plane - rooms.before(k), plane + rooms.after(k)});
+                }
+                const std::function<std::string()> words = [&] { return describe(c, pair_of(rooms)); };
+                for (const zivcolor::Target& target : targets_with_own(c.name)) {
+                    const Running running(target.name, words, &areas);
+                    c.convert(*target.kernels, &images[0], &images[1], 200);
+                    if (c.convert_streaming) c.convert_streaming(*target.kernels, &images[0], &images[1], 200);
+                }
+            }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ImageRoom, testing::ValuesIn(dispatched_conversions()),
