@@ -257,6 +257,8 @@ TEST_P(Conversions, NullDescriptorsAndFormatCodes) {
             zivcolor::Image s{source, 8, 4, {buffers[0], buffers[1], buffers[2], nullptr}, {}};
             zivcolor::Image d{destination, 8, 4, {buffers[3], buffers[4], buffers[5], nullptr}, {}};
             for (int k = 0; k < 3; k++) s.pitch[k] = images.source_pitch[k], d.pitch[k] = images.destination_pitch[k];
+            Random unread{source + destination};
+            fill_unread(c, s, d, unread);
             return c.convert(kernels, nulls & 1 ? nullptr : &s, nulls & 2 ? nullptr : &d, 1);
         };
         expect_same_bytes(call, rooms_of(c, images), random.next(), [&] {

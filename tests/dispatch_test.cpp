@@ -148,6 +148,9 @@ TEST(Dispatch, EveryPairOfCodesReachesItsKernelOrNone) {
                 if (k < plane_count(source)) s.pitch[k] = tight_pitch(source, k, 20);
                 if (k < plane_count(destination)) d.pitch[k] = tight_pitch(destination, k, 20);
             }
+            Conversion none{};
+            none.name = "no conversion", none.source = source, none.destination = destination;
+            fill_unread(kernel ? *kernel : none, s, d, random);
             const std::vector<uint8_t> before = memory;
             // Three quarters of the alpha parameter are dropped.
             const int32_t status = zivColorCvt(&s, &d, {0x1234});

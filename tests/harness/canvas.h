@@ -64,12 +64,14 @@ public:
 private:
     void allocate() {
         int step = 0;
-        for (const int32_t pitch : image_.pitch) step = pitch > step ? pitch : step;
+        for (int k = 0; k < plane_count(image_.format); ++k) step = image_.pitch[k] > step ? image_.pitch[k] : step;
         const auto room = static_cast<size_t>(step * (2 * image_.height + 4) + 4 * image_.width + 512);
         for (size_t k = 0; k < 3; ++k) {
             memory_[k].assign(2 * room, untouched);
             image_.plane[k] = memory_[k].data() + room;
         }
+        Random random{base_seed};
+        fill_beyond_layout(image_, image_.format, random);
     }
 
     zivcolor::Image image_;

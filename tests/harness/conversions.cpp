@@ -2,11 +2,13 @@
 #include "harness/conversions.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdlib>
 #include <sstream>
 #include <stdexcept>
 #include <type_traits>
 
+#include "../../docs/facts_table.h"
 #include "core/streaming.h"
 
 namespace harness {
@@ -106,8 +108,44 @@ const std::vector<uint32_t>& codes() {
     return all;
 }
 
+namespace {
+
+int32_t nonsense_pitch(Random& random) {
+    switch (random.below(4)) {
+        case 0: return INT_MIN;
+        case 1: return INT_MAX;
+        case 2: return random.between(-64, 64);
+        default: return static_cast<int32_t>(random.next());
+    }
+}
+
+// Null, or one of the addresses next to it: no memory is there.
+uint8_t* nonsense_plane(Random& random) {
+    constexpr uintptr_t places[] = {0, 1, 64, 255};
+    return reinterpret_cast<uint8_t*>(places[random.below(4)]);
+}
+
+}  // namespace
+
+void fill_beyond_layout(Image& image, uint32_t format, Random& random) {
+    const zivcolor::Layout* layout = zivcolor::layout_of(format);
+    for (int k = layout ? layout->planes : 0; k < 4; k++)
+        image.plane[k] = nonsense_plane(random), image.pitch[k] = nonsense_pitch(random);
+}
+
+void fill_unread(const Conversion& c, Image& source, Image& destination, Random& random) {
+    fill_beyond_layout(source, c.source, random);
+    fill_beyond_layout(destination, c.destination, random);
+    const facts::Facts* const f = facts::find(facts::conversions, c.name);
+    if (random.below(2)) return;
+    for (int k = 0; k < 3; k++) {
+        if (!f || !(f->source_pitches & (1 << k))) source.pitch[k] = nonsense_pitch(random);
+        if (!f || !(f->destination_pitches & (1 << k))) destination.pitch[k] = nonsense_pitch(random);
+    }
+}
+
 ImagePair tight(const Conversion& c, int width, int height) {
-    ImagePair p{width, height, width, height, {}, {}, 200};
+    ImagePair p{width, height, width, height, {}, {}, 200, true};
     for (int k = 0; k < plane_count(c.source); k++) p.source_pitch[k] = tight_pitch(c.source, k, width);
     for (int k = 0; k < plane_count(c.destination); k++) p.destination_pitch[k] = tight_pitch(c.destination, k, width);
     return p;
@@ -122,27 +160,48 @@ void negate_some_pitches(ImagePair& p, Random& random, int padding) {
     }
 }
 
+namespace {
+
+// The descriptors without their planes.
+struct Descriptors {
+    Image source, destination;
+};
+Descriptors descriptors_of(const Conversion& c, const ImagePair& p) {
+    Descriptors d{{c.source, p.source_width, p.source_height, {}, {}},
+                  {c.destination, p.destination_width, p.destination_height, {}, {}}};
+    uint64_t seed = p.alpha;
+    const auto mix = [&](int32_t value) { seed = seed * 0x100000001B3 + static_cast<uint32_t>(value); };
+    for (const int32_t size : {p.source_width, p.source_height, p.destination_width, p.destination_height}) mix(size);
+    for (int k = 0; k < 3; k++) {
+        mix(d.source.pitch[k] = p.source_pitch[k]);
+        mix(d.destination.pitch[k] = p.destination_pitch[k]);
+    }
+    Random random{seed};
+    if (p.fill_unread) fill_unread(c, d.source, d.destination, random);
+    return d;
+}
+
+}  // namespace
+
 std::string describe(const Conversion& c, const ImagePair& p) {
+    const Descriptors d = descriptors_of(c, p);
     std::ostringstream s;
     s << c.name << " " << p.source_width << "x" << p.source_height << " to " << p.destination_width << "x"
       << p.destination_height << ", pitches";
-    for (const int pitch : p.source_pitch) s << " " << pitch;
+    for (int k = 0; k < 3; k++) s << " " << d.source.pitch[k];
     s << " to";
-    for (const int pitch : p.destination_pitch) s << " " << pitch;
+    for (int k = 0; k < 3; k++) s << " " << d.destination.pitch[k];
     return s.str();
 }
 
 Call call_of(const Conversion& c, const ImagePair& p) {
-    return [&c, p](const KernelTable& kernels, uint8_t* const* buffers) -> int64_t {
-        Image source{c.source, p.source_width, p.source_height, {}, {}};
-        Image destination{c.destination, p.destination_width, p.destination_height, {}, {}};
-        for (int k = 0; k < 3; k++) {
-            source.plane[k] = buffers[k];
-            source.pitch[k] = p.source_pitch[k];
-            destination.plane[k] = buffers[3 + k];
-            destination.pitch[k] = p.destination_pitch[k];
-        }
-        return c.convert(kernels, &source, &destination, p.alpha);
+    const int source_planes = p.fill_unread ? plane_count(c.source) : 3;
+    const int destination_planes = p.fill_unread ? plane_count(c.destination) : 3;
+    return [=, &c, d = descriptors_of(c, p), alpha = p.alpha](const KernelTable& kernels, uint8_t* const* buffers) -> int64_t {
+        Image source = d.source, destination = d.destination;
+        for (int k = 0; k < source_planes; k++) source.plane[k] = buffers[k];
+        for (int k = 0; k < destination_planes; k++) destination.plane[k] = buffers[3 + k];
+        return c.convert(kernels, &source, &destination, alpha);
     };
 }
 

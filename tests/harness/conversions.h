@@ -39,11 +39,18 @@ const char* format_name(uint32_t format);
 // The codes of all layouts.
 const std::vector<uint32_t>& codes();
 
+// Puts nonsense into those planes and pitches of an image that a layout does not have.
+void fill_beyond_layout(zivcolor::Image& image, uint32_t format, Random& random);
+// The same, and half of the time also into those pitches that the kernel does not read (docs/kernel_facts.h): else they stay,
+// as the choice of tiles may look at them.
+void fill_unread(const Conversion& c, zivcolor::Image& source, zivcolor::Image& destination, Random& random);
+
 // One conversion's sizes and pitches.
 struct ImagePair {
     int32_t source_width, source_height, destination_width, destination_height;
     int32_t source_pitch[3], destination_pitch[3];
     uint8_t alpha;
+    bool fill_unread = true;  // with nonsense, drawn from all of the above
 };
 ImagePair tight(const Conversion& c, int width, int height);
 // Adds less than `padding` bytes to each pitch, and negates those of one plane or more.

@@ -32,6 +32,8 @@ struct Frame {
         memory.resize(size);
         fill(memory.data(), memory.size(), seed);
         for (int k = 0; k < plane_count(format); k++) image.plane[k] = memory.data() + offset[k];
+        Random random{seed};
+        fill_beyond_layout(image, format, random);
     }
     Frame(const Frame&) = delete;
     Frame& operator=(const Frame&) = delete;

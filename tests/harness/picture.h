@@ -42,6 +42,8 @@ struct Picture {
     zivcolor::Image image() {
         zivcolor::Image i{format, width, height, {}, {}};
         for (int k = 0; k < plane_count(format); k++) i.plane[k] = at(k, 0, 0), i.pitch[k] = pitch[k];
+        Random random{base_seed};
+        fill_beyond_layout(i, format, random);
         return i;
     }
 };
