@@ -110,11 +110,18 @@ const std::vector<uint32_t>& codes() {
 
 namespace {
 
-int32_t nonsense_pitch(Random& random) {
-    switch (random.below(4)) {
+// The ends of the range, what may pass for a sound pitch of this image, any number.
+int32_t nonsense_pitch(const Image& image, uint32_t format, Random& random) {
+    const zivcolor::Layout* layout = zivcolor::layout_of(format);
+    switch (random.below(6)) {
         case 0: return INT_MIN;
         case 1: return INT_MAX;
-        case 2: return random.between(-64, 64);
+        case 2:
+        case 3:
+            if (layout && image.width > 0 && image.width < 1 << 20)
+                return layout->row_bytes(random.below(2) ? 0 : layout->planes - 1, image.width);
+            [[fallthrough]];
+        case 4: return random.between(-64, 64);
         default: return static_cast<int32_t>(random.next());
     }
 }
@@ -130,7 +137,7 @@ uint8_t* nonsense_plane(Random& random) {
 void fill_beyond_layout(Image& image, uint32_t format, Random& random) {
     const zivcolor::Layout* layout = zivcolor::layout_of(format);
     for (int k = layout ? layout->planes : 0; k < 4; k++)
-        image.plane[k] = nonsense_plane(random), image.pitch[k] = nonsense_pitch(random);
+        image.plane[k] = nonsense_plane(random), image.pitch[k] = nonsense_pitch(image, format, random);
 }
 
 void fill_unread(const Conversion& c, Image& source, Image& destination, Random& random) {
@@ -139,8 +146,9 @@ void fill_unread(const Conversion& c, Image& source, Image& destination, Random&
     const facts::Facts* const f = facts::find(facts::conversions, c.name);
     if (random.below(2)) return;
     for (int k = 0; k < 3; k++) {
-        if (!f || !(f->source_pitches & (1 << k))) source.pitch[k] = nonsense_pitch(random);
-        if (!f || !(f->destination_pitches & (1 << k))) destination.pitch[k] = nonsense_pitch(random);
+        if (!f || !(f->source_pitches & (1 << k))) source.pitch[k] = nonsense_pitch(source, c.source, random);
+        if (!f || !(f->destination_pitches & (1 << k)))
+            destination.pitch[k] = nonsense_pitch(destination, c.destination, random);
     }
 }
 
