@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "harness/workspace.h"
+#include "harness/conversions.h"
+#include "harness/options.h"
 
 namespace {
 
@@ -14,20 +15,41 @@ using namespace harness;
 
 enum class Routine { clockwise, counter_clockwise, half_turn, horizontal, vertical };
 
+bool is_quarter_turn(Routine routine) { return routine == Routine::clockwise || routine == Routine::counter_clockwise; }
+bool is_mirror(Routine routine) { return routine == Routine::horizontal || routine == Routine::vertical; }
+
 struct Geometry {
     int32_t width, height, source_pitch[2], destination_pitch[2], destination_height;
 };
 
+// The descriptors without their planes, and nonsense where the routine reads nothing.
+struct Descriptors {
+    zivcolor::Image source, destination;
+};
+Descriptors descriptors_of(Routine routine, const Geometry& g) {
+    constexpr uint32_t nv21 = zivPixFmt_NV21;
+    Random random{static_cast<uint64_t>(g.width) << 32 | static_cast<uint32_t>(g.height)};
+    Descriptors d{{nv21, g.width, g.height, {}, {}}, {nv21, g.height, g.destination_height, {}, {}}};
+    for (int k = 0; k < 2; k++) d.source.pitch[k] = g.source_pitch[k], d.destination.pitch[k] = g.destination_pitch[k];
+    fill_beyond_layout(d.source, nv21, random);
+    fill_beyond_layout(d.destination, nv21, random);
+    const auto any = [&] { return static_cast<int32_t>(random.next()); };
+    const auto any_pitch = [&] { return d.source.pitch[random.below(2) + 2]; };
+    d.destination.format = random.next();
+    d.destination.width = any();
+    d.destination.pitch[1] = any_pitch();
+    if (routine != Routine::counter_clockwise) d.destination.height = any();
+    if (routine == Routine::vertical) d.destination.pitch[0] = any_pitch();
+    if (is_quarter_turn(routine)) d.source.pitch[1] = any_pitch();
+    if (!is_mirror(routine)) d.source.format = random.next();
+    return d;
+}
+
 // Buffers: source luma, source chroma, destination luma, destination chroma.
 Call call_of(Routine routine, const Geometry& g) {
-    return [=](const zivcolor::KernelTable& kernels, uint8_t* const* buffers) -> int64_t {
-        const zivcolor::Image source{
-            zivPixFmt_NV21, g.width, g.height, {buffers[0], buffers[1]}, {g.source_pitch[0], g.source_pitch[1]}};
-        const zivcolor::Image destination{zivPixFmt_NV21,
-                                          g.height,
-                                          g.destination_height,
-                                          {buffers[2], buffers[3]},
-                                          {g.destination_pitch[0], g.destination_pitch[1]}};
+    return [routine, d = descriptors_of(routine, g)](const zivcolor::KernelTable& kernels, uint8_t* const* buffers) -> int64_t {
+        zivcolor::Image source = d.source, destination = d.destination;
+        for (int k = 0; k < 2; k++) source.plane[k] = buffers[k], destination.plane[k] = buffers[2 + k];
         switch (routine) {
             case Routine::clockwise: return kernels.zivRotate(&source, &destination, 1), 0;
             case Routine::counter_clockwise: return kernels.zivRotate(&source, &destination, 3), 0;
@@ -38,8 +60,6 @@ Call call_of(Routine routine, const Geometry& g) {
         return 0;
     };
 }
-
-bool is_quarter_turn(Routine routine) { return routine == Routine::clockwise || routine == Routine::counter_clockwise; }
 
 std::vector<Room> rooms_of(const Geometry& g) {
     const auto size = [](int64_t n) { return static_cast<size_t>(n); };
@@ -118,6 +138,40 @@ TEST_P(GeometryRoutine, PlanesThatMeet) {
     }
 }
 
+// The same of a few rows, where luma and chroma of one pass meet: by a few bytes, from before, from behind or within.
+TEST_P(GeometryRoutine, PlanesOfFewRowsThatMeet) {
+    const int least = is_quarter_turn(GetParam()) ? 8 : 1;
+    for (int round = 0; round < 4000; round++) {
+        Geometry g = tight(random.between(8, 44), random.between(least, least + 3));
+        for (int k = 0; k < 2; k++) {
+            if (random.below(4) == 0) g.source_pitch[k] += random.below(9);
+            if (random.below(4) == 0) g.destination_pitch[k] += random.below(9);
+        }
+        const int luma = 2 * g.width * g.height, near = g.width * g.height + 16;
+        int at[3] = {luma, 4 * luma, 6 * luma};  // source chroma, destination luma, destination chroma
+        switch (random.below(4)) {
+            case 0: at[2] = at[1] + random.between(-near, near); break;
+            case 1: at[2] = at[0] + random.between(-near, near); break;
+            case 2: at[1] = random.between(-near, near); break;
+            default: at[1] = random.between(-near, near); at[2] = at[1] + random.between(-near, near);
+        }
+        // Quarter turns take blocks of two images that are apart in an order of their own.
+        if (is_quarter_turn(GetParam())) at[1] = 4 * luma, at[2] = at[1] + random.between(-near, near);
+        const Call on_planes = call_of(GetParam(), g);
+        const Call call = [&](const zivcolor::KernelTable& kernels, uint8_t* const* buffers) {
+            uint8_t* const start = buffers[0];
+            uint8_t* const planes[4] = {start, start + at[0], start + at[1], start + at[2]};
+            return on_planes(kernels, planes);
+        };
+        const size_t room = 2 * rooms_of(g)[0].after;
+        expect_same_bytes(call, {{room, room + 8 * static_cast<size_t>(luma)}}, random.next(), [&] {
+            return describe(g) + ", source chroma, destination luma and chroma at " + std::to_string(at[0]) + " " +
+                   std::to_string(at[1]) + " " + std::to_string(at[2]);
+        });
+        if (HasFailure()) return;
+    }
+}
+
 TEST_P(GeometryRoutine, StaysInsideItsReach) {
     for (const int width : {7, 8, 9, 15, 16, 17, 24, 31, 32, 40, 63, 64, 65, 72, 127, 128, 129, 136})
         for (const int height : {1, 2, 7, 8, 9, 16, 24, 32, 33, 40, 64, 72, 130, 256}) {
@@ -140,10 +194,10 @@ TEST_P(GeometryRoutine, LargeImages) {
 }
 
 TEST_P(GeometryRoutine, RowsAPowerOfTwoApart) {
-    for (int round = 0; round < 40; round++) {
+    for (int round = 0; round < 48; round++) {
         Geometry g = tight(random.between(8, 300), random.between(8, 300));
-        g.source_pitch[0] = g.source_pitch[1] = random.below(3) ? 2048 : -2048;
-        if (random.below(2)) g.destination_pitch[0] = g.destination_pitch[1] = random.below(3) ? 4096 : -4096;
+        if (round % 3) g.source_pitch[0] = g.source_pitch[1] = random.below(3) ? 2048 : -2048;
+        if (round % 3 == 0 || random.below(2)) g.destination_pitch[0] = g.destination_pitch[1] = random.below(3) ? 4096 : -4096;
         expect_same(g, random.next());
         expect_in_bounds(call_of(GetParam(), g), rooms_of(g), random.next(), [&] { return describe(g); });
         if (HasFailure()) return;
@@ -216,6 +270,31 @@ TEST(Geometry, MovesEachSampleWhereItsNameSays) {
     expect_places(turned, 16, {{0, 15}, {1, 12}, {7, 0}}, {{0, 7}, {3, 0}});
     EXPECT_EQ(zivflip_vertical_nv21(&source.image, &turned.image), zivStatus_OK);
     expect_places(turned, 16, {{7, 0}, {6, 3}, {0, 15}}, {{3, 0}, {0, 7}});
+}
+
+// Null is refused before anything else is looked at; where the routine looks no further, the destination may be null too.
+TEST(Geometry, NullDescriptors) {
+    const Numbered image;
+    const zivcolor::Image nv12{zivPixFmt_NV12, 16, 8, {}, {}}, low{zivPixFmt_NV21, 16, 0, {}, {}};
+    const auto expect = [&](auto rotate, auto horizontal, auto vertical) {
+        for (const int mode : {0, 1, 2, 3, 4, -1}) {
+            rotate(nullptr, &image.image, mode);
+            rotate(nullptr, nullptr, mode);
+        }
+        for (const auto mirror : {horizontal, vertical}) {
+            EXPECT_EQ(mirror(nullptr, &image.image), zivStatus_NullPointer);
+            EXPECT_EQ(mirror(nullptr, nullptr), zivStatus_NullPointer);
+            EXPECT_EQ(mirror(&nv12, nullptr), zivStatus_BadArgument);
+            EXPECT_EQ(mirror(&low, nullptr), zivStatus_OK);
+        }
+    };
+    expect(zivRotate, zivflip_horizontal_nv21, zivflip_vertical_nv21);
+    for (const zivcolor::Target& target : targets()) {
+        SCOPED_TRACE(target.name);
+        const zivcolor::KernelTable& kernels = *target.kernels;
+        expect(kernels.zivRotate, kernels.zivflip_horizontal_nv21, kernels.zivflip_vertical_nv21);
+    }
+    EXPECT_EQ(image.bytes, Numbered().bytes);
 }
 
 TEST(Geometry, Statuses) {

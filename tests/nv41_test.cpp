@@ -24,51 +24,82 @@ using namespace harness;
 
 const Conversion& upsampling() { return conversion("zivColorNV41toNV21_2"); }
 
-// The same planes for source and destination.
-int32_t convert_in_place(const zivcolor::KernelTable& kernels, const Conversion& c, uint8_t* luma, uint8_t* chroma, int width,
-                         int height, int pitch) {
-    const zivcolor::Image source{c.source, width, height, {luma, chroma}, {width, pitch}};
-    const zivcolor::Image destination{c.destination, width, height, {luma, chroma}, {width, pitch}};
+// Sizes, and the pitches of the chroma planes.
+struct Chroma {
+    int width, height, source_pitch, destination_pitch;
+
+    std::string what() const {
+        return std::to_string(width) + "x" + std::to_string(height) + ", chroma pitches " + std::to_string(source_pitch) + " " +
+               std::to_string(destination_pitch);
+    }
+    // More than a walk leaves a plane by, on either side.
+    size_t margin() const { return static_cast<size_t>(6 * std::max(source_pitch, std::abs(destination_pitch)) + width + 64); }
+    size_t size() const {
+        return static_cast<size_t>(std::max(source_pitch, std::abs(destination_pitch)) * (height + 2) + width) + 2 * margin();
+    }
+};
+
+// Converts chroma alone: both images have one luma plane, whose pitches count for nothing then.
+int32_t convert_chroma(const zivcolor::KernelTable& kernels, const Conversion& c, const Chroma& chroma, uint8_t* from,
+                       uint8_t* to) {
+    static uint8_t luma;
+    zivcolor::Image source{c.source, chroma.width, chroma.height, {&luma, from}, {0, chroma.source_pitch}};
+    zivcolor::Image destination{c.destination, chroma.width, chroma.height, {&luma, to}, {0, chroma.destination_pitch}};
+    Random random{static_cast<uint64_t>(chroma.width)};
+    fill_beyond_layout(source, c.source, random);
+    fill_beyond_layout(destination, c.destination, random);
+    source.pitch[0] = source.pitch[2];
+    destination.pitch[0] = destination.pitch[2];
     return c.convert(kernels, &source, &destination, 0);
 }
 
-// Where every byte of the result is determined: all of it but for U in the top two rows of a tail that follows a block.
+// Expects the reference's bytes wherever they are the same whatever the work buffer holds before. `apart`: the source's plane
+// has memory of its own, else it is the destination's.
+void expect_determined_chroma(const Conversion& c, const Chroma& chroma, bool apart, uint64_t seed) {
+    const size_t size = chroma.size() * (apart ? 2 : 1);
+    const auto run = [&](const zivcolor::KernelTable& kernels) {
+        std::vector<uint8_t> memory(size);
+        fill(memory.data(), size, seed);
+        uint8_t* const to = memory.data() + chroma.margin() + (chroma.destination_pitch < 0 ? chroma.size() / 2 : 0);
+        EXPECT_EQ(convert_chroma(kernels, c, chroma, apart ? memory.data() + chroma.size() + chroma.margin() : to, to),
+                  zivStatus_OK);
+        return memory;
+    };
+    reference::g_work_buffer_fill = 0xFF;
+    const std::vector<uint8_t> other = run(reference::kernels);
+    reference::g_work_buffer_fill = 0;
+    const std::vector<uint8_t> expected = run(reference::kernels);
+    for (const zivcolor::Target& target : targets()) {
+        const std::vector<uint8_t> actual = run(*target.kernels);
+        for (size_t n = 0; n < size; n++)
+            if (expected[n] == other[n]) {
+                ASSERT_EQ(int{actual[n]}, int{expected[n]}) << target.name << " " << c.name << " " << chroma.what()
+                                                            << (apart ? "" : ", in place") << ", byte " << n - chroma.margin();
+            }
+    }
+}
+
+// Undetermined is U in the top two rows of a tail that follows a block, and what lies between rows that are further apart.
 TEST(NV41, UpwardIsTheReferenceWhereItIsDetermined) {
     Random random{base_seed};
     for (int width = 2; width <= 300; width += width < 100 ? 1 : 5)
         for (int height = 2; height <= 17; height++) {
-            ImagePair images = tight(upsampling(), width, height);
             const int pitch = width + 4 + random.below(30);
-            images.source_pitch[1] = images.destination_pitch[1] = pitch;
-            const auto rooms = rooms_of(upsampling(), images);
-            std::vector<std::vector<uint8_t>> expected;
-            for (const uint8_t buffer_fill : {uint8_t{0x00}, uint8_t{0xFF}}) {
-                reference::g_work_buffer_fill = buffer_fill;
-                std::vector<uint8_t> arena(static_cast<size_t>(pitch) * 40 + 4096);
-                fill(arena.data(), arena.size(), 1);
-                uint8_t* const in = arena.data() + 12 * pitch;
-                uint8_t* const out = arena.data() + 28 * pitch;
-                const zivcolor::Image source{zivPixFmt_NV41, width, height, {in, in}, {0, pitch}};
-                const zivcolor::Image destination{zivPixFmt_NV21, width, height, {in, out}, {0, pitch}};
-                ASSERT_EQ(reference::kernels.zivColorNV41toNV21_2(&source, &destination), zivStatus_OK);
-                expected.push_back(arena);
-            }
-            reference::g_work_buffer_fill = 0;
-            for (const zivcolor::Target& target : targets()) {
-                std::vector<uint8_t> arena(expected[0].size());
-                fill(arena.data(), arena.size(), 1);
-                uint8_t* const in = arena.data() + 12 * pitch;
-                uint8_t* const out = arena.data() + 28 * pitch;
-                const zivcolor::Image source{zivPixFmt_NV41, width, height, {in, in}, {0, pitch}};
-                const zivcolor::Image destination{zivPixFmt_NV21, width, height, {in, out}, {0, pitch}};
-                ASSERT_EQ(target.kernels->zivColorNV41toNV21_2(&source, &destination), zivStatus_OK);
-                for (size_t n = 0; n < arena.size(); n++)
-                    if (expected[0][n] == expected[1][n]) {
-                        ASSERT_EQ(int{arena[n]}, int{expected[0][n]})
-                            << target.name << " " << width << "x" << height << " pitch " << pitch << " byte "
-                            << static_cast<ptrdiff_t>(n) - 28 * pitch << " of the chroma";
-                    }
-            }
+            expect_determined_chroma(upsampling(), {width, height, pitch, pitch}, true, random.next());
+            if (testing::Test::HasFailure()) return;
+        }
+}
+
+// The buffer is as long as two of the source's rows, and its rows are as far apart as the destination's.
+TEST(NV41, UpwardWithUnequalChromaPitches) {
+    expect_determined_chroma(upsampling(), {64, 12, 40, 64}, true, base_seed);
+    Random random{base_seed};
+    for (int width = 2; width <= 200; width += width < 80 ? 2 : 9)
+        for (int height = 2; height <= 16; height += 2) {
+            const int pitch = (width + 3) / 4 * 4 + random.below(60);
+            expect_determined_chroma(upsampling(), {width, height, random.between(0, width + 60), pitch}, true, random.next());
+            expect_determined_chroma(upsampling(), {width, height, random.between(0, width + 60), -pitch}, true, random.next());
+            if (testing::Test::HasFailure()) return;
         }
 }
 
@@ -86,33 +117,24 @@ TEST(NV41, UpwardStaysInsideItsReach) {
 }
 
 TEST(NV41, OneMemoryForSourceAndDestination) {
+    Random random{base_seed};
     for (const char* name : {"zivColorNV41toNV21_2", "zivColorNV21toNV41_2", "zivColorNV21toNV41"})
         for (const int width : {8, 28, 32, 36, 40, 64, 100, 128, 132, 200, 256, 260, 320, 640})
             for (const int height : {2, 4, 5, 6, 8, 11, 12, 16}) {
                 const Conversion& c = conversion(name);
-                const int pitch = width;  // with a wider one the work buffer's padding would reach the image
-                const size_t before = static_cast<size_t>(pitch) * 8 + 64, size = before + static_cast<size_t>(pitch) * 16 + 64;
-                std::vector<uint8_t> expected(size), luma(static_cast<size_t>(width * height)), other(size);
-                fill(expected.data(), size, 7);
-                std::vector<uint8_t> start = expected;
-                const auto run = [&](const zivcolor::KernelTable& kernels, std::vector<uint8_t>& arena) {
-                    return convert_in_place(kernels, c, luma.data(), arena.data() + before, width, height, pitch);
-                };
-                reference::g_work_buffer_fill = 0xFF;
-                other = start;
-                run(reference::kernels, other);
-                reference::g_work_buffer_fill = 0;
-                ASSERT_EQ(run(reference::kernels, expected), zivStatus_OK);
-                for (const zivcolor::Target& target : targets()) {
-                    std::vector<uint8_t> arena = start;
-                    ASSERT_EQ(run(*target.kernels, arena), zivStatus_OK);
-                    for (size_t n = 0; n < size; n++)
-                        if (expected[n] == other[n]) {
-                            ASSERT_EQ(int{arena[n]}, int{expected[n]})
-                                << target.name << " " << name << " " << width << "x" << height << " byte " << n - before;
-                        }
-                }
+                // Wider rows, by less or by more than a block.
+                const int near = width + random.below(40), far = 2 * width + random.below(200);
+                for (const auto& [from, to] : {std::pair{width, width},
+                                               {near, near},
+                                               {width, near},
+                                               {near, width},
+                                               {width, far},
+                                               {far, width},
+                                               {far, near}})
+                    expect_determined_chroma(c, {width, height, from, to}, false, random.next());
+                if (testing::Test::HasFailure()) return;
             }
+    expect_determined_chroma(conversion("zivColorNV21toNV41"), {256, 8, 256, 552}, false, base_seed);
 }
 
 // A negative pitch asks for a buffer of less than nothing. Luma is copied by then, chroma is not touched.

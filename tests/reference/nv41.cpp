@@ -152,19 +152,21 @@ int32_t zivColorNV41toNV21_2(const Image* srcImg, const Image* dstImg) {
     const int64_t out_pitch = dstImg->pitch[1];
     copy_luma(srcImg, dstImg);
     if (in_pitch < 0) return zivStatus_OutOfMemory;
-    // Room for what a destination pitch above the source's would make of it.
-    const int64_t room = 2 * (in_pitch > out_pitch ? in_pitch : out_pitch) + srcImg->width + 64;
-    std::vector<uint8_t> work(static_cast<size_t>(room), g_work_buffer_fill);
+    // Room for what a destination pitch above the source's, or one below 0, would make of it.
+    const int64_t before = out_pitch < 0 ? -out_pitch : 0;
+    const int64_t room = before + 2 * (in_pitch > out_pitch ? in_pitch : out_pitch) + srcImg->width + 64;
+    std::vector<uint8_t> memory(static_cast<size_t>(room), g_work_buffer_fill);
+    uint8_t* const work = memory.data() + before;
 
     const uint8_t* in = srcImg->plane[1] + (h / 4 - 1) * in_pitch;
     uint8_t* out = dstImg->plane[1] + (h / 2 - 1) * out_pitch;
     for (int32_t i = 0; i < h; i += 4) {
         const bool top = i == h - 4;
         OutRows rows{out - out_pitch, out, true};
-        if (top) rows = {work.data(), work.data() + out_pitch, false};
+        if (top) rows = {work, work + out_pitch, false};
         spread_row(in, top ? in : in - in_pitch, rows, srcImg->width);
         if (top)
-            for (int64_t k = 0; k < 2 * in_pitch; ++k) put(out - out_pitch + k, work[static_cast<size_t>(k)]);
+            for (int64_t k = 0; k < 2 * in_pitch; ++k) put(out - out_pitch + k, work[k]);
         out -= 2 * out_pitch;
         in -= in_pitch;
     }
