@@ -2,21 +2,22 @@
 /* What a first program does: one NV21 frame to BGR888. Compiled as C and as C++. */
 #include <stdio.h>
 #include <stdlib.h>
-#include <zivcolor.h>
+#include <zivcolor_image.h>
 
 int main(void) {
     enum { width = 320, height = 240 };
-    unsigned char* yuv = (unsigned char*)calloc(width * height * 3 / 2, 1);
-    unsigned char* bgr = (unsigned char*)malloc(width * height * 3);
+    unsigned char *yuv, *bgr;
+    zivcolor_image source, destination;
+    zivcolor_room from, to;
     zivColorExtParam_ALPHA_t parameter = {255};
-    __tag_KOBR_OFFSCREEN source = {zivPixFmt_NV21, width, height, {0, 0, 0, 0}, {width, width, 0, 0}};
-    __tag_KOBR_OFFSCREEN destination = {zivPixFmt_BGR888, width, height, {0, 0, 0, 0}, {3 * width, 0, 0, 0}};
     void* context = zivColorCvtInit_MultiThreads(NULL);
     int status;
+    if (zivcolor_room_of_pair(zivPixFmt_NV21, zivPixFmt_BGR888, width, height, 1, &from, &to) != zivStatus_OK) return 1;
+    yuv = (unsigned char*)calloc(from.size, 1);
+    bgr = (unsigned char*)malloc(to.size);
     if (!yuv || !bgr || !context) return 1;
-    source.plane[0] = yuv;
-    source.plane[1] = yuv + width * height;
-    destination.plane[0] = bgr;
+    source = zivcolor_image_in(&from, yuv);
+    destination = zivcolor_image_in(&to, bgr);
     status = zivColorCvt(&source, &destination, parameter);
     if (status == zivStatus_OK) status = zivColorCvtProcess_MultiThreads(context, &source, &destination, NULL);
     /* Luma and chroma 0: (58065 * -128 + 16384) >> 15 is below 0, green is 135. */
