@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The room that zivcolor_image.h tells for a pair: every byte that a kernel touches lies in it, and no byte of it is told in
-// vain. Measured on the reference, and on every target with exactly the bytes told between unmapped pages.
+// vain: measured on the reference. Enough it is on every target with exactly the bytes told between unmapped pages.
 #include <gtest/gtest.h>
 
 #include <algorithm>
