@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Writes docs/formats.md to standard output, from the kernel list and the facts beside it.
+// Writes docs/formats.md to standard output, from the kernel list, the facts beside it and what is measured of the reference.
 //   formats_doc [FILE]   with a file, says whether it holds what would be written
 #include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <string>
 
+#include "distance_tables.h"
 #include "facts_table.h"
 
 namespace {
@@ -175,10 +176,21 @@ void print_routines() {
 
 void print_all() {
     print(
-        "<!-- Generated from src/core/kernel_list.h and docs/kernel_facts.h by scripts/docs --update. Do not edit. -->\n\n",
-        "# Layouts and kernels\n\n",
+        "<!-- Generated from src/core/kernel_list.h, docs/kernel_facts.h and docs/roads.h by scripts/docs --update. Do not "
+        "edit. -->\n\n",
+        "# Layouts and kernels\n\n"
+        "- [Layouts](#layouts)\n- [What to take](#what-to-take)\n- [Traps](#traps)\n"
+        "- [Distance from BT.601](#distance-from-bt601)\n- [Coefficient sets](#coefficient-sets)\n"
+        "- [The tables of kernels](#the-tables-of-kernels): [YUV to RGB](#yuv-to-rgb), [RGB to YUV](#rgb-to-yuv), [YUV to "
+        "YUV](#yuv-to-yuv), [RGB to RGB](#rgb-to-rgb)\n"
+        "- [Kernels with a signature of their own](#kernels-with-a-signature-of-their-own)\n\n",
         "Every pair has one kernel, and results are defined to the byte: kernels that look alike differ in coefficients, "
-        "rounding,\nbyte order, tails and pitches. What the tables call the tail is what blocks leave of a row.\n\n",
+        "rounding,\nbyte order, tails and pitches. What the tables call the tail is what blocks leave of a row.\n\n");
+    print_layouts();
+    print(distance_tables());
+    print_sets();
+    print(
+        "## The tables of kernels\n\n"
         "- *Set*: the coefficients of the blocks; a tail with others is told in the notes below the table.\n"
         "- *Blocks of columns*: the block's width and when one is taken, then the columns of a tail step.\n"
         "- *W and H of*: the image whose size is walked. Sizes of the two images are never compared.\n"
@@ -187,8 +199,6 @@ void print_all() {
         "- *Odd W*, *Odd H*: what becomes of the last column and row.\n"
         "- *Band task*: the index that `zivColorCvtFunc` gives for the pair; without one the pair has no multi-threaded form.\n"
         "- *alpha*: the pair takes an alpha byte.\n\n");
-    print_layouts();
-    print_sets();
     print_kernels("YUV to RGB", yuv_to_rgb);
     print_kernels("RGB to YUV", rgb_to_yuv);
     print_kernels("YUV to YUV", yuv_to_yuv);

@@ -79,7 +79,7 @@ run_tests() {
     ' _ "$logs/$stage.tests" "$flags" "$program" "$@" || return 1  # not the status of xargs, which is that of a stage out of time
     unset GTEST_TOTAL_SHARDS
 }
-other_programs() { CTEST_OUTPUT_ON_FAILURE=1 ctest --test-dir "build/$1" -j "$jobs" -R 'Seam|Limits|Unload|EngineModel|formats_doc|image_tables' | tail -3; }
+other_programs() { CTEST_OUTPUT_ON_FAILURE=1 ctest --test-dir "build/$1" -j "$jobs" -R 'Seam|Limits|Unload|EngineModel' | tail -3; }
 
 # The targets of an architecture, best first, as cmake/targets.cmake lists them.
 #   targets_of AARCH64|X86_64
@@ -206,7 +206,7 @@ fuzz() {
 # What threads touch, with the programs that stand between it and the system; threads of the tests must be seen too.
 tsan() {
     scripts/packages "${cmake_packages[@]}"
-    build tsan zivcolor_thread_tests zivcolor_seam_tests zivcolor_formats_doc zivcolor_image_tables
+    build tsan zivcolor_thread_tests zivcolor_seam_tests
     # A refused allocation gives null, as it does without the sanitizer.
     export TSAN_OPTIONS=allocator_may_return_null=1
     run_tests build/tsan/tests/zivcolor_thread_tests ""
