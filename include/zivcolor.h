@@ -2,7 +2,8 @@
 /* zivcolor: pixel-format conversion for imaging software.
  *
  * Every function rewrites pixels from one layout to another in memory that the caller owns, and returns a status.
- * Nothing is allocated, logged or remembered (but for the context of the multi-threaded front and one work buffer).
+ * Nothing is allocated (but for the context of the multi-threaded front and one work buffer), nothing is logged, and nothing is
+ * remembered but which kernels the CPU runs, found out at the first call.
  * Samples are 8 bits; YUV is full range, chroma is centred at 128 and never filtered. U stands for Cb, V for Cr.
  */
 #ifndef ZIVCOLOR_H
