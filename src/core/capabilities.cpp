@@ -2,7 +2,7 @@
 #include "core/capabilities.h"
 
 #if defined(__x86_64__)
-#include <cpuid.h>
+#include "core/x86_cpu.h"
 #elif defined(__aarch64__) && defined(__linux__) && !defined(__ARM_FEATURE_DOTPROD)
 #include <sys/auxv.h>
 #elif defined(__aarch64__) && defined(__APPLE__) && !defined(__ARM_FEATURE_DOTPROD)
@@ -16,17 +16,6 @@ namespace zivcolor {
 
 namespace {
 
-// Asked of the CPU itself: what the compiler's builtin looks into is not to be had in every run-time library.
-struct Leaf {
-    unsigned a = 0, b = 0, c = 0, d = 0;  // all zero where the CPU has no such leaf
-};
-
-Leaf cpuid(unsigned number, unsigned part = 0) {
-    Leaf leaf;
-    if (!__get_cpuid_count(number, part, &leaf.a, &leaf.b, &leaf.c, &leaf.d)) return {};
-    return leaf;
-}
-
 constexpr bool has_bit(unsigned word, int bit) { return (word >> bit & 1) != 0; }
 
 constexpr unsigned ymm_state = 0x06, zmm_state = 0xE6;
@@ -34,10 +23,7 @@ constexpr unsigned ymm_state = 0x06, zmm_state = 0xE6;
 // Whether the operating system saves all these parts of the vector state.
 bool saves(unsigned state) {
     constexpr int os_uses_xsave = 27;
-    if (!has_bit(cpuid(1).c, os_uses_xsave)) return false;
-    unsigned low, high;
-    asm volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
-    return (low & state) == state;
+    return has_bit(cpuid(1).c, os_uses_xsave) && (saved_state() & state) == state;
 }
 
 }  // namespace

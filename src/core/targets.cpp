@@ -20,19 +20,19 @@ namespace {
 const Target g_targets[] = {ZIVCOLOR_BUILT_TARGETS(ZIVCOLOR_TARGET_ROW)};
 #undef ZIVCOLOR_TARGET_ROW
 
-const KernelTable& choose() {
+}  // namespace
+
+TargetList built_targets() { return {g_targets, g_targets + sizeof g_targets / sizeof *g_targets}; }
+
+const KernelTable& best_kernels() {
     const TargetList built = built_targets();
     for (const Target& target : built)
         if (target.runs_here()) return *target.kernels;
     return *(built.past - 1)->kernels;
 }
 
-}  // namespace
-
-TargetList built_targets() { return {g_targets, g_targets + sizeof g_targets / sizeof *g_targets}; }
-
 const KernelTable& chosen_kernels() {
-    static const KernelTable& chosen = choose();
+    static const KernelTable& chosen = best_kernels();
     return chosen;
 }
 

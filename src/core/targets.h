@@ -21,7 +21,9 @@ struct TargetList {
 };
 TargetList built_targets();
 
-// The best target that runs here: chosen once, at the first call.
+// The kernels of the best target that runs here; if none does, those of the last. Asks the CPU at every call.
+const KernelTable& best_kernels();
+// The same, chosen once, at the first call.
 const KernelTable& chosen_kernels();
 
 }  // namespace zivcolor
