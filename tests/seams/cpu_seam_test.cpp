@@ -71,7 +71,8 @@ constexpr Feature features[] = {
     {"upper ZMM", nullptr, 0, 6},
     {"more ZMM", nullptr, 0, 7},
 };
-constexpr unsigned sse4 = 0x0001, avx2 = sse4 | 0x030E, avx512 = avx2 | 0x1CF0;
+constexpr unsigned sse4 = 0x0001, avx2_alone = 0x030E, avx512_alone = 0x1FF2, avx2 = sse4 | avx2_alone,
+                   avx512 = avx2 | avx512_alone;
 
 // A CPU of these features; of what the choice does not look at it has all or nothing.
 Cpu cpu_of(unsigned set, bool all_else) {
@@ -94,15 +95,19 @@ std::string names_of(unsigned set) {
     return text;
 }
 
+bool has(unsigned set, unsigned needed) { return (set & needed) == needed; }
+
 bool runs(const std::string& target, unsigned set) {
-    const unsigned needed = target == "avx512" ? avx512 : target == "avx2" ? avx2 : target == "sse4" ? sse4 : 0;
-    return (set & needed) == needed;
+    return has(set, target == "avx512" ? avx512 : target == "avx2" ? avx2 : target == "sse4" ? sse4 : 0);
 }
 
 TEST(CpuSeam, EveryCombinationOfFeaturesGetsItsTarget) {
     for (unsigned set = 0; set < 1u << (sizeof features / sizeof *features); set++)
         for (const bool all_else : {false, true}) {
             cpu = cpu_of(set, all_else);
+            ASSERT_EQ(zivcolor::cpu_has_SSE4_2(), has(set, sse4)) << names_of(set);
+            ASSERT_EQ(zivcolor::cpu_has_AVX2(), has(set, avx2_alone)) << names_of(set);
+            ASSERT_EQ(zivcolor::cpu_has_AVX512_VBMI(), has(set, avx512_alone)) << names_of(set);
             const zivcolor::Target* best = zivcolor::built_targets().past - 1;
             for (const zivcolor::Target& target : zivcolor::built_targets()) {
                 ASSERT_EQ(target.runs_here(), runs(target.name, set)) << target.name << " with " << names_of(set);
