@@ -16,7 +16,7 @@ release        1200  GCC: every target of this CPU by every test, all 2^24 colou
 clang          1200  clang 14: benchmarks and demo compile; every target by every test, a sample of the colours
 clang19        1200  clang 19: every target by every test, all 2^24 colours; exported names, no stray symbols
 lto            1200  link-time optimisation, GCC with -Werror=odr and clang 19 with lld: two targets by every test, a sample of the colours
-tidy            900  clang-tidy 14 finds nothing in library, benchmark and demo
+tidy            900  clang-tidy 14 finds nothing in library, benchmark, demo and tool
 coverage        900  the tests reach 99 % of the library's lines; no stray symbols without optimisation
 asan            900  address and undefined behaviour sanitizers, all tests but the walks over all colours
 fuzz            600  fuzzers from a fixed seed, under both sanitizers
@@ -27,6 +27,7 @@ old_cpus        900  emulated Haswell, Nehalem, Conroe meet no instruction that 
 aarch64         900  GCC: every test on emulated AArch64 with and without the dot product, a sample of the colours; exported names, no stray symbols
 aarch64_clang14 900  clang 14: the same tests on emulated AArch64, a sample of the colours
 aarch64_clang19 1500  clang 19: the same tests on emulated AArch64, all 2^24 colours
+tools           300  the tool: its tests; every function by its digests, natively and by a static build on three emulated AArch64 CPUs
 riscv64         900  GCC: the portable kernels' tables on an emulated machine without vectors, a sample of the colours
 armhf           900  clang 14: the portable kernels' tables on emulated 32-bit ARM, a sample of the colours
 homes          1200  zig's compiler: macOS, Windows and musl build without a warning and export the listed functions; musl's kernels, emulated
@@ -179,7 +180,7 @@ lto() {
 tidy() {
     scripts/packages "${cmake_packages[@]}" clang-14 clang-tidy-14 libbenchmark-dev libyuv-dev libpng-dev libturbojpeg0-dev
     logged configure cmake --preset clang -B build/tidy -DZIVCOLOR_TARGETS="${x86_targets%% *}"
-    run-clang-tidy-14 -quiet -p build/tidy -j "$jobs" '/(src|bench|examples)/.*\.cpp$' >"$logs/tidy.log" 2>&1 ||
+    run-clang-tidy-14 -quiet -p build/tidy -j "$jobs" '/(src|bench|examples|tools)/.*\.cpp$' >"$logs/tidy.log" 2>&1 ||
         { grep -E 'error|warning' "$logs/tidy.log" | sort -u | head -40; return 1; }
     echo "clang-tidy: clean"
 }
@@ -270,6 +271,22 @@ aarch64_clang19() {
     scripts/packages "${aarch64_packages[@]}" clang-19
     aarch64_clang 19 all
     scripts/check_size build/aarch64_clang19/src/libzivcolor.so
+}
+
+# From the builds of release and aarch64.
+tools() {
+    scripts/packages "${aarch64_packages[@]}" file
+    build release zivcolor_tool zivcolor_tool_damaged zivcolor_tool_digests zivcolor_tool_tests -- "${library_and_tests[@]}"
+    CTEST_OUTPUT_ON_FAILURE=1 ctest --test-dir build/release -j "$jobs" -R '^(Check|Tool)\.|^tool_' | tail -3
+    local architecture cpu
+    for architecture in x86_64 aarch64; do
+        scripts/tool "$architecture"
+        file -b "build/tool/zivcolor-$architecture" | grep -o 'statically linked'
+    done
+    for cpu in cortex-a53 cortex-a76 max; do
+        echo "$cpu: $(qemu-aarch64 -cpu "$cpu" build/tool/zivcolor-aarch64 check | tail -1)"
+    done
+    echo "this CPU: $(build/tool/zivcolor-x86_64 check --target all | tail -1)"
 }
 
 riscv64() {
