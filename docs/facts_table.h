@@ -132,4 +132,13 @@ constexpr RowsFacts rows_of(std::string_view name) {
     return told ? *told : RowsFacts{name, Pitch, Pitch};
 }
 
+// When a kernel touches more of an image than its layout has, by tight pitches.
+enum Beyond { Never, AtOddSizes, AtEvenSizesToo };
+constexpr Beyond beyond(const Facts& f) {
+    const bool at_even_sizes =
+        f.odd_width == Ahead || f.odd_width == Twice || f.odd_width == Fours || rows_of(f.name).destination == TwicePitch;
+    if (at_even_sizes) return AtEvenSizesToo;
+    return f.odd_width == Past || f.odd_height == Past ? AtOddSizes : Never;
+}
+
 }  // namespace facts

@@ -8,6 +8,7 @@
 
 #include "distance_tables.h"
 #include "facts_table.h"
+#include "zivcolor_image.h"
 
 namespace {
 
@@ -30,6 +31,7 @@ constexpr Kernel yuv_to_rgb[] = {ZIVCOLOR_YUV2RGB_CONVERSIONS(ZIVCOLOR_KERNEL)};
 constexpr Kernel rgb_to_yuv[] = {ZIVCOLOR_RGB2YUV_CONVERSIONS(ZIVCOLOR_KERNEL)};
 constexpr Kernel yuv_to_yuv[] = {ZIVCOLOR_YUVREPACK_CONVERSIONS(ZIVCOLOR_KERNEL)};
 constexpr Kernel rgb_to_rgb[] = {ZIVCOLOR_RGBREPACK_CONVERSIONS(ZIVCOLOR_KERNEL)};
+constexpr Kernel all_kernels[] = {ZIVCOLOR_CONVERSIONS(ZIVCOLOR_KERNEL)};
 
 string text;
 
@@ -54,9 +56,8 @@ void print_layouts() {
     print(
         "## Layouts\n\n",
         "W and H are the width and height in pixels. Bytes are told in memory order; U stands for Cb, V for Cr. The sizes are\n"
-        "what a kernel may touch of an image, odd sizes included: rows of a plane are that many bytes, and there are that "
-        "many\n"
-        "rows. Where a kernel touches more (an odd size with the note *one more* below), leave room for it.\n\n",
+        "those of the image itself, odd ones included. What a pair touches beyond them stands in\n"
+        "[Memory beyond the image](#memory-beyond-the-image).\n\n",
         "| Layout | Code | Planes | Plane 0 | Bytes a row | Rows | Chroma planes | Bytes a row, each | Rows, each |\n",
         "|---|---|---|---|---|---|---|---|---|\n");
     for (const zivcolor::Layout& l : zivcolor::layouts) {
@@ -72,6 +73,97 @@ void print_layouts() {
         }
     }
     print("\nHSL888, which has no code, is three bytes a pixel: hue (0 to 212), saturation, lightness.\n\n");
+}
+
+const zivcolor::Layout& layout_named(std::string_view name) {
+    return *zivcolor::layout_of(zivcolor_format_named(string(name).c_str()));
+}
+
+// What is touched of one side of a pair beyond the image, in words.
+string beyond_words(const Facts& f, const zivcolor::Layout& layout, Rows found, bool is_source, bool copied_down) {
+    string words;
+    const auto say = [&](const string& more) { words += (words.empty() ? "" : "; ") + more; };
+    if (found == Copied) {
+        const bool is_nv41 = is_source != copied_down;
+        say("luma `pitch[0]` H bytes, by the destination's pitch");
+        if (copied_down && is_nv41) say("chroma `pitch[1]` ceil(H/4) bytes, and `pitch[1]` H/4 behind them, which are cleared");
+        if (copied_down && !is_nv41) say("chroma 2 ceil(H/4) rows of 4 ceil(W/4) bytes");
+        if (!copied_down) say("H no multiple of 4: up to two rows above the chroma plane");
+        if (!copied_down && is_nv41) say("W no multiple of 4: a pair behind each chroma row");
+        if (!copied_down && !is_nv41) say("chroma rows of 4 ceil(W/4) bytes; `2 pitch[1]` of the source from the first row on");
+        return words;
+    }
+    if (f.odd_width == Past && layout.luma.columns == 1)
+        say("odd W: " + number(layout.luma.bytes) + (layout.luma.bytes == 1 ? " byte" : " bytes") + " behind each row" +
+            (layout.planes > 1 ? " of luma" : ""));
+    if (f.odd_width == Past && found == TightChroma && layout.chroma.columns == 1) say("odd W: chroma rows of W + 1 bytes");
+    if (f.odd_height == Past) say(string("odd H: one row") + (layout.planes > 1 ? " of luma" : "") + " behind the last");
+    if (f.odd_width == Ahead && is_source)
+        say("luma of a tail of n pairs of columns: 4 n columns from its first one on, up to 14 behind the row");
+    if (f.odd_width == Twice) {
+        say("the tail's columns, 1 to 16, once more behind each row");
+        if (layout.planes > 1) say("of chroma half as many");
+    }
+    if (found == TwicePitch) say("chroma rows stand `2 pitch[1]` apart: give half the pitch, or room for twice the rows");
+    return words.empty() ? "nothing" : words;
+}
+
+// How many bytes a pair touches beyond two images of a size, by tight pitches or, where it refuses those, by its own.
+string beyond_bytes(uint32_t source, uint32_t destination, int width, int height) {
+    zivcolor_room itself[2], touched[2];
+    zivcolor_image images[2];
+    for (int k = 0; k < 2; k++) {
+        zivcolor_room_of_layout(k ? destination : source, width, height, 1, &itself[k]);
+        images[k] = {itself[k].format, width, height, {}, {}};
+        for (int plane = 0; plane < 3; plane++) images[k].pitch[plane] = itself[k].pitch[plane];
+    }
+    if (zivcolor_room_of_images(&images[0], &images[1], &touched[0], &touched[1]) != zivStatus_OK)
+        zivcolor_room_of_pair(source, destination, width, height, 1, &touched[0], &touched[1]);
+    string text;
+    for (int k = 0; k < 2; k++) {
+        int64_t more = 0;
+        for (int plane = 0; plane < itself[k].planes; plane++) {
+            const int64_t own = int64_t{itself[k].rows[plane] - 1} * touched[k].pitch[plane] + itself[k].row_bytes[plane];
+            const auto taken = static_cast<int64_t>(touched[k].before[plane] + touched[k].after[plane]);
+            more += taken > own ? taken - own : 0;
+        }
+        text += (k ? "; " : "") + std::to_string(more);
+    }
+    return text;
+}
+
+void print_memory() {
+    int at_even_sizes = 0;
+    for (const Kernel& k : all_kernels)
+        at_even_sizes += k.dispatched && beyond(*find(facts::conversions, k.name)) == AtEvenSizesToo;
+    print(
+        "## Memory beyond the image\n\n"
+        "A plane of an image is its rows, a pitch apart, the last one without its padding. All pairs but these touch nothing\n"
+        "else, at any size; the first ",
+        number(at_even_sizes),
+        " reach further at even sizes too. Bytes are read of a source and written of a\n"
+        "destination. The last columns are the bytes beyond source and destination at three sizes, with tight rows.\n"
+        "`zivcolor_room_of_pair()` and `zivcolor_room_of_images()` in [zivcolor_image.h](../include/zivcolor_image.h) tell "
+        "all\n"
+        "of this for any size and pitch: leave it to them.\n\n"
+        "| Pair | Of the source | Of the destination | 640x480 | 650x486 | 651x487 |\n|---|---|---|---|---|---|\n");
+    for (const Beyond when : {AtEvenSizesToo, AtOddSizes})
+        for (const Kernel& k : all_kernels) {
+            const Facts& f = *find(facts::conversions, k.name);
+            if (!k.dispatched || beyond(f) != when) continue;
+            const RowsFacts found = rows_of(k.name);
+            const zivcolor::Layout &source = layout_named(k.source), &destination = layout_named(k.destination);
+            const bool down = k.destination == "NV41";
+            print("| ", k.source, " to ", k.destination, " | ", beyond_words(f, source, found.source, true, down), " | ",
+                  beyond_words(f, destination, found.destination, false, down), " | ",
+                  beyond_bytes(source.format, destination.format, 640, 480), " | ",
+                  beyond_bytes(source.format, destination.format, 650, 486), " | ",
+                  beyond_bytes(source.format, destination.format, 651, 487), " |\n");
+        }
+    print(
+        "\nFrom NV41, `pitch[1]` of the source must not be below that of the destination. Kernels that zivColorCvt does not "
+        "call\n"
+        "have their memory told in the notes to their tables.\n\n");
 }
 
 void print_sets() {
@@ -179,7 +271,8 @@ void print_all() {
         "<!-- Generated from src/core/kernel_list.h, docs/kernel_facts.h and docs/roads.h by scripts/docs --update. Do not "
         "edit. -->\n\n",
         "# Layouts and kernels\n\n"
-        "- [Layouts](#layouts)\n- [What to take](#what-to-take)\n- [Traps](#traps)\n"
+        "- [Layouts](#layouts)\n- [Memory beyond the image](#memory-beyond-the-image)\n- [What to take](#what-to-take)\n- "
+        "[Traps](#traps)\n"
         "- [Distance from BT.601](#distance-from-bt601)\n- [Coefficient sets](#coefficient-sets)\n"
         "- [The tables of kernels](#the-tables-of-kernels): [YUV to RGB](#yuv-to-rgb), [RGB to YUV](#rgb-to-yuv), [YUV to "
         "YUV](#yuv-to-yuv), [RGB to RGB](#rgb-to-rgb)\n"
@@ -187,6 +280,7 @@ void print_all() {
         "Every pair has one kernel, and results are defined to the byte: kernels that look alike differ in coefficients, "
         "rounding,\nbyte order, tails and pitches. What the tables call the tail is what blocks leave of a row.\n\n");
     print_layouts();
+    print_memory();
     print(distance_tables());
     print_sets();
     print(

@@ -311,6 +311,25 @@ TEST_P(KernelFacts, SetOfTheBlocks) {
     }
 }
 
+// Whether a kernel touches more than the rows of its images, at even sizes and at odd ones.
+TEST_P(KernelFacts, MemoryBeyondTheImage) {
+    bool beyond[2] = {};
+    for (int width = 2; width <= 40; width++)
+        for (int height = 2; height <= 7; height++) {
+            const ImagePair images = tight(c, width, height);
+            const auto touched = reach(images);
+            for (size_t k = 0; k < 6; k++) {
+                const uint32_t format = k < 3 ? c.source : c.destination;
+                const auto plane = static_cast<int>(k % 3);
+                const ptrdiff_t size = tight_pitch(format, plane, width) * plane_rows(format, plane, height);
+                if (plane < plane_count(format) && (touched[k].first < 0 || touched[k].past > size))
+                    beyond[width % 2 || height % 2] = true;
+            }
+        }
+    EXPECT_EQ(beyond[0], facts::beyond(f) == facts::AtEvenSizesToo);
+    EXPECT_EQ(beyond[1], facts::beyond(f) != facts::Never);
+}
+
 INSTANTIATE_TEST_SUITE_P(All, KernelFacts, testing::ValuesIn(measured_conversions()),
                          [](const testing::TestParamInfo<Conversion>& row) { return std::string(row.param.name); });
 
