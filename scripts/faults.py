@@ -53,6 +53,7 @@ class Fault:
     before: str = ""  # the line or lines, blanks joined
     after: str = ""
     above: str = ""  # the line above, where others of the file read the same
+    passed: list = dataclasses.field(default_factory=list)  # the builds whose quick tests all pass with it
 
     def key(self):
         return (self.path, self.above, self.before, self.after)
