@@ -1,8 +1,9 @@
 # SPDX-License-Identifier: MIT
-"""Makes Doxygen comments of the plain ones in include/zivcolor.h: python3 docs/doxygen_filter.py FILE
+"""Makes Doxygen comments of the plain ones in the public headers: python3 docs/doxygen_filter.py FILE
 
 A comment documents every declaration between it and the next comment. One with no declaration of its own belongs to the section
-that it stands in. Indented lines keep their layout."""
+that it stands in. Indented lines keep their layout. Of inline functions the prototype is left; what is called zivcolor_detail is
+not for users and is left out."""
 import re
 import sys
 
@@ -50,10 +51,12 @@ def main():
             continue  # of the preprocessor's lines, which are gone
         elif not code:
             print(f"/** @}} */\n/** @addtogroup {section}\n{text}\n@{{ */")
+        code = re.sub(r"(?m)^(ZIVCOLOR_INLINE[^{]*?) \{$(?:\n .*|\n)*", r"\1;\n", code)
         # Comments behind a member; declarations end in a semicolon at the left margin or at the end of a prototype.
         code = re.sub(r"(?m)(\S.*?)\s*/\* (.*?) \*/", lambda m: f"{m[1]} /**< {escaped(m[2])} */", code)
-        for declaration in re.findall(r"(?:ZIVCOLOR_API[^;]*;|(?:enum|typedef)(?:.|\n)*?\n\}[^;]*;)", code):
-            print(declaration if title else f"/** {text} */\n{declaration}")
+        for declaration in re.findall(r"(?:ZIVCOLOR_(?:API|INLINE)[^;]*;|typedef [^;{]*;|(?:enum|typedef)(?:.|\n)*?\n\}[^;]*;)", code):
+            if "zivcolor_detail" not in declaration:
+                print(declaration if title else f"/** {text} */\n{declaration}")
     print("/** @} */")
 
 

@@ -56,16 +56,18 @@ enum {
 
 /* A pair that zivColorCvt converts. */
 typedef struct zivcolor_pair {
-    uint32_t source, destination;  /* zivPixFmt_... */
-    uint8_t takes_alpha;           /* 1: Param.alpha becomes the alpha byte of every written pixel */
-    int8_t band_task;              /* what zivColorCvtFunc returns; -1: no conversion on several threads */
-    uint8_t least_width;           /* smaller images are refused */
-    uint8_t least_height;          /* smaller images are refused */
-    uint8_t columns_of_source;     /* 1: the source's width is walked; 0: the destination's */
-    uint8_t rows_of_source;        /* the same of the height */
-    uint8_t odd_width, odd_height; /* zivOdd_... */
-    uint8_t source_rows;           /* zivRows_... */
-    uint8_t destination_rows;      /* zivRows_... */
+    uint32_t source;           /* zivPixFmt_... */
+    uint32_t destination;      /* zivPixFmt_... */
+    uint8_t takes_alpha;       /* 1: Param.alpha becomes the alpha byte of every written pixel */
+    int8_t band_task;          /* what zivColorCvtFunc returns; -1: no conversion on several threads */
+    uint8_t least_width;       /* images below it are refused */
+    uint8_t least_height;      /* images below it are refused */
+    uint8_t columns_of_source; /* 1: the source's width is walked; 0: the destination's */
+    uint8_t rows_of_source;    /* the same of the height */
+    uint8_t odd_width;         /* zivOdd_... */
+    uint8_t odd_height;        /* zivOdd_... */
+    uint8_t source_rows;       /* zivRows_... */
+    uint8_t destination_rows;  /* zivRows_... */
 } zivcolor_pair;
 
 /* All layouts by number, from 0 on; NULL behind the last. */
