@@ -73,7 +73,8 @@ enum {
     zivStatus_OutOfMemory = 4     /* a work buffer could not be had; positive, unlike the others */
 };
 
-/* The image descriptor of all conversions, turns and mirrors. The library reads it and never writes it. */
+/* The image descriptor of all conversions, turns and mirrors. The library reads it and never writes it. zivcolor_image.h fills
+ * it, and knows how many bytes an image takes for each pair: odd sizes, and whatever a pair touches beyond it. */
 typedef struct __tag_KOBR_OFFSCREEN {
     uint32_t format;   /* zivPixFmt_... */
     int32_t width;     /* pixels */
@@ -171,7 +172,8 @@ ZIVCOLOR_API int32_t zivColorNV12toBGRA8888u8(const __tag_KOBR_OFFSCREEN* srcImg
  * pitch[2] of the source and pitch[0] of the destination.
  *   I420toBGR888     fine set. The luma of the tail runs ahead: its pass k, counted from 0, writes columns T + 2 k and the next
  *                    (T the first column of the tail) from the luma of columns T + 4 k + 2 and the next. So up to W - T bytes
- *                    past the end of both luma rows are read and used.
+ *                    past the end of both luma rows are read and used, at even widths too: a tail of n pairs of columns
+ *                    reads luma up to column T + 4 n, 14 past the row at most.
  *   I420toRGB888, I420toBGRA8888, I420toRGBA8888   coarse set in blocks and tail */
 
 ZIVCOLOR_API int32_t zivColorI420toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
@@ -383,7 +385,8 @@ ZIVCOLOR_API int32_t zivColorYUYVtoNV21u8_v2(const __tag_KOBR_OFFSCREEN* srcImg,
 ZIVCOLOR_API int32_t zivColorYUYVtoNV12u8_v2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 /* To Y; U; V, two rows at a time, an odd H rounded up. The lower luma row of a pair is written W bytes, not one pitch, below
  * the upper one. Blocks of 16 columns while more than 16 are left; then one step for each of the n = 1 to 16 columns left over,
- * of two columns each: both rows are read and written n columns past W, and U and V get n samples past those of the blocks.
+ * of two columns each: both rows are read and written n columns past W, at even sizes too, and U and V get n samples past those
+ * of the blocks.
  * What runs over stays where no later step of the walk writes: column by column; upper luma, lower luma, U, V in each step.
  * No format code is tested, and of the sizes only the destination's. */
 ZIVCOLOR_API int32_t zivColorYUYVtoI420u8_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
@@ -409,7 +412,8 @@ ZIVCOLOR_API int32_t zivColorI422HtoI420u8(const __tag_KOBR_OFFSCREEN* srcImg, c
 /* To Y; pairs V U. Destination chroma rows step by its pitch[0]; its pitch[1] is not read. */
 ZIVCOLOR_API int32_t zivColorI422HtoNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 /* To Y; pairs U V. The chroma of row i, which is even, goes to plane[1] + i * pitch[1], not i / 2: chroma rows stand two
- * pitches apart. For a plain NV12 image, give half its chroma pitch. */
+ * pitches apart, and plane 1 takes ((H + 1) / 2 - 1) * 2 * pitch[1] + W bytes. For a plain NV12 image, give half its chroma
+ * pitch. */
 ZIVCOLOR_API int32_t zivColorI422HtoNV12u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 /* To packed Y0 U Y1 V, every row with its own chroma. */
 ZIVCOLOR_API int32_t zivColorI422HtoYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
@@ -478,8 +482,9 @@ ZIVCOLOR_API int32_t zivColorNV21toYUVu8(const __tag_KOBR_OFFSCREEN* srcImg, con
  * steps of 4, whose V goes on where the blocks stopped and whose U begins at the start of the row again: behind blocks, the
  * U of the tail's own columns stays unwritten. zivColorNV21toNV41_2, which zivColorCvt takes, also clears what NV41 leaves
  * of a chroma plane of NV21's size, by the destination's pitch[1]: pitch[1] - W / 2 bytes behind each row, and
- * (pitch[1] * H) / 4 bytes behind the last. There are (H + 3) / 4 passes, of two rows read and one written: an H that is no
- * multiple of 4 may read past the plane. A W that is no multiple of 4 reads a pair further and writes one past W / 2. */
+ * (pitch[1] * H) / 4 bytes behind the last: plane 1 must have pitch[1] * ((H + 3) / 4) + pitch[1] * H / 4 bytes, twice what
+ * an NV41 image has. There are (H + 3) / 4 passes, of two rows read and one written: an H that is no multiple of 4 may read
+ * past the plane. A W that is no multiple of 4 reads a pair further and writes one past W / 2. */
 ZIVCOLOR_API int32_t zivColorNV21toNV41(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorNV21toNV41_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 /* Up, first generation: ENDS THE PROCESS abnormally for every source width above 0, after luma, the blocks of the first two
@@ -496,7 +501,9 @@ ZIVCOLOR_API int32_t zivColorNV41toNV21(const __tag_KOBR_OFFSCREEN* srcImg, cons
  * two rows pass through a work buffer of two of the source's chroma rows, all of which is copied at the end: the
  * destination's pitch[1] must not be above the source's. The buffer is not cleared, so that in these two rows what no step
  * writes, padding and the U of a tail behind blocks, takes any value. With an H that is no multiple of 4 there is no such
- * pass, and the walk runs above the start of the chroma planes; below an H of 4 it starts there.
+ * pass, and the walk runs above the start of the chroma planes, by two rows of the source and one or two of the destination;
+ * below an H of 4 it starts there. A W that is no multiple of 4 reads a pair behind each row, and writes rows of W rounded up
+ * to such a multiple.
  *   zivStatus_OutOfMemory   no memory for the work buffer, or the source's pitch[1] is negative; luma has been written by
  *                           then, chroma has not */
 ZIVCOLOR_API int32_t zivColorNV41toNV21_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
