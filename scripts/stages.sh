@@ -13,7 +13,7 @@ quick_package   300  an installation is found and used from C and from C++
 all_stages="
 format          120  clang-format changes nothing; every file of code names its licence
 release        1200  GCC: every target of this CPU by every test, all 2^24 colours; exported names, no stray symbols
-clang          1200  clang 14: benchmarks and demo compile; every target by every test, a sample of the colours
+clang          1200  clang 14: benchmarks compile, the demo says what it should; every target by every test, a sample of the colours
 clang19        1200  clang 19: every target by every test, all 2^24 colours; exported names, no stray symbols
 lto            1200  link-time optimisation, GCC with -Werror=odr and clang 19 with lld: two targets by every test, a sample of the colours
 tidy            900  clang-tidy 14 finds nothing in library, benchmark, demo and tool
@@ -39,6 +39,7 @@ jobs=$(nproc)
 logs=build/logs
 library_and_tests=(-DZIVCOLOR_BUILD_BENCHMARKS=OFF -DZIVCOLOR_BUILD_EXAMPLES=OFF)
 cmake_packages=(git g++ cmake ninja-build googletest libgtest-dev)
+demo_packages=(libpng-dev libturbojpeg0-dev libfreetype-dev fonts-dejavu-core)
 aarch64_packages=("${cmake_packages[@]}" g++-aarch64-linux-gnu qemu-user)
 
 # Runs a command with its output in a log of the stage's own; the end of that is shown if it fails.
@@ -147,11 +148,12 @@ release() {
 }
 
 clang() {
-    scripts/packages "${cmake_packages[@]}" clang-14 libbenchmark-dev libyuv-dev libpng-dev libturbojpeg0-dev
+    scripts/packages "${cmake_packages[@]}" clang-14 libbenchmark-dev libyuv-dev "${demo_packages[@]}"
     test_code release
     build clang -- -DZIVCOLOR_TEST_CODE="$PWD/build/release"
     run_tests build/clang/tests/zivcolor_tests "--colours=sample --gtest_filter=-$no_kernel"
     other_programs clang
+    scripts/check_demo build/clang/examples/zivcolor_demo
     scripts/check_objects build/clang
 }
 
@@ -178,7 +180,7 @@ lto() {
 
 # The best target's kernels include the lane files of all others of the architecture.
 tidy() {
-    scripts/packages "${cmake_packages[@]}" clang-14 clang-tidy-14 libbenchmark-dev libyuv-dev libpng-dev libturbojpeg0-dev
+    scripts/packages "${cmake_packages[@]}" clang-14 clang-tidy-14 libbenchmark-dev libyuv-dev "${demo_packages[@]}"
     logged configure cmake --preset clang -B build/tidy -DZIVCOLOR_TARGETS="${x86_targets%% *}"
     run-clang-tidy-14 -quiet -p build/tidy -j "$jobs" '/(src|bench|examples|tools)/.*\.cpp$' >"$logs/tidy.log" 2>&1 ||
         { grep -E 'error|warning' "$logs/tidy.log" | sort -u | head -40; return 1; }

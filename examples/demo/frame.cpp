@@ -1,194 +1,165 @@
 // SPDX-License-Identifier: MIT
 #include "frame.h"
 
-#include <cstring>
-#include <deque>
-#include <map>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
 #include <stdexcept>
 
 namespace demo {
 
 namespace {
 
-struct Plane {
-    int pitch, rows;
+// The three samples of a pixel, R G B or Y U V: the plane that has each, and its byte in the first group of the plane.
+struct Order {
+    uint32_t format;
+    int plane[3], byte[3];
+};
+constexpr Order orders[] = {
+    {zivPixFmt_BGR888, {0, 0, 0}, {2, 1, 0}},   {zivPixFmt_RGB888, {0, 0, 0}, {0, 1, 2}},
+    {zivPixFmt_BGRA8888, {0, 0, 0}, {2, 1, 0}}, {zivPixFmt_ARGB8888, {0, 0, 0}, {1, 2, 3}},
+    {zivPixFmt_RGBA8888, {0, 0, 0}, {0, 1, 2}}, {zivPixFmt_YUV, {0, 0, 0}, {0, 1, 2}},
+    {zivPixFmt_YUYV, {0, 0, 0}, {0, 1, 3}},     {zivPixFmt_YVYU, {0, 0, 0}, {0, 3, 1}},
+    {zivPixFmt_UYVY, {0, 0, 0}, {1, 0, 2}},     {zivPixFmt_VYUY, {0, 0, 0}, {1, 2, 0}},
+    {zivPixFmt_I420, {0, 1, 2}, {0, 0, 0}},     {zivPixFmt_I422V, {0, 1, 2}, {0, 0, 0}},
+    {zivPixFmt_I422H, {0, 1, 2}, {0, 0, 0}},    {zivPixFmt_I444, {0, 1, 2}, {0, 0, 0}},
+    {zivPixFmt_YV12, {0, 2, 1}, {0, 0, 0}},     {zivPixFmt_YV24, {0, 2, 1}, {0, 0, 0}},
+    {zivPixFmt_NV12, {0, 1, 1}, {0, 0, 1}},     {zivPixFmt_NV21, {0, 1, 1}, {0, 1, 0}},
+    {zivPixFmt_LPI422H, {0, 1, 1}, {0, 0, 1}},  {zivPixFmt_NV41, {0, 1, 1}, {0, 1, 0}},
 };
 
-std::vector<Plane> planes_of(uint32_t format, int w, int h) {
-    // The kernels from and to NV41 take its chroma at the pitch of NV21's.
-    if (format == zivPixFmt_NV41) format = zivPixFmt_NV21;
-    const zivcolor::Layout& layout = *zivcolor::layout_of(format);
-    std::vector<Plane> planes;
-    planes.reserve(static_cast<size_t>(layout.planes));
-    for (int k = 0; k < layout.planes; k++) planes.push_back({layout.row_bytes(k, w), layout.rows(k, h)});
-    return planes;
-}
+// Where the samples of one kind lie: one for so many columns and rows of pixels.
+struct Channel {
+    uint8_t* first;
+    int columns, rows, step;
+    int64_t row_step;
 
-// The next layout on a shortest way from one layout to another; 0 if there is none.
-uint32_t step_towards(uint32_t from, uint32_t to) {
-    std::map<uint32_t, uint32_t> next{{to, to}};
-    for (std::deque<uint32_t> open{to}; !open.empty(); open.pop_front())
-        for (const zivcolor::Layout& layout : zivcolor::layouts)
-            if (!next.count(layout.format) && converts(layout.format, open.front())) {
-                next[layout.format] = open.front();
-                open.push_back(layout.format);
-            }
-    return next.count(from) ? next[from] : 0;
-}
+    uint8_t* at(int x, int y) const { return first + y / rows * row_step + int64_t{x / columns} * step; }
+};
 
-void convert(const Frame& source, Frame& destination) {
-    // One chroma row for four luma rows' worth of pairs: the kernel from I422H to NV12 steps its chroma rows by twice their
-    // pitch.
-    __tag_KOBR_OFFSCREEN target = destination.image;
-    if (source.image.format == zivPixFmt_I422H && target.format == zivPixFmt_NV12) target.pitch[1] /= 2;
-    if (zivColorCvt(&source.image, &target, {255}) != zivStatus_OK)
-        throw std::logic_error("a conversion that was promised is refused");
-}
-
-Frame led(Frame frame, uint32_t format) {
-    while (frame.image.format != format) {
-        const uint32_t step = step_towards(frame.image.format, format);
-        if (step == 0) throw std::logic_error("no way between two layouts");
-        Frame next(step, frame.image.width, frame.image.height);
-        convert(frame, next);
-        frame = std::move(next);
+std::array<Channel, 3> channels_of(const zivcolor_image& image, const zivcolor_room& room) {
+    const zivcolor_layout& layout = *zivcolor_layout_of(room.format);
+    const Order* order =
+        std::find_if(std::begin(orders), std::end(orders), [&](const Order& o) { return o.format == room.format; });
+    if (order == std::end(orders)) throw std::logic_error("a layout without channels of whole bytes");
+    std::array<Channel, 3> channels{};
+    for (size_t k = 0; k < 3; k++) {
+        const int plane = order->plane[k];
+        uint8_t* first = image.plane[plane] + order->byte[k];
+        if (plane != 0) channels[k] = {first, layout.chroma_columns, layout.chroma_rows, layout.chroma_bytes, room.step[plane]};
+        else if (k == 0) channels[k] = {first, 1, 1, layout.bytes / layout.columns, room.step[0]};
+        else channels[k] = {first, layout.columns, 1, layout.bytes, room.step[0]};
     }
-    return frame;
+    return channels;
 }
 
-void copy_plane(const Frame& from, int k, Frame& to, int m) {
-    std::memcpy(to.image.plane[m], from.image.plane[k],
-                static_cast<size_t>(from.image.pitch[k]) *
-                    static_cast<size_t>(
-                        planes_of(from.image.format, from.image.width, from.image.height)[static_cast<size_t>(k)].rows));
+uint8_t byte(double v) { return static_cast<uint8_t>(std::clamp(std::lround(v), 0L, 255L)); }
+
+// One of Y, U, V of a pixel.
+double yuv_sample(const uint8_t* rgb, size_t k) {
+    static constexpr double weights[3][3] = {{0.299, 0.587, 0.114}, {-0.168736, -0.331264, 0.5}, {0.5, -0.418688, -0.081312}};
+    return weights[k][0] * rgb[0] + weights[k][1] * rgb[1] + weights[k][2] * rgb[2] + (k == 0 ? 0 : 128);
 }
 
-uint8_t widen(unsigned field, unsigned bits) { return static_cast<uint8_t>(field << (8 - bits) | field >> (2 * bits - 8)); }
-
-Picture unpack_565(const Frame& frame) {
-    Picture p(frame.image.width, frame.image.height);
-    const bool red_high = frame.image.format == zivPixFmt_RGB565;
-    for (size_t i = 0; i < p.rgb.size() / 3; i++) {
-        const unsigned word = frame.image.plane[0][2 * i] | unsigned{frame.image.plane[0][2 * i + 1]} << 8;
-        const uint8_t high = widen(word >> 11, 5), middle = widen(word >> 5 & 63, 6), low = widen(word & 31, 5);
-        p.rgb[3 * i] = red_high ? high : low;
-        p.rgb[3 * i + 1] = middle;
-        p.rgb[3 * i + 2] = red_high ? low : high;
-    }
-    return p;
+// 16 fractional bits; luma is whole, so that a colour is luma and a rounded term of chroma alone.
+void rgb_pixel(int y, int u, int v, uint8_t* rgb) {
+    const auto plus = [y](int term) { return static_cast<uint8_t>(std::clamp(y + ((term + 32768) >> 16), 0, 255)); };
+    u -= 128, v -= 128;
+    rgb[0] = plus(91881 * v), rgb[1] = plus(-22554 * u - 46802 * v), rgb[2] = plus(116130 * u);
 }
 
-// Packed 4:2:2 of any order, re-ordered to YUYV, which the library reads.
-Frame as_yuyv(const Frame& frame) {
-    struct Order {
-        int y0, u, y1, v;
-    };
-    const Order o = frame.image.format == zivPixFmt_YVYU   ? Order{0, 3, 2, 1}
-                    : frame.image.format == zivPixFmt_UYVY ? Order{1, 0, 3, 2}
-                                                           : Order{1, 2, 3, 0};
-    Frame yuyv(zivPixFmt_YUYV, frame.image.width, frame.image.height);
-    const uint8_t* s = frame.image.plane[0];
-    uint8_t* d = yuyv.image.plane[0];
-    for (int i = 0; i < frame.image.width * frame.image.height / 2; i++, s += 4, d += 4)
-        d[0] = s[o.y0], d[1] = s[o.u], d[2] = s[o.y1], d[3] = s[o.v];
-    return yuyv;
+uint8_t widened(unsigned field, unsigned bits) { return static_cast<uint8_t>(field << (8 - bits) | field >> (2 * bits - 8)); }
+
+Picture shown_565(const Frame& frame) {
+    Picture picture(frame.room.width, frame.room.height);
+    const bool red_high = frame.room.format == zivPixFmt_RGB565;
+    for (int y = 0; y < picture.height; y++)
+        for (int x = 0; x < picture.width; x++) {
+            const uint8_t* bytes = frame.image.plane[0] + int64_t{y} * frame.room.step[0] + 2 * x;
+            const unsigned word = bytes[0] | unsigned{bytes[1]} << 8;
+            const uint8_t high = widened(word >> 11, 5), low = widened(word & 31, 5);
+            uint8_t* pixel = picture.at(x, y);
+            pixel[0] = red_high ? high : low, pixel[1] = widened(word >> 5 & 63, 6), pixel[2] = red_high ? low : high;
+        }
+    return picture;
+}
+
+zivcolor_room room_of(uint32_t format, int width, int height) {
+    zivcolor_room room;
+    if (zivcolor_room_of_layout(format, width, height, 1, &room) != zivStatus_OK) throw std::logic_error("no such image");
+    return room;
 }
 
 }  // namespace
 
-Frame::Frame(uint32_t format, int width, int height) {
-    const std::vector<Plane> planes = planes_of(format, width, height);
-    size_t size = 0;
-    for (const Plane& plane : planes) size += static_cast<size_t>(plane.pitch) * static_cast<size_t>(plane.rows);
-    // Some tails run past the last row, by less than two rows.
-    memory.resize(size + static_cast<size_t>(planes[0].pitch) * 2 + 64);
-    image.format = format;
-    image.width = width;
-    image.height = height;
-    uint8_t* at = memory.data();
-    for (size_t k = 0; k < planes.size(); k++) {
-        image.plane[k] = at;
-        image.pitch[k] = planes[k].pitch;
-        at += static_cast<size_t>(planes[k].pitch) * static_cast<size_t>(planes[k].rows);
-    }
+Frame::Frame(const zivcolor_room& needed) : room(needed), memory(needed.size), image(zivcolor_image_in(&room, memory.data())) {}
+
+Frame::Frame(uint32_t format, int width, int height) : Frame(room_of(format, width, height)) {}
+
+namespace {
+
+struct Rooms {
+    zivcolor_room source{}, destination{};
+};
+
+Rooms rooms_of(const zivcolor_pair& pair, int width, int height) {
+    Rooms rooms;
+    if (zivcolor_room_of_pair(pair.source, pair.destination, width, height, 1, &rooms.source, &rooms.destination) !=
+        zivStatus_OK)
+        throw std::runtime_error("the picture is too large");
+    return rooms;
 }
 
-bool converts(uint32_t source, uint32_t destination) {
-    static std::map<std::pair<uint32_t, uint32_t>, bool> known;
-    const auto [row, is_new] = known.try_emplace({source, destination}, false);
-    if (is_new) {
-        Frame s(source, 32, 8), d(destination, 32, 16);
-        d.image.height = 8;  // room for what runs past the last row
-        row->second = zivColorCvt(&s.image, &d.image, {0}) == zivStatus_OK;
-    }
-    return row->second;
-}
+}  // namespace
 
-Frame in_layout(const Picture& picture, uint32_t format) {
-    const int w = picture.width, h = picture.height;
-    Frame rgb(zivPixFmt_RGB888, w, h);
-    std::memcpy(rgb.image.plane[0], picture.rgb.data(), picture.rgb.size());
-    if (format == zivPixFmt_RGB888 || step_towards(zivPixFmt_RGB888, format)) return led(std::move(rgb), format);
-    Frame frame(format, w, h);
-    if (format == zivPixFmt_YV12) {
-        const Frame i420 = led(std::move(rgb), zivPixFmt_I420);
-        copy_plane(i420, 0, frame, 0), copy_plane(i420, 1, frame, 2), copy_plane(i420, 2, frame, 1);
-    } else if (format == zivPixFmt_I444) {
-        const Frame yv24 = led(std::move(rgb), zivPixFmt_YV24);
-        copy_plane(yv24, 0, frame, 0), copy_plane(yv24, 1, frame, 2), copy_plane(yv24, 2, frame, 1);
-    } else if (format == zivPixFmt_I422V) {
-        const Frame yv24 = led(std::move(rgb), zivPixFmt_YV24);
-        copy_plane(yv24, 0, frame, 0);
-        for (int y = 0; y < h / 2; y++) {
-            std::memcpy(frame.image.plane[1] + y * w, yv24.image.plane[2] + 2 * y * w, static_cast<size_t>(w));
-            std::memcpy(frame.image.plane[2] + y * w, yv24.image.plane[1] + 2 * y * w, static_cast<size_t>(w));
-        }
-    } else {
-        throw std::logic_error(std::string("no way to ") + zivcolor::layout_of(format)->name);
+FramePair::FramePair(const zivcolor_pair& pair, int width, int height)
+    : source(rooms_of(pair, width, height).source), destination(rooms_of(pair, width, height).destination) {}
+
+void fill(Frame& frame, const Picture& picture) {
+    const std::array<Channel, 3> channels = channels_of(frame.image, frame.room);
+    const bool rgb = is_rgb(frame.room.format);
+    for (size_t k = 0; k < 3; k++) {
+        const Channel& channel = channels[k];
+        for (int y = 0; y < picture.height; y += channel.rows)
+            for (int x = 0; x < picture.width; x += channel.columns) {
+                if (rgb) {
+                    *channel.at(x, y) = picture.at(x, y)[k];
+                    continue;
+                }
+                double sum = 0;
+                const int rows = std::min(channel.rows, picture.height - y),
+                          columns = std::min(channel.columns, picture.width - x);
+                for (int j = 0; j < rows; j++)
+                    for (int i = 0; i < columns; i++) sum += yuv_sample(picture.at(x + i, y + j), k);
+                *channel.at(x, y) = byte(sum / (rows * columns));
+            }
     }
-    return frame;
 }
 
 Picture shown(const Frame& frame) {
-    const int w = frame.image.width, h = frame.image.height;
-    Picture picture(w, h);
-    switch (frame.image.format) {
-        case zivPixFmt_RGB565:
-        case zivPixFmt_BGR565: return unpack_565(frame);
-        case zivPixFmt_YVYU:
-        case zivPixFmt_UYVY:
-        case zivPixFmt_VYUY: return shown(as_yuyv(frame));
-        case zivPixFmt_ARGB8888:
-            for (size_t i = 0; i < picture.rgb.size() / 3; i++)
-                std::memcpy(&picture.rgb[3 * i], frame.image.plane[0] + 4 * i + 1, 3);
-            return picture;
-        case zivPixFmt_RGBA8888:
-            for (size_t i = 0; i < picture.rgb.size() / 3; i++)
-                std::memcpy(&picture.rgb[3 * i], frame.image.plane[0] + 4 * i, 3);
-            return picture;
-        case zivPixFmt_BGRA8888:
-        case zivPixFmt_BGR888: {
-            const size_t step = frame.image.format == zivPixFmt_BGR888 ? 3 : 4;
-            for (size_t i = 0; i < picture.rgb.size() / 3; i++)
-                for (size_t k = 0; k < 3; k++) picture.rgb[3 * i + k] = frame.image.plane[0][step * i + 2 - k];
-            return picture;
+    if (frame.room.format == zivPixFmt_RGB565 || frame.room.format == zivPixFmt_BGR565) return shown_565(frame);
+    const std::array<Channel, 3> channels = channels_of(frame.image, frame.room);
+    const bool rgb = is_rgb(frame.room.format);
+    Picture picture(frame.room.width, frame.room.height);
+    for (int y = 0; y < picture.height; y++)
+        for (int x = 0; x < picture.width; x++) {
+            const uint8_t samples[3] = {*channels[0].at(x, y), *channels[1].at(x, y), *channels[2].at(x, y)};
+            if (rgb) std::copy_n(samples, 3, picture.at(x, y));
+            else rgb_pixel(samples[0], samples[1], samples[2], picture.at(x, y));
         }
-        case zivPixFmt_YV24: {
-            // Packed to Y U V, which the library reads.
-            Frame yuv(zivPixFmt_YUV, w, h);
-            for (int i = 0; i < w * h; i++) {
-                yuv.image.plane[0][3 * i] = frame.image.plane[0][i];
-                yuv.image.plane[0][3 * i + 1] = frame.image.plane[2][i];
-                yuv.image.plane[0][3 * i + 2] = frame.image.plane[1][i];
-            }
-            return shown(yuv);
+    return picture;
+}
+
+Picture before_checkerboard(const Frame& frame) {
+    Picture picture = shown(frame);
+    const int square = std::max(4, std::max(picture.width, picture.height) / 24);
+    const int alpha_byte = frame.room.format == zivPixFmt_ARGB8888 ? 0 : 3;
+    for (int y = 0; y < picture.height; y++)
+        for (int x = 0; x < picture.width; x++) {
+            const int alpha = frame.image.plane[0][int64_t{y} * frame.room.step[0] + 4 * x + alpha_byte];
+            blend(picture.at(x, y), alpha, checkerboard(x, y, square));
         }
-        default: break;
-    }
-    Frame copy(frame.image.format, w, h);
-    std::memcpy(copy.memory.data(), frame.memory.data(), frame.memory.size());
-    const Frame rgb = led(std::move(copy), zivPixFmt_RGB888);
-    std::memcpy(picture.rgb.data(), rgb.image.plane[0], picture.rgb.size());
     return picture;
 }
 

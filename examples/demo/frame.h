@@ -2,34 +2,40 @@
 // A picture in one of the library's layouts, in memory of its own.
 #pragma once
 
-#include <string>
 #include <vector>
 
-#include "core/layout_list.h"
 #include "picture.h"
+#include "zivcolor_image.h"
 
 namespace demo {
 
 struct Frame {
-    __tag_KOBR_OFFSCREEN image{};
+    zivcolor_room room{};
     std::vector<uint8_t> memory;
+    zivcolor_image image{};
 
-    Frame() = default;
     Frame(uint32_t format, int width, int height);
+    explicit Frame(const zivcolor_room& needed);
     Frame(const Frame&) = delete;
     Frame& operator=(const Frame&) = delete;
-    Frame(Frame&&) = default;
-    Frame& operator=(Frame&&) = default;
 };
 
-// The pairs that the dispatcher has, found by asking it.
-bool converts(uint32_t source, uint32_t destination);
+// Source and destination of a pair, with the pitches and the room that it wants.
+struct FramePair {
+    Frame source, destination;
 
-// A picture in a layout: by the library's own conversions where they lead there from RGB888, else by moving samples here (the
-// layouts that are sources only).
-Frame in_layout(const Picture& picture, uint32_t format);
+    FramePair(const zivcolor_pair& pair, int width, int height);
+};
 
-// What a frame shows, as RGB: by the library where it leads to RGB888 or BGR888, else by unpacking here (destinations only).
+constexpr bool is_rgb(uint32_t format) { return format >> 8 <= 3; }
+
+// Writes a picture into a frame by exact BT.601 arithmetic in full range; chroma is the mean of the pixels that share it.
+void fill(Frame& frame, const Picture& picture);
+
+// What a frame shows, by exact arithmetic as well; a sample of chroma serves all its pixels. Alpha is left aside.
 Picture shown(const Frame& frame);
+
+// A frame of 32-bit RGB as it looks in front of a checkerboard.
+Picture before_checkerboard(const Frame& frame);
 
 }  // namespace demo

@@ -20,10 +20,23 @@ struct Picture {
     const uint8_t* at(int x, int y) const { return const_cast<Picture*>(this)->at(x, y); }
 };
 
-// Throws std::runtime_error with one clear line.
-Picture read_picture(const std::string& path);  // PNG or JPEG, by content
+// PNG or JPEG, by content. Throws std::runtime_error with one clear line; warns on the standard error stream of what is damaged
+// or left out.
+Picture read_picture(const std::string& path);
+
 void write_png(const std::string& path, const Picture& picture);
 
+// Throws if a file could not be written, before there is anything to write.
+void expect_writable(const std::string& path);
+
 Picture render_scene(int width, int height);
+
+// The grey of a checkerboard at a pixel.
+constexpr int checkerboard(int x, int y, int square) { return (x / square + y / square) % 2 ? 150 : 215; }
+
+// Lays a pixel of some alpha before a grey.
+inline void blend(uint8_t* rgb, int alpha, int grey) {
+    for (int k = 0; k < 3; k++) rgb[k] = static_cast<uint8_t>((rgb[k] * alpha + grey * (255 - alpha) + 127) / 255);
+}
 
 }  // namespace demo

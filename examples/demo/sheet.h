@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// A contact sheet: labelled thumbnails in rows.
+// The contact sheet: results under headings, each beside its difference from what went in.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,17 +10,30 @@
 
 namespace demo {
 
-struct Tile {
-    std::string label;  // up to about 30 characters, drawn in a small fixed font
-    Picture thumbnail;
+constexpr int amplified = 16;
+
+struct Difference {
+    int greatest = 0, x = 0, y = 0;  // of any channel, and the first pixel that has it
+    double psnr = 0;                 // decibels
+};
+Difference difference_of(const Picture& original, const Picture& result);
+
+// What is on the sheet for one result.
+struct Card {
+    std::string title, text;
+    Picture result;                      // small
+    std::optional<Difference> compared;  // then there is also:
+    Picture amplified_difference;        // small
+    Picture before, after;               // the place of the greatest difference, magnified
+};
+Card plain_card(const std::string& title, const std::string& text, const Picture& result);
+Card compared_card(const std::string& title, const std::string& text, const Picture& original, const Picture& result);
+
+struct Section {
+    std::string heading, text;
+    std::vector<Card> cards;
 };
 
-// Averages a picture down to a thumbnail that fits the box.
-Picture shrunk(const Picture& picture, int box_width, int box_height);
-
-Picture contact_sheet(const std::vector<Tile>& tiles, int columns, int box_width, int box_height);
-
-// Draws text with its top left corner at x, y; letters are 5 by 7 in cells of 6 by 8.
-void draw_text(Picture& picture, int x, int y, const std::string& text);
+Picture contact_sheet(const Picture& original, const std::string& name, const std::vector<Section>& sections);
 
 }  // namespace demo
