@@ -9,12 +9,6 @@
 #ifndef ZIVCOLOR_H
 #define ZIVCOLOR_H
 
-/* The version of this header, by semantic versioning. What was compiled with version X.Y runs with the shared library of every
- * later version X.Z and gets the same bytes from it. */
-#define ZIVCOLOR_VERSION_MAJOR 1 /* raised when a program must be changed or compiled anew, or when a byte changes */
-#define ZIVCOLOR_VERSION_MINOR 0 /* raised when something is added */
-#define ZIVCOLOR_VERSION_PATCH 0 /* raised when faults are mended */
-
 #include <stddef.h>
 #include <stdint.h>
 
@@ -31,11 +25,19 @@
 #define ZIVCOLOR_EXTENSION
 #endif
 
+/* ---- Version ----------------------------------------------------------------------------------------------------- */
+/* The version of this header, by semantic versioning. What was compiled with version X.Y runs with the shared library of every
+ * later version X.Z and gets the same bytes from it. */
+#define ZIVCOLOR_VERSION_MAJOR 1 /* raised when a program must be changed or compiled anew, or when a byte changes */
+#define ZIVCOLOR_VERSION_MINOR 0 /* raised when something is added */
+#define ZIVCOLOR_VERSION_PATCH 0 /* raised when faults are mended */
+
 #ifdef __cplusplus
 extern "C" {
 #endif
 
 /* ---- Images ---------------------------------------------------------------------------------------------------- */
+/* What a conversion is told: format codes and descriptors; and what it answers. */
 
 /* Format codes. The high byte is the family: 1 RGB in 16 bits, 2 in 24, 3 in 32; 4 packed 4:4:4, 5 packed 4:2:2, 6 planar,
  * 8 semi-planar. Bytes are told in memory order. */
@@ -103,6 +105,7 @@ typedef struct zivColorExtParam_ALPHA_t {
 } zivColorExtParam_ALPHA_t;
 
 /* ---- The dispatcher --------------------------------------------------------------------------------------------- */
+/* One function for all pairs. */
 
 /* Picks the one kernel for the pair of format codes, passes the low 8 bits of Param.alpha on where the kernel takes an alpha
  * byte, and returns the kernel's status. Reads no size, plane or pitch of its own.
@@ -112,6 +115,7 @@ ZIVCOLOR_API int32_t zivColorCvt(const __tag_KOBR_OFFSCREEN* srcImg, const __tag
                                  zivColorExtParam_ALPHA_t Param);
 
 /* ---- YUV to RGB ------------------------------------------------------------------------------------------------------ */
+/* Frames of cameras and decoders to pixels. */
 
 /* Coefficient sets. All take full-range luma as it stands; u = U - 128, v = V - 128; >> floors; results are clamped to 0..255
  * unless told otherwise.
@@ -136,6 +140,7 @@ ZIVCOLOR_API int32_t zivColorCvt(const __tag_KOBR_OFFSCREEN* srcImg, const __tag
  *                           the least told for the group
  *   zivStatus_OK            otherwise, also where nothing was written */
 
+/* -- NV12 and NV21 to 24-bit RGB -- */
 /* Semi-planar 4:2:0, pairs V U (NV21) or U V (NV12), to 24-bit RGB. Least size 2 by 2. Two rows a pass, H / 2 passes; with an
  * odd H the last row is left as it was, with an odd W the last column. The tail takes 2 columns of both rows at a time. Reads
  * pitch[0] and pitch[1] of the source and pitch[0] of the destination. The offset of an upper row, row times pitch, wraps in
@@ -150,6 +155,7 @@ ZIVCOLOR_API int32_t zivColorNV12toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, 
 ZIVCOLOR_API int32_t zivColorNV21toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorNV21toRGB888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- NV12 and NV21 to 32-bit RGB -- */
 /* Semi-planar 4:2:0 to 32-bit RGB with alpha: rows, least size, pitches and pairs as above.
  *   NV21toBGRA8888   binary32 set; the tail sums green as trunc((Y + -0.714 v) + -0.344 u), which changes 1917 of all 2^24
  *                    triples by one
@@ -168,6 +174,7 @@ ZIVCOLOR_API int32_t zivColorNV12toRGBA8888u8(const __tag_KOBR_OFFSCREEN* srcImg
 ZIVCOLOR_API int32_t zivColorNV12toBGRA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
                                               uint8_t Param);
 
+/* -- I420 to RGB -- */
 /* I420 (planes Y, U, V) to RGB. Least size 2 by 2; rows and tail as for the semi-planar sources. Reads pitch[0], pitch[1] and
  * pitch[2] of the source and pitch[0] of the destination.
  *   I420toBGR888     fine set. The luma of the tail runs ahead: its pass k, counted from 0, writes columns T + 2 k and the next
@@ -183,6 +190,7 @@ ZIVCOLOR_API int32_t zivColorI420toBGRA8888u8(const __tag_KOBR_OFFSCREEN* srcImg
 ZIVCOLOR_API int32_t zivColorI420toRGBA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
                                               uint8_t Param);
 
+/* -- YV12 to RGB -- */
 /* YV12 (planes Y, V, U) to 24-bit RGB. Least size 2 by 2. Every row and every column is converted, also of odd sizes; the tail
  * takes single columns. Reads pitch[0], pitch[1] and pitch[2] of the source and pitch[0] of the destination.
  *   YV12toBGR888   blocks: coarse set. The tail never reads V: B = Y + (57 u >> 5) and G = Y - (11 u >> 5), clamped, R = Y.
@@ -192,6 +200,7 @@ ZIVCOLOR_API int32_t zivColorI420toRGBA8888u8(const __tag_KOBR_OFFSCREEN* srcImg
 ZIVCOLOR_API int32_t zivColorYV12toBGR888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorYV12toRGB888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- YUYV to RGB -- */
 /* YUYV (Y0 U Y1 V) to RGB. Least size 2 by 1, rows one by one. The tail takes a group of 4 bytes and writes two pixels: with an
  * odd W it reads 2 bytes and writes one pixel past the row, which the next row overwrites if it starts there. Reads pitch[0] of
  * both images.
@@ -205,6 +214,7 @@ ZIVCOLOR_API int32_t zivColorYUYVtoRGB888u8(const __tag_KOBR_OFFSCREEN* srcImg, 
 ZIVCOLOR_API int32_t zivColorYUYVtoRGBA8888u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg,
                                               uint8_t alpha);
 
+/* -- LPI422H to RGB -- */
 /* LPI422H (plane Y, plane of pairs U V, a chroma row for each luma row) to 32-bit RGB. Least size 2 by 2, rows one by one,
  * coarse set in blocks and tail. The tail takes 2 columns at a time; with an odd W the last column is left as it was.
  *   LPI422HtoBGRA8888   reads no pitch of either image: every row starts where the one before it ended, on all planes, after W
@@ -218,6 +228,7 @@ ZIVCOLOR_API int32_t zivColorLPI422HtoRGBA8888u8(const __tag_KOBR_OFFSCREEN* src
                                                  uint8_t alpha);
 
 /* ---- RGB to YUV ------------------------------------------------------------------------------------------------------ */
+/* Pixels to frames, for encoders. */
 
 /* Coefficient sets. All give full range with chroma centred at 128; >> floors, clamp limits to 0..255. R, G, B are 0..255.
  *   short            Y = (19 R + 38 G + 7 B) >> 6, U = clamp(((B - Y) * 9 >> 4) + 128), V = clamp(((R - Y) * 91 >> 7) + 128)
@@ -243,6 +254,7 @@ ZIVCOLOR_API int32_t zivColorLPI422HtoRGBA8888u8(const __tag_KOBR_OFFSCREEN* src
  *                           the least told for the group
  *   zivStatus_OK            otherwise */
 
+/* -- 24-bit RGB to NV12, NV21 and I420 -- */
 /* 24-bit RGB to 4:2:0. Least size 2 by 2. Width and height are those of dstImg. Blocks of 16 columns while 16 are left, then
  * single pixels. Chroma row k comes from image row 2 k alone; H rows give (H + 1) / 2 chroma rows. A semi-planar chroma row
  * takes (W + 1) / 2 pairs, so an odd W writes the byte at index W of it; an I420 one takes (W + 1) / 2 bytes in each plane.
@@ -268,6 +280,7 @@ ZIVCOLOR_API int32_t zivColorBGR888toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, 
 /* Plane 1 takes U, plane 2 V. Short set, in the tail too. */
 ZIVCOLOR_API int32_t zivColorRGB888toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- 32-bit RGB to NV21 -- */
 /* 32-bit RGB to NV21 by the float set. Least size 2 by 2; width and height are those of dstImg; pitches, chroma rows and the
  * byte at index W as in the group above. Blocks of 8 columns from column j while j < W - 8, so that 1 to 8 columns of every row
  * are left to the tail; a width of 8 or less has no block. Blocks work in binary32, every product and every sum rounded by
@@ -277,6 +290,7 @@ ZIVCOLOR_API int32_t zivColorRGB888toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, 
 ZIVCOLOR_API int32_t zivColorBGRA8888toNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorRGBA8888toNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- 32-bit RGB to NV12 and I420 -- */
 /* 32-bit RGB to NV12 and I420 by the short set. Least size 2 by 2; height is that of dstImg, width too but for
  * zivColorRGBA8888toI420u8, whose width is that of srcImg. Blocks, tail, pitches, chroma rows as in 24-bit RGB to 4:2:0. */
 
@@ -290,6 +304,7 @@ ZIVCOLOR_API int32_t zivColorRGBA8888toNV12u8(const __tag_KOBR_OFFSCREEN* srcImg
 ZIVCOLOR_API int32_t zivColorBGRA8888toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorRGBA8888toI420u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- RGB to packed 4:2:2 -- */
 /* RGB to packed 4:2:2, four bytes for the pixels at columns 2 n and 2 n + 1. Least size 2 by 1; width and height are those of
  * dstImg. Chroma comes from column 2 n of the same row, luma from both. Blocks of 16 columns while 16 are left, then pairs of
  * pixels: an odd W reads the pixel at column W, 3 or 4 bytes past the row (of a 4-byte pixel the first three), and writes a
@@ -305,10 +320,12 @@ ZIVCOLOR_API int32_t zivColorBGR888toUYVYu8(const __tag_KOBR_OFFSCREEN* srcImg, 
 ZIVCOLOR_API int32_t zivColorRGB888toVYUYu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorBGR888toVYUYu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- RGB to YV24 -- */
 /* To planar 4:4:4 by the short set: plane 0 takes Y, plane 1 V, plane 2 U, one byte a pixel each, by their own pitches. Least
  * size 1 by 1; width and height are those of dstImg. Blocks of 8 columns, then single pixels, with the same bytes. */
 ZIVCOLOR_API int32_t zivColorRGB888toYV24u8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- RGB to I422H -- */
 /* To planar 4:2:2 by the short set: plane 0 takes Y, plane 1 U and plane 2 V of the even columns, every row, by their own
  * pitches. Least size 2 by 1; height is that of dstImg, width too but for zivColorBGR888toI422Hu8, whose width is that of
  * srcImg. Blocks of 16 columns while 16 are left, then pairs of pixels: an odd W reads the pixel at column W, 3 bytes past the
@@ -316,6 +333,7 @@ ZIVCOLOR_API int32_t zivColorRGB888toYV24u8(const __tag_KOBR_OFFSCREEN* srcImg, 
 ZIVCOLOR_API int32_t zivColorRGB888toI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 ZIVCOLOR_API int32_t zivColorBGR888toI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- RGB to LPI422H -- */
 /* To line-packed 4:2:2: plane 0 takes Y, plane 1 pairs U, V of the even columns, every row. Least size 2 by 2; width and height
  * are those of srcImg. Blocks of 16 columns while 16 are left, then single pixels, with the same bytes. An odd W writes a whole
  * pair for its last column, W + 1 bytes of chroma. */
@@ -328,7 +346,9 @@ ZIVCOLOR_API int32_t zivColorBGRA8888toLPI422Hu8(const __tag_KOBR_OFFSCREEN* src
 ZIVCOLOR_API int32_t zivColorRGBA8888toLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
 /* ---- YUV to YUV ------------------------------------------------------------------------------------------------------ */
+/* Frames from one layout to another. */
 
+/* -- NV12, NV21, I420 and YV12 to each other -- */
 /* 4:2:0 between plane arrangements. Samples are moved, none is computed: luma is copied, chroma is merged, split or swapped.
  * W and H are the destination's width and height; they alone drive the walk. A row lies at plane[k] + r * pitch[k].
  * The first four walk pairs of rows and of columns: blocks of 16 columns (NV12 to NV21: none), then pairs while two columns are
@@ -357,6 +377,7 @@ ZIVCOLOR_API int32_t zivColorYV12toNV21u8_2(const __tag_KOBR_OFFSCREEN* srcImg, 
  * sample past that. width and height must be 2 or more. */
 ZIVCOLOR_API int32_t zivColorYV12toNV21u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height);
 
+/* -- NV12, NV21 and I420 to YUYV -- */
 /* 4:2:0 to packed Y0 U Y1 V. A chroma row serves two rows of the destination, whose W and H drive the walk. Blocks of 16
  * columns while they fit, then pairs of columns. Formats and all four sizes are tested.
  *   zivStatus_NullPointer   srcImg or dstImg is null; tested first
@@ -373,6 +394,7 @@ ZIVCOLOR_API int32_t zivColorNV21toYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, co
 /* From Y; U; V, two rows at a time, every plane by its own pitch. An odd last row or column stays unwritten. */
 ZIVCOLOR_API int32_t zivColorI420toYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- YUYV to NV12, NV21 and I420 -- */
 /* Packed Y0 U Y1 V to 4:2:0. The chroma of the even rows stays, that of the odd rows is dropped. W and H are the destination's.
  *   zivStatus_NullPointer   srcImg or dstImg (pSrc, pDst, yuvSrc, yuvDst) is null; tested first
  *   zivStatus_BadArgument   a format code that is tested is another one, or a size that is tested is below 2 */
@@ -400,6 +422,7 @@ ZIVCOLOR_API int32_t zivColorYUYVtoNV21u8(const uint8_t* pSrc, uint8_t* pDst, in
 ZIVCOLOR_API int32_t zivColorYUYVtoNV12u8(const uint8_t* pSrc, uint8_t* pDst, int32_t lWidth, int32_t lHeight);
 ZIVCOLOR_API int32_t zivColorYUYVtoI420u8(const uint8_t* yuvSrc, uint8_t* yuvDst, int32_t width, int32_t height);
 
+/* -- From I422H -- */
 /* Planar 4:2:2, chroma halved horizontally. Samples are moved, none is computed. W and H are the destination's. Row by row,
  * each plane of the source by its own pitch: blocks of 16 columns while they fit, then pairs while two columns are left; an
  * odd last column stays unwritten. To 4:2:0, the chroma of the even rows stays and that of the odd rows is dropped; an odd
@@ -420,6 +443,7 @@ ZIVCOLOR_API int32_t zivColorI422HtoYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, c
 /* To Y; pairs U V with a chroma row for each row, both by their pitches. */
 ZIVCOLOR_API int32_t zivColorI422HtoLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- From I422V -- */
 /* Planar, chroma halved vertically. Samples are moved, none is computed; the chroma of the even columns stays and that of
  * the odd columns is dropped, whatever the destination. W and H are the destination's. Rows go in pairs while two are left:
  * an odd last row stays unwritten. Blocks of 16 columns while they fit, then pairs. Luma steps by pitch[0] on both sides;
@@ -438,6 +462,7 @@ ZIVCOLOR_API int32_t zivColorI422VtoYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, c
 /* To Y; pairs U V with a chroma row for each row, by pitch[0] and pitch[1]. Otherwise as to YUYV. */
 ZIVCOLOR_API int32_t zivColorI422VtoLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- From I444 -- */
 /* Planar 4:4:4, subsampled. The chroma of the even columns stays and that of the odd columns is dropped; but for LPI422H, that
  * of the odd rows too. W and H are the destination's; whole pairs of rows and columns are converted, so an odd last row or
  * column stays unwritten, and chroma behind the last even column is not read. There are no blocks. Formats, destination sizes
@@ -458,6 +483,7 @@ ZIVCOLOR_API int32_t zivColorI444toYUYVu8(const __tag_KOBR_OFFSCREEN* srcImg, co
  * each other on both sides, so with an odd W every row begins a byte earlier than the image's. */
 ZIVCOLOR_API int32_t zivColorI444toLPI422Hu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- YUV and NV21 -- */
 /* Packed Y U V (3 bytes a pixel) and semi-planar Y; pairs V U. Two rows at a time, pairs of columns, W and H from the
  * destination; odd sizes are rounded up: an odd H reads and writes a row past the image, an odd W a pixel past each row. Where
  * that falls on the start of another row of the pair, the later store stays: column by column; upper row, lower row, chroma.
@@ -471,6 +497,7 @@ ZIVCOLOR_API int32_t zivColorYUVtoNV21u8(const __tag_KOBR_OFFSCREEN* srcImg, con
 /* Repeats each chroma pair in the 2 by 2 pixels that it serves. Blocks of 16 columns. */
 ZIVCOLOR_API int32_t zivColorNV21toYUVu8(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
+/* -- NV41 and NV21 -- */
 /* Semi-planar Y; pairs V U with chroma quartered in both directions (NV41), from and to NV21. W and H are the source's;
  * they ought to be multiples of 4. Luma is copied as one run of the destination's pitch[0] times H bytes, unless both
  * images share plane[0]; the source's pitch[0] is not read. Chroma rows step by their own pitch[1]. Formats, destination
@@ -509,6 +536,7 @@ ZIVCOLOR_API int32_t zivColorNV41toNV21(const __tag_KOBR_OFFSCREEN* srcImg, cons
 ZIVCOLOR_API int32_t zivColorNV41toNV21_2(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
 /* ---- RGB to RGB ------------------------------------------------------------------------------------------------------ */
+/* Pixels in another order of channels, with alpha or without, or in 16 bits. */
 
 /* Channels reordered, alpha dropped or added, or pixels packed into 16-bit words: no arithmetic beyond shifts and masks.
  * Blocks and tail give the same bytes. Every kernel walks the size of dstImg and uses plane[0] and pitch[0] of both
@@ -544,6 +572,7 @@ ZIVCOLOR_API int32_t zivColorBGR888toBGR565u8(const __tag_KOBR_OFFSCREEN* srcImg
 ZIVCOLOR_API int32_t zivColorRGB888toBGR888u8(const uint8_t* pSrc, uint8_t* pDst, int64_t width, int64_t height);
 
 /* ---- HSL ------------------------------------------------------------------------------------------------------------- */
+/* Pixels to hue, saturation and lightness. */
 
 /* To HSL888: three bytes a pixel, hue, saturation, lightness.
  *   lightness    0 to 255: the rounded mean of the largest and the smallest channel
@@ -593,6 +622,7 @@ ZIVCOLOR_API int32_t zivColorI420toHSL888u8(const uint8_t* pY, const uint8_t* pC
                                             uint32_t hsl_step1);
 
 /* ---- Geometry -------------------------------------------------------------------------------------------------------- */
+/* Turns and mirrors of semi-planar frames. */
 
 /* Turns a tight image of the NV21 shape (Y; chroma pairs, in either order) into a second one: lmode 1 by 90 degrees
  * clockwise, 3 by 90 degrees counter-clockwise, any other value by 180 degrees. W, H and sp are the source's width, height
@@ -625,7 +655,8 @@ ZIVCOLOR_API void zivRotate(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR
  *                the pair xc of row j / 2 to plane[1] + (j / 2 + 1) * sc - 2 - 2 xc
  *   vertical     luma of row j (even), column x goes to plane[0] + (H - 1 - j) * sp + x, that of row j + 1 to W bytes before;
  *                byte x of chroma row j / 2 to plane[1] + ((H >> 1) - 1 - j / 2) * sc + x. No pitch of the destination is
- * read. With W, sp, sc and dp all equal and even sizes, these are the plain mirrors.
+ *                read.
+ * With W, sp, sc and dp all equal and even sizes, these are the plain mirrors.
  *   zivStatus_NullPointer   srcImg is null
  *   zivStatus_BadArgument   the source is not NV21
  *   zivStatus_OK            otherwise, also for sizes of 0 or less, which do nothing */
@@ -633,13 +664,15 @@ ZIVCOLOR_API int32_t zivflip_horizontal_nv21(const __tag_KOBR_OFFSCREEN* srcImg,
 ZIVCOLOR_API int32_t zivflip_vertical_nv21(const __tag_KOBR_OFFSCREEN* srcImg, const __tag_KOBR_OFFSCREEN* dstImg);
 
 /* ---- Enhancement ----------------------------------------------------------------------------------------------------- */
+/* Skin whitening, and weights for merging images. */
 
+/* -- Skin whitening -- */
 /* Skin whitening: brightens the luma of a 4:2:0 image with chroma pairs V U and lifts its chroma, in place, as far as a mask
  * allows. Always returns 0; nothing is tested.
  *   pImg               width, height, pitch[0], pitch[1] and plane[0] are read. plane[1] is not: chroma starts width times
  *                      height bytes after plane[0], whatever pitch[0] says, and its rows step by pitch[1]
- *   pMskData           the mask: two rows of one byte for each luma column, lMskLine bytes apart. They weigh every pair of
- * rows                      of the image; nothing beyond them is read
+ *   pMskData           the mask: two rows of one byte for each luma column, lMskLine bytes apart. They weigh every pair
+ *                      of rows of the image; nothing beyond them is read
  *   plBrightenTab      256 entries: the fully brightened value of each luma value
  *   lRedLevel          strength of the chroma lift
  *   plYContrastTable   not used
@@ -662,6 +695,9 @@ ZIVCOLOR_API int64_t _SkinWhitenByMask_YUV420_VUVU_neon(const _TAG_OFFSCREEN* pI
                                                         const int32_t* plBrightenTab, int64_t lRedLevel,
                                                         const int32_t* plYContrastTable);
 
+/* -- Weights for merging -- */
+/* From sums over several images. */
+
 /* A row of 8-bit weights from sums over lImgNum images: column i comes from entry 20 i of pSumW, less 256, divided by
  * lImgNum - 1. Does nothing if lImgNum is below 2. lW is the number of columns.
  * Blocks of 8 columns take the low 32 bits of an entry, multiply by the binary32 reciprocal, truncate, and clamp to 0 and 255.
@@ -670,6 +706,7 @@ ZIVCOLOR_API int64_t _SkinWhitenByMask_YUV420_VUVU_neon(const _TAG_OFFSCREEN* pI
 ZIVCOLOR_API void CalcMergeWeightMap_neon(const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, int64_t lImgNum);
 
 /* ---- Conversion on several threads ----------------------------------------------------------------------------------- */
+/* One image on all cores, by bands of rows. */
 
 /* A context holds worker threads and runs one conversion on all of them: the destination's rows are split into bands, four for
  * each core, and every band is converted by the kernel that zivColorCvt picks for the pair. A context knows nothing of images:
@@ -715,8 +752,9 @@ ZIVCOLOR_API void* zivColorCvtInit_MultiThreads(void* hMemMgr);
  *
  *   zivStatus_NullPointer   the handle, srcImg or dstImg is null; nothing is touched
  *   zivStatus_BadArgument   zivColorCvtFunc knows no task for the pair (zivColorCvt converts 36 pairs more); nothing is
- * touched   zivStatus_OK            in all other cases, even if the kernel refused: a size below its least leaves the rows of
- * the band                           as they were and is not reported */
+ *                           touched
+ *   zivStatus_OK            in all other cases, even if the kernel refused: a size below its least leaves the rows of the
+ *                           band as they were and is not reported */
 ZIVCOLOR_API int32_t zivColorCvtProcess_MultiThreads(void* zivColorCvtHandle, const __tag_KOBR_OFFSCREEN* srcImg,
                                                      const __tag_KOBR_OFFSCREEN* dstImg,
                                                      const zivColorExtParam_ALPHA_t* extParam);

@@ -13,6 +13,7 @@
 #define ZIVCOLOR_INLINE static inline
 
 /* ---- Layouts and pairs ------------------------------------------------------------------------------------------- */
+/* What there is: names, planes and sizes of layouts, and the pairs that zivColorCvt converts. */
 
 /* The image descriptor under a name of its own. */
 typedef __tag_KOBR_OFFSCREEN zivcolor_image;
@@ -243,6 +244,7 @@ ZIVCOLOR_INLINE const char* zivcolor_status_text(int32_t status) {
 }
 
 /* ---- Room of images ---------------------------------------------------------------------------------------------- */
+/* The bytes that an image needs, by itself or for a pair. */
 
 /* The memory that an image takes. Planes beyond the layout's are 0 throughout.
  *   in planes of their own   plane k wants before[k] bytes before its first byte and after[k] from it on
@@ -543,6 +545,7 @@ ZIVCOLOR_INLINE int32_t zivcolor_room_of_images(const zivcolor_image* source_ima
 }
 
 /* ---- Descriptors ------------------------------------------------------------------------------------------------- */
+/* Image descriptors filled from one buffer, from planes or from a camera frame. */
 
 /* The descriptor of an image in one buffer of room->size bytes, which the caller owns. Of a room that is all 0, and with a null
  * pointer, it is all 0 too, and every function refuses it. */
