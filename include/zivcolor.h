@@ -5,6 +5,10 @@
  * Nothing is allocated (but for the context of the multi-threaded front and one work buffer), nothing is logged, and nothing is
  * remembered but which kernels the CPU runs, found out at the first call.
  * Samples are 8 bits; YUV is full range, chroma is centred at 128 and never filtered. U stands for Cb, V for Cr.
+ *
+ * Where a function works in binary floats, it rounds to the nearest, ties to even, whatever the calling thread has set its
+ * floating-point unit to: direction, denormal numbers flushed, exceptions that trap. That is set as before when it returns; the
+ * flags of inexact results and of invalid operations may be raised then.
  */
 #ifndef ZIVCOLOR_H
 #define ZIVCOLOR_H

@@ -14,6 +14,7 @@
 #include <sched.h>
 #endif
 
+#include "harness/float_state.h"
 #include "harness/frame.h"
 #include "harness/partly_mapped.h"
 #include "harness/process.h"
@@ -124,6 +125,30 @@ TEST(Context, ReadsNothingThatItNeedNot) {
     EXPECT_EQ(zivColorCvtUnInit_MultiThreads(handle, nullptr), zivStatus_NullPointer);
     const Frame source(zivPixFmt_NV21, 32, 48, 1), destination(zivPixFmt_RGB888, 32, 48, 2);
     EXPECT_EQ(context.convert(source, destination, alpha.get()), zivStatus_OK);
+}
+
+// A worker is set as the thread that started it was, and runs bands beside a caller that may be set otherwise.
+TEST(Context, RoundsToNearestOnEveryThread) {
+    const std::vector<FloatState> states = float_states();
+    for (const char* name : {"zivColorNV21toBGRA8888u8", "zivColorBGRA8888toNV21u8", "zivColorRGBA8888toNV21u8"}) {
+        const Conversion& c = conversion(name);
+        const Frame from(c.source, 650, 482, base_seed);
+        Frame single(c.destination, 650, 482, 2);
+        EXPECT_EQ(zivColorCvt(&from.image, &single.image, {0}), zivStatus_OK);
+        for (const size_t workers : {size_t{0}, size_t{1}, states.size() - 1}) {
+            const InFloatState set_first(states[workers]);
+            const Context context;
+            for (const size_t caller : {size_t{0}, size_t{2}, states.size() - 1}) {
+                Frame threaded(c.destination, 650, 482, 2);
+                {
+                    const InFloatState set(states[caller]);
+                    EXPECT_EQ(context.convert(from, threaded), zivStatus_OK);
+                }
+                EXPECT_TRUE(single.memory == threaded.memory)
+                    << name << ", workers " << states[workers].name << ", caller " << states[caller].name;
+            }
+        }
+    }
 }
 
 TEST(Context, GivesTheLowByteOfAlphaAndZeroForNone) {

@@ -26,10 +26,10 @@ int32_t dispatch(const Image* srcImg, const Image* dstImg, uint8_t alpha) {
 #define ZIVCOLOR_ARGUMENTS_Opaque srcImg, dstImg
 #define ZIVCOLOR_ARGUMENTS_Alpha srcImg, dstImg, alpha
 #define ZIVCOLOR_ROW_Direct(name, source, destination, alpha, tile)
-#define ZIVCOLOR_ROW_Dispatched(name, source, destination, alpha, tile)                                                   \
-    case pair_of(zivPixFmt_##source, zivPixFmt_##destination):                                                            \
-        return convert_within<zivPixFmt_##source, zivPixFmt_##destination, Tiles::tile>(pixels_of(*dstImg), kernels.name, \
-                                                                                        ZIVCOLOR_ARGUMENTS_##alpha);
+#define ZIVCOLOR_ROW_Dispatched(name, source, destination, alpha, tile)                                      \
+    case pair_of(zivPixFmt_##source, zivPixFmt_##destination):                                               \
+        return convert_within<&KernelTable::name, zivPixFmt_##source, zivPixFmt_##destination, Tiles::tile>( \
+            pixels_of(*dstImg), kernels, ZIVCOLOR_ARGUMENTS_##alpha);
 #define ZIVCOLOR_CONVERSION(name, source, destination, alpha, dispatch, task, tile) \
     ZIVCOLOR_ROW_##dispatch(name, source, destination, alpha, tile)
     switch (pair_of(srcImg->format, dstImg->format)) {

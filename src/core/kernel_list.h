@@ -174,6 +174,18 @@
            (const int64_t* pSumW, uint8_t* pWtMap, int64_t lW, int64_t lImgNum),                              \
            (pSumW, pWtMap, lW, lImgNum))
 
+// Kernels with binary floats inside, which are called to the nearest-even rounding whatever the caller's thread is set to: see
+// core/rounding.h.
+#define ZIVCOLOR_KERNELS_WITH_FLOATS(KERNEL) \
+    KERNEL(zivColorNV21toBGRA8888u8)         \
+    KERNEL(zivColorBGRA8888toNV21u8)         \
+    KERNEL(zivColorRGBA8888toNV21u8)         \
+    KERNEL(zivColorBGR888toHSL888u8)         \
+    KERNEL(zivColorBGR565toHSL888u8)         \
+    KERNEL(zivColorRGB565toHSL888u8)         \
+    KERNEL(zivColorI420toHSL888u8)           \
+    KERNEL(CalcMergeWeightMap_neon)
+
 // All parts: the families, or what a target may rebuild of one.
 //   PART(name, namespace of its family, name of its lists)
 #define ZIVCOLOR_PARTS(PART)                     \

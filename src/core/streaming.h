@@ -4,8 +4,11 @@
 // from where whole lines go out by streaming stores, which read nothing. The kernels know nothing of it.
 #pragma once
 
+#include <type_traits>
+
 #include "core/kernels.h"
 #include "core/layout_list.h"
+#include "core/rounding.h"
 #include "core/streamed_rows.h"
 
 namespace zivcolor {
@@ -42,24 +45,39 @@ constexpr int bytes_of_8(const Layout& layout) {
     return 8 * layout.luma.bytes / layout.luma.columns + (layout.planes - 1) * chroma;
 }
 
-// Converts an image that belongs to a whole of so many pixels: itself, or one that goes in bands, which share the caches.
+template <Tiles tiles>
+inline constexpr bool may_stream = tiles != Tiles::NoTile&& has_streaming_stores;
+
 template <uint32_t source, uint32_t destination, Tiles tiles, class Kernel, class... Alpha>
-int32_t convert_within(int64_t pixels, Kernel* kernel, const Image* src, const Image* dst, Alpha... alpha) {
+int32_t convert_by(const Image* src, const Image* dst, Alpha... alpha, Kernel* kernel, int64_t pixels) {
     constexpr int64_t bytes = bytes_of_8(*layout_of(source)) + bytes_of_8(*layout_of(destination));
-    if constexpr (has_streaming_stores && tiles != Tiles::NoTile)
-        if (pixels > cached_bytes * 8 / bytes) [[unlikely]] {
-            constexpr StreamedPair pair = streamed_pair(source, destination, tiles);
-            return convert_large(pixels, kernel, pair, src, dst, alpha...);
-        }
+    if (pixels > cached_bytes * 8 / bytes) [[unlikely]] {
+        constexpr StreamedPair pair = streamed_pair(source, destination, tiles);
+        return convert_large(pixels, kernel, pair, src, dst, alpha...);
+    }
     return kernel(src, dst, alpha...);
+}
+// Converts an image that belongs to a whole of so many pixels: itself, or one that goes in bands, which share the caches.
+// `kernel` is a member of KernelTable.
+template <auto kernel, uint32_t source, uint32_t destination, Tiles tiles, class... Alpha>
+int32_t convert_within(int64_t pixels, const KernelTable& kernels, const Image* src, const Image* dst, Alpha... alpha) {
+    const auto function = kernels.*kernel;
+    if constexpr (may_stream<tiles>) {
+        using Kernel = std::remove_pointer_t<decltype(function)>;
+        return call<has_floats<kernel>>(convert_by<source, destination, tiles, Kernel, Alpha...>, src, dst, alpha..., function,
+                                        pixels);
+    } else {
+        return call<has_floats<kernel>>(function, src, dst, alpha...);
+    }
 }
 constexpr int64_t pixels_of(const Image& image) { return int64_t{image.width} * image.height; }
 // Looks at no more than the kernel: at the size behind the formats.
-template <uint32_t source, uint32_t destination, Tiles tiles, class Kernel, class... Alpha>
-int32_t convert(Kernel* kernel, const Image* src, const Image* dst, Alpha... alpha) {
-    const bool fits = src && dst && src->format == source && dst->format == destination;
-    const int64_t pixels = fits ? pixels_of(*dst) : 0;
-    return convert_within<source, destination, tiles>(pixels, kernel, src, dst, alpha...);
+template <auto kernel, uint32_t source, uint32_t destination, Tiles tiles, class... Alpha>
+int32_t convert(const KernelTable& kernels, const Image* src, const Image* dst, Alpha... alpha) {
+    int64_t pixels = 0;
+    if constexpr (may_stream<tiles>)
+        if (src && dst && src->format == source && dst->format == destination) pixels = pixels_of(*dst);
+    return convert_within<kernel, source, destination, tiles>(pixels, kernels, src, dst, alpha...);
 }
 
 // The rows and columns of an image from one on, as an image of its own. A chroma row belongs to the first of its rows.

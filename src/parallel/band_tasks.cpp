@@ -36,10 +36,10 @@ void convert_band(void* p) {
     const Image from = band_of(*param.srcImg, *layout_of(source), param.lStartLine, param.lEndLine);
     const Image to = band_of(*param.dstImg, *layout_of(destination), param.lStartLine, param.lEndLine);
     const int64_t pixels = pixels_of(*param.dstImg);  // all bands share the caches
-    const auto& function = kernels_here().*kernel;
-    if constexpr (std::is_same_v<decltype(function), AlphaConversion* const&>)
-        convert_within<source, destination, tiles>(pixels, function, &from, &to, alpha_of(param));
-    else convert_within<source, destination, tiles>(pixels, function, &from, &to);
+    constexpr bool takes_alpha = std::is_same_v<decltype(kernel), AlphaConversion * KernelTable::*>;
+    if constexpr (takes_alpha)
+        convert_within<kernel, source, destination, tiles>(pixels, kernels_here(), &from, &to, alpha_of(param));
+    else convert_within<kernel, source, destination, tiles>(pixels, kernels_here(), &from, &to);
 }
 
 struct SlotOfPair {

@@ -30,8 +30,8 @@ int32_t convert(const KernelTable& kernels, const Image* src, const Image* dst, 
 template <auto kernel, uint32_t source, uint32_t destination, zivcolor::Tiles tiles>
 int32_t convert_as_entry(const KernelTable& kernels, const Image* src, const Image* dst, uint8_t alpha) {
     if constexpr (std::is_same_v<decltype(kernels.*kernel), zivcolor::AlphaConversion* const&>)
-        return zivcolor::convert<source, destination, tiles>(kernels.*kernel, src, dst, alpha);
-    else return zivcolor::convert<source, destination, tiles>(kernels.*kernel, src, dst);
+        return zivcolor::convert<kernel, source, destination, tiles>(kernels, src, dst, alpha);
+    else return zivcolor::convert<kernel, source, destination, tiles>(kernels, src, dst);
 }
 
 #if defined(__x86_64__)

@@ -46,7 +46,7 @@ void report(int signal_number, siginfo_t* info, void*) {
     if (test) text += std::string(test->test_suite_name()) + "." + test->name();
     if (running.target) {
         text += std::string(", target ") + running.target + ": " + (*running.what)();
-        if (signal_number != SIGILL && running.areas)
+        if (signal_number != SIGILL && signal_number != SIGFPE && running.areas)
             text += place_of(static_cast<const uint8_t*>(info->si_addr), *running.areas);
     }
     text += "\n";
@@ -59,7 +59,7 @@ void report_faults() {
     struct sigaction action = {};
     action.sa_sigaction = report;
     action.sa_flags = SA_SIGINFO;
-    for (const int number : {SIGSEGV, SIGBUS, SIGILL}) sigaction(number, &action, nullptr);
+    for (const int number : {SIGSEGV, SIGBUS, SIGILL, SIGFPE}) sigaction(number, &action, nullptr);
 }
 
 Running::Running(const char* target, const std::function<std::string()>& what, const std::vector<Area>* areas) {
