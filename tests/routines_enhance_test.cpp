@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <string>
 
 #include "harness/workspace.h"
@@ -32,6 +33,12 @@ std::array<int32_t, 256> table_of(const Whitening& w) {
     return table;
 }
 
+// An address where no memory is.
+template <class T>
+T* nowhere(int place) {
+    return reinterpret_cast<T*>(static_cast<uintptr_t>(place));
+}
+
 class Whiten : public testing::TestWithParam<bool> {
 protected:
     static Call call(const Whitening& w) {
@@ -42,8 +49,11 @@ protected:
             image.tag = -1;
             std::copy(w.pitch, w.pitch + 2, image.pitch);
             image.plane[0] = buffers[0];
+            // Nothing else of the record is read, nor the last table.
+            image.pitch[2] = INT_MIN, image.pitch[3] = INT_MAX;
+            for (int k = 1; k < 4; ++k) image.plane[k] = nowhere<uint8_t>(k);
             const auto kernel = blocked ? kernels._SkinWhitenByMask_YUV420_VUVU_neon : kernels._SkinWhitenByMask_YUV420_VUVU;
-            return kernel(&image, buffers[1], w.mask_line, table.data(), w.red_level, nullptr);
+            return kernel(&image, buffers[1], w.mask_line, table.data(), w.red_level, nowhere<int32_t>(4));
         };
     }
     static std::vector<Room> rooms(const Whitening& w) {
@@ -146,6 +156,21 @@ TEST_P(Whiten, StaysInsideItsReach) {
         }
 }
 
+// Neither is looked at where there is no cell.
+TEST_P(Whiten, NullMaskAndTableOfAnEmptyImage) {
+    for (const auto& [w, h] : {std::pair{0, 0}, {1, 4}, {0, 4}, {16, 1}, {16, 0}, {-2, -2}}) {
+        const int width = w, height = h;
+        const Call call = [=, blocked = GetParam()](const KernelTable& kernels, uint8_t* const*) {
+            MaskedImage image{};
+            image.width = width;
+            image.height = height;
+            const auto kernel = blocked ? kernels._SkinWhitenByMask_YUV420_VUVU_neon : kernels._SkinWhitenByMask_YUV420_VUVU;
+            return kernel(&image, nullptr, 16, nullptr, 100, nullptr);
+        };
+        expect_same_bytes(call, {{64, 64}}, base_seed, [=] { return std::to_string(width) + "x" + std::to_string(height); });
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(All, Whiten, testing::Bool(),
                          [](const testing::TestParamInfo<bool>& row) { return row.param ? "Blocked" : "Scalar"; });
 
@@ -188,6 +213,18 @@ TEST(MergeWeights, EveryLengthAndNumberOfImages) {
             expect_same_weights(sums, columns, images);
             if (testing::Test::HasFailure()) return;
         }
+}
+
+TEST(MergeWeights, NullPointersWhereNothingIsDone) {
+    for (const auto& [w, count] : {std::pair{8, 1}, {8, 0}, {1, -5}, {0, 2}, {-3, 9}}) {
+        const int columns = w, images = count;
+        const Call call = [=](const KernelTable& kernels, uint8_t* const*) {
+            kernels.CalcMergeWeightMap_neon(nullptr, nullptr, columns, images);
+            return int64_t{0};
+        };
+        expect_same_bytes(call, {{64, 64}}, base_seed,
+                          [=] { return std::to_string(columns) + " columns, " + std::to_string(images) + " images"; });
+    }
 }
 
 TEST(MergeWeights, EveryQuotient) {

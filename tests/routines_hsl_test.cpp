@@ -1,10 +1,18 @@
 // SPDX-License-Identifier: MIT
-// The HSL kernels against the reference. Widths below 8 are never called: their blocks would run on beyond the image.
+// The HSL kernels against the reference. Widths from 3 to 7 end the process, as their blocks run on beyond the image.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <csignal>
 #include <string>
 
+#include "harness/options.h"
 #include "harness/workspace.h"
+#include "reference/reference.h"
 
 namespace {
 
@@ -135,6 +143,69 @@ TEST_P(Hsl, SizesThatAreRefused) {
     for (const uint32_t width : {0u, 1u, 2u, 8u})
         for (const uint32_t height : {0u, 1u, 2u}) expect_same({width, height, 0, 0, 0}, base_seed);
 }
+
+// Every pointer is tested, before the sizes are.
+TEST_P(Hsl, NullPointers) {
+    for (int nulls = 1; nulls < 1 << GetParam().buffers; nulls++)
+        for (const Sizes& s : {Sizes{9, 3, 0, 0, 0}, Sizes{0, 0, 0, 0, 0}}) {
+            const Call given = [&](const KernelTable& kernels, uint8_t* const* buffers) {
+                uint8_t* some[4];
+                for (int k = 0; k < GetParam().buffers; k++) some[k] = nulls & (1 << k) ? nullptr : buffers[k];
+                return GetParam().convert(kernels, some, s);
+            };
+            expect_same_bytes(given, rooms(s), base_seed, [&] { return what(s) + ", nulls " + std::to_string(nulls); });
+        }
+}
+
+#if UINTPTR_MAX > UINT32_MAX  // elsewhere the bound has more columns than there are addresses
+
+// The first row (or the first two of 4:2:0) is converted on and on, to where memory ends.
+TEST_P(Hsl, WidthsOf3To7RunOnBeyondTheImage) {
+    constexpr uint32_t columns = 4096, stride = 3 * columns, last_column = 2048;
+    const int rows = GetParam().buffers == 2 ? 1 : 2;  // at once
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    const size_t reach = static_cast<size_t>(rows - 1) * stride + 3 * last_column, size = (reach + page - 1) / page * page;
+    void* const range = mmap(nullptr, size + page, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(range, MAP_FAILED);
+    auto* const destination = static_cast<uint8_t*>(range) + size - reach;
+    ASSERT_EQ(mprotect(destination + reach, page, PROT_NONE), 0);
+    std::vector<uint8_t> source(size_t{8} * stride), expected(size_t{4} * stride);
+    fill(source.data(), source.size(), base_seed);
+    const auto convert = [&](const KernelTable& kernels, uint32_t width, uint8_t* to) {
+        uint8_t* const from = source.data();
+        uint8_t* const packed[] = {from, to};
+        uint8_t* const planar[] = {from, from + 2 * stride, from + 4 * stride, to};
+        const auto pixel = static_cast<uint32_t>(GetParam().pixel_bytes);
+        GetParam().convert(kernels, rows == 1 ? packed : planar,
+                           {width, 3, stride - pixel * width, stride - (width + 1) / 2, stride - 3 * width});
+    };
+    convert(reference::kernels, columns, expected.data());
+    for (const zivcolor::Target& target : targets())
+        for (const uint32_t width : {3u, 4u, 5u, 6u, 7u}) {
+            SCOPED_TRACE(std::string(target.name) + " " + std::to_string(width));
+            std::fill_n(destination, reach, uint8_t{0x11});
+            const pid_t child = fork();
+            ASSERT_GE(child, 0);
+            if (child == 0) {
+                const rlimit no_core{};
+                setrlimit(RLIMIT_CORE, &no_core);
+                for (const int number : {SIGSEGV, SIGBUS}) signal(number, SIG_DFL);  // meant to be: no fault to report
+                convert(*target.kernels, width, destination);
+                _exit(0);
+            }
+            int status = 0;
+            ASSERT_EQ(waitpid(child, &status, 0), child);
+            ASSERT_TRUE(WIFSIGNALED(status) && (WTERMSIG(status) == SIGSEGV || WTERMSIG(status) == SIGBUS)) << status;
+            // By then all but the last blocks of the row are there.
+            for (size_t row = 0; row < static_cast<size_t>(rows); row++)
+                EXPECT_TRUE(std::equal(destination + row * stride, destination + row * stride + 3 * (last_column - 64),
+                                       expected.data() + row * stride))
+                    << "row " << row;
+        }
+    munmap(range, size + page);
+}
+
+#endif
 
 INSTANTIATE_TEST_SUITE_P(All, Hsl, testing::ValuesIn(forms),
                          [](const testing::TestParamInfo<Form>& row) { return std::string(row.param.name); });
