@@ -22,7 +22,7 @@ asan            900  address and undefined behaviour sanitizers, all tests but t
 fuzz            600  fuzzers from a fixed seed, under both sanitizers
 tsan            900  thread sanitizer: engine, context, bands, memory service
 package         600  installation, find_package, pkg-config, add_subdirectory, archive, .deb for two architectures; the headers by themselves in C99, C11, C++11 to C++20
-docs            600  links, samples, generated tables and the API reference are sound
+docs            600  links, samples, the example in Python, generated tables and the API reference are sound
 old_cpus        900  emulated Haswell, Nehalem, Conroe meet no instruction that they lack, each in the kernels chosen for it
 aarch64         900  GCC: every test on emulated AArch64 with and without the dot product, a sample of the colours; exported names, no stray symbols
 aarch64_clang14 900  clang 14: the same tests on emulated AArch64, a sample of the colours
@@ -222,7 +222,7 @@ package() {
 }
 
 docs() {
-    scripts/packages "${cmake_packages[@]}" doxygen python3
+    scripts/packages "${cmake_packages[@]}" doxygen python3 python3-numpy
     scripts/check_docs
 }
 
