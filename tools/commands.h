@@ -11,6 +11,8 @@ enum ExitCode {
 };
 
 int check(int argc, char** argv);
+int convert(int argc, char** argv);
 int formats(int argc, char** argv);
+int speed(int argc, char** argv);
 
 }  // namespace tool

@@ -18,6 +18,8 @@ struct Command {
 };
 constexpr Command commands[] = {
     {"check", tool::check, "every function of the library on this CPU beside the scalar reference"},
+    {"speed", tool::speed, "the conversions timed on this CPU, on one thread and on all cores"},
+    {"convert", tool::convert, "raw frames of one layout to another"},
     {"formats", tool::formats, "the layouts, and the pairs that are converted"},
 };
 

@@ -1,60 +1,22 @@
 // SPDX-License-Identifier: MIT
 // The tool as a user meets it: what it prints, its exit codes, and its lines of refusal.
 #include <gtest/gtest.h>
-#include <stdio.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <cstdlib>
-#include <fstream>
 #include <iterator>
+#include <regex>
 #include <string>
+
+#include "commands_run.h"
 
 namespace {
 
-struct Result {
-    int code;
-    std::string out, err;
-};
-
-std::string temporary(const std::string& name) {
-    return testing::TempDir() + "zivcolor_tool_" + std::to_string(getpid()) + "_" + name;
-}
-
-std::string content(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-// By the shell, so that tests can redirect.
-Result run_shell(const std::string& command) {
-    const std::string out = temporary("out"), err = temporary("err");
-    const int status = std::system(("{ " + command + "; } >" + out + " 2>" + err).c_str());
-    const Result result{WIFEXITED(status) ? WEXITSTATUS(status) : -1, content(out), content(err)};
-    std::remove(out.c_str());
-    std::remove(err.c_str());
-    return result;
-}
-Result run(const std::string& arguments) { return run_shell(ZIVCOLOR_TOOL " " + arguments); }
-
-bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
-
-// One line on the error stream that begins with the program's name, nothing else, and exit code 2.
-void expect_refused(const std::string& arguments, const std::string& words) {
-    const Result result = run(arguments);
-    EXPECT_EQ(result.code, 2) << arguments;
-    EXPECT_EQ(result.out, "") << arguments;
-    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << arguments << ": " << result.err;
-    EXPECT_EQ(result.err.rfind("zivcolor: ", 0), 0u) << result.err;
-    EXPECT_TRUE(contains(result.err, words)) << arguments << ": " << result.err;
-}
+using namespace commands;
 
 TEST(Tool, TellsItsCommandsAndTheirOptions) {
     const Result all = run("--help");
     EXPECT_EQ(all.code, 0);
     EXPECT_EQ(all.err, "");
-    for (const char* command : {"check", "formats"}) {
+    for (const char* command : {"check", "speed", "convert", "formats"}) {
         EXPECT_TRUE(contains(all.out, command));
         const Result one = run(std::string(command) + " --help");
         EXPECT_EQ(one.code, 0);
@@ -97,7 +59,26 @@ TEST(Tool, SaysThatItCannotWrite) {
 TEST(Tool, NamesLayoutsAndPairs) {
     const Result result = run("formats");
     EXPECT_EQ(result.code, 0);
-    EXPECT_TRUE(contains(result.out, "\nNV21 ")) << result.out;
+    for (const char* line : {"\nNV21 .*0x802 .*NV21 .*nv21 .*1 for 1x1; 2 for 2x2", "\nI420 .*YU12.* yuv420p yuvj420p ",
+                             "\nNV21 +BGRA8888 +taken +yes", "\nRGB888 +YV24 +- +- +1x1"})
+        EXPECT_TRUE(std::regex_search(result.out, std::regex(line))) << line << result.out;
+    expect_refused("formats nonsense", "nonsense");
+}
+
+TEST(Tool, TimesAPair) {
+    const Result table = run("speed nv21 bgr24");
+    EXPECT_EQ(table.code, 0);
+    for (const char* part : {"\nCPU ", "\ntarget ", "3840x2160", "\nNV21 to BGR888 ", " all cores "})
+        EXPECT_TRUE(contains(table.out, part)) << part << table.out;
+    const Result json = run("speed --json RGB888 YV24");
+    EXPECT_EQ(json.code, 0);
+    EXPECT_EQ(json.out.rfind("{\"version\": ", 0), 0u);
+    EXPECT_EQ(json.out.substr(json.out.size() - 4), "\n]}\n");
+    const std::regex row(R"(\n  \{"from": "RGB888", "to": "YV24", "width": \d+, "height": \d+, "cores": "one", )"
+                         R"("ns_per_pixel": \d+\.\d+, "gb_per_s": \d+\.\d+, "copies": \d+\.\d+\},?)");
+    EXPECT_EQ(std::distance(std::sregex_iterator(json.out.begin(), json.out.end(), row), std::sregex_iterator()), 3);
+    expect_refused("speed NV21", "pair");
+    expect_refused("speed NV12 RGB888", "NV12 is not converted to RGB888");
 }
 
 }  // namespace
