@@ -56,7 +56,9 @@ public:
         if (!terminal_ || Clock::now() - shown_ < std::chrono::milliseconds(300)) return;
         shown_ = Clock::now();
         lines_ = true;
-        if (frames_ != 0) fprintf(stderr, "\rframe %llu of %llu", static_cast<unsigned long long>(frame), static_cast<unsigned long long>(frames_));
+        if (frames_ != 0)
+            fprintf(stderr, "\rframe %llu of %llu", static_cast<unsigned long long>(frame),
+                    static_cast<unsigned long long>(frames_));
         else fprintf(stderr, "\rframe %llu", static_cast<unsigned long long>(frame));
     }
 
@@ -92,7 +94,8 @@ public:
     Conversion& operator=(const Conversion&) = delete;
 
     void run() {
-        const zivcolor_image source = zivcolor_image_in(&from, source_.data()), destination = zivcolor_image_in(&to, destination_.data());
+        const zivcolor_image source = zivcolor_image_in(&from, source_.data()),
+                             destination = zivcolor_image_in(&to, destination_.data());
         const int32_t status = context_ ? zivColorCvtProcess_MultiThreads(context_, &source, &destination, &alpha_)
                                         : zivColorCvt(&source, &destination, alpha_);
         if (status != zivStatus_OK) throw Refusal(std::string("not converted: ") + zivcolor_status_text(status));
@@ -119,7 +122,8 @@ struct Job {
 void refuse_unsuited(Kind kind, const zivcolor_layout& layout, const std::string& name) {
     if (kind == Kind::ppm && layout.format != zivPixFmt_RGB888 && layout.format != zivPixFmt_BGR888)
         throw Refusal(name + ": a PPM is made of RGB888 or BGR888, not of " + layout.name);
-    if (kind == Kind::pgm && layout.planes == 1) throw Refusal(name + ": a PGM is made of a plane of luma, which " + layout.name + " has not");
+    if (kind == Kind::pgm && layout.planes == 1)
+        throw Refusal(name + ": a PGM is made of a plane of luma, which " + layout.name + " has not");
 }
 
 int run(const Job& job, const std::string& in, const std::string& out) {
@@ -159,20 +163,25 @@ int convert(int argc, char** argv) {
     const auto text = [](std::string& to) { return [&to](const char* given) { to = given; }; };
     const Usage usage{
         "convert --from LAYOUT --to LAYOUT --size WIDTHxHEIGHT [OPTION...] IN OUT",
-        "Converts raw frames, as many as IN holds; - is a standard stream. Where OUT ends in .ppm (of RGB888 or BGR888) or .pgm\n"
+        "Converts raw frames, as many as IN holds; - is a standard stream. Where OUT ends in .ppm (of RGB888 or BGR888) or "
+        ".pgm\n"
         "(luma of planes), pictures are written. 'zivcolor formats' names layouts and pairs.",
         {{"from", "LAYOUT", "by our name, a FourCC or ffmpeg's name: NV21, YU12, yuv420p", text(job.from)},
          {"to", "LAYOUT", "likewise", text(job.to)},
          {"size", "WxH", "pixels", text(job.size)},
-         {"pitch", "N[,N[,N]]", "bytes from one row of IN to the next, plane by plane; planes not told keep\nthe proportion; tight if not given",
+         {"pitch", "N[,N[,N]]",
+          "bytes from one row of IN to the next, plane by plane; planes not told keep\nthe proportion; tight if not given",
           [&](const char* given) { job.pitches = pitches_named(given); }},
-         {"out-pitch", "N[,N[,N]]", "the same of OUT; what is between rows is 0", [&](const char* given) { job.out_pitches = pitches_named(given); }},
-         {"alpha", "N", "the alpha byte of 32-bit RGB made from YUV, 255 if not given", [&](const char* given) { job.alpha = number("alpha", given, 0, 255); }},
+         {"out-pitch", "N[,N[,N]]", "the same of OUT; what is between rows is 0",
+          [&](const char* given) { job.out_pitches = pitches_named(given); }},
+         {"alpha", "N", "the alpha byte of 32-bit RGB made from YUV, 255 if not given",
+          [&](const char* given) { job.alpha = number("alpha", given, 0, 255); }},
          {"frames", "N", "convert the first N frames",
           [&](const char* given) {
               job.frames = static_cast<uint64_t>(number("a number of frames", given, 1, std::numeric_limits<int>::max()));
           }},
-         {"threads", nullptr, "on all cores, where the pair goes in bands and the width is even", [&](const char*) { job.threads = true; }}}};
+         {"threads", nullptr, "on all cores, where the pair goes in bands and the width is even",
+          [&](const char*) { job.threads = true; }}}};
     const Arguments arguments = take_options(usage, argc, argv);
     if (arguments.helped) return exit_good;
     if (job.from.empty() || job.to.empty() || job.size.empty()) throw Refusal("convert needs --from, --to and --size");

@@ -47,7 +47,8 @@ Frame frame_of(const zivcolor_layout& layout, int width, int height, const std::
     if (const int32_t status = zivcolor_room_of_layout(layout.format, width, height, 1, &room); status != zivStatus_OK)
         throw Refusal(std::string("no image of this size: ") + zivcolor_status_text(status));
     if (pitches.size() > static_cast<size_t>(room.planes))
-        throw Refusal(std::string(layout.name) + " has " + std::to_string(room.planes) + " planes, not as many as there are pitches");
+        throw Refusal(std::string(layout.name) + " has " + std::to_string(room.planes) +
+                      " planes, not as many as there are pitches");
     Frame frame;
     frame.planes = room.planes;
     for (size_t k = 0; k < static_cast<size_t>(room.planes); k++) {
@@ -55,7 +56,8 @@ Frame frame_of(const zivcolor_layout& layout, int width, int height, const std::
         frame.row_bytes[k] = frame.pitch[k] = row;
         frame.rows[k] = static_cast<size_t>(room.rows[k]);
         if (k < pitches.size()) frame.pitch[k] = static_cast<size_t>(pitches[k]);
-        else if (!pitches.empty()) frame.pitch[k] = (frame.pitch[k - 1] * row + frame.row_bytes[k - 1] - 1) / frame.row_bytes[k - 1];
+        else if (!pitches.empty())
+            frame.pitch[k] = (frame.pitch[k - 1] * row + frame.row_bytes[k - 1] - 1) / frame.row_bytes[k - 1];
         if (frame.pitch[k] < row)
             throw Refusal("a pitch of " + std::to_string(frame.pitch[k]) + " is less than the " + std::to_string(row) +
                           " bytes of a row of plane " + std::to_string(k));
@@ -119,8 +121,8 @@ bool Input::read(const Frame& frame, const zivcolor_room& room, uint8_t* memory)
         if (take_plane(k)) continue;
         if (ferror(file_)) throw std::runtime_error(name_ + " cannot be read on: " + reason());
         if (got == 0 && read_ > 0) return false;
-        throw Refusal(name_ + " ends after " + std::to_string(got) + " of the " + std::to_string(frame.bytes) + " bytes of frame " +
-                      std::to_string(read_ + 1));
+        throw Refusal(name_ + " ends after " + std::to_string(got) + " of the " + std::to_string(frame.bytes) +
+                      " bytes of frame " + std::to_string(read_ + 1));
     }
     read_++;
     return true;

@@ -30,7 +30,8 @@ public:
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
-    // Refuses a file that does not hold so many frames, or whole ones if that is 0. Tells how many will come, 0 if nobody knows.
+    // Refuses a file that does not hold so many frames, or whole ones if that is 0. Tells how many will come, 0 if nobody
+    // knows.
     uint64_t expect(const Frame& frame, uint64_t frames) const;
     // Reads a frame into an image's memory. False where there is no other.
     bool read(const Frame& frame, const zivcolor_room& room, uint8_t* memory);

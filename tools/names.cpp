@@ -3,7 +3,6 @@
 
 #include <ctype.h>
 
-#include <algorithm>
 #include <sstream>
 
 #include "options.h"
@@ -12,8 +11,8 @@ namespace tool {
 
 namespace {
 
-// Only where every byte stands where it does in our layout. The FourCCs are those of V4L2 and DRM, which name words of little-endian
-// machines: the B of BGR3 comes first in memory, that of RG24 too.
+// Only where every byte stands where it does in our layout. The FourCCs are those of V4L2 and DRM, which name words of
+// little-endian machines: the B of BGR3 comes first in memory, that of RG24 too.
 constexpr OtherNames names[] = {
     {zivPixFmt_BGR565, "BG16", "bgr565le"},
     {zivPixFmt_RGB565, "RG16 RGBP", "rgb565le"},
@@ -57,31 +56,30 @@ uint32_t family(uint32_t format) { return format >> 8; }
 // How far a pair is from the one that was asked: what they share comes first, then the family of what they don't.
 int distance(const zivcolor_pair& pair, uint32_t from, uint32_t to) {
     const bool same_source = pair.source == from, same_destination = pair.destination == to;
-    if (!same_source && !same_destination) return 4;
+    if (!same_source && !same_destination) return 2;
     const bool near = same_source ? family(pair.destination) == family(to) : family(pair.source) == family(from);
     return near ? 0 : 1;
 }
 
-// A layout in between that makes two pairs of one, if possible one of the source's family, then one of the destination's; null if there
-// is none.
+// A layout in between that makes two pairs of one, if possible one of the source's family, then one of the destination's; null
+// if there is none.
 const char* way(uint32_t from, uint32_t to) {
     const zivcolor_layout* found = nullptr;
     const auto worth = [&](const zivcolor_layout* layout) {
         return !layout ? 0 : family(layout->format) == family(from) ? 3 : family(layout->format) == family(to) ? 2 : 1;
     };
     for (int32_t i = 0; const zivcolor_layout* layout = zivcolor_layout_at(i); i++)
-        if (zivcolor_pair_of(from, layout->format) && zivcolor_pair_of(layout->format, to) && worth(layout) > worth(found)) found = layout;
+        if (zivcolor_pair_of(from, layout->format) && zivcolor_pair_of(layout->format, to) && worth(layout) > worth(found))
+            found = layout;
     return found ? found->name : nullptr;
 }
 
 [[noreturn]] void refuse_pair(const zivcolor_layout& from, const zivcolor_layout& to) {
     constexpr size_t most = 5;
     std::vector<const zivcolor_pair*> nearest;
-    for (int32_t i = 0; const zivcolor_pair* pair = zivcolor_pair_at(i); i++)
-        if (distance(*pair, from.format, to.format) < 4) nearest.push_back(pair);
-    std::stable_sort(nearest.begin(), nearest.end(), [&](const zivcolor_pair* a, const zivcolor_pair* b) {
-        return distance(*a, from.format, to.format) < distance(*b, from.format, to.format);
-    });
+    for (const int far : {0, 1})
+        for (int32_t i = 0; const zivcolor_pair* pair = zivcolor_pair_at(i); i++)
+            if (distance(*pair, from.format, to.format) == far) nearest.push_back(pair);
     if (nearest.size() > most) nearest.resize(most);
     std::string text = std::string(from.name) + " is not converted to " + to.name;
     for (size_t i = 0; i < nearest.size(); i++) text += (i == 0 ? "; nearest: " : ", ") + in_words(*nearest[i]);

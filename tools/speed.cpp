@@ -102,12 +102,13 @@ public:
         const zivcolor_image source = zivcolor_image_in(&from, source_->aligned());
         const zivcolor_image destination = zivcolor_image_in(&to, destination_->aligned());
         const zivColorExtParam_ALPHA_t alpha{255};
-        const double seconds = threads ? time_of([&] { zivColorCvtProcess_MultiThreads(context_, &source, &destination, &alpha); })
-                                       : time_of([&] { zivColorCvt(&source, &destination, alpha); });
+        const double seconds = threads
+                                   ? time_of([&] { zivColorCvtProcess_MultiThreads(context_, &source, &destination, &alpha); })
+                                   : time_of([&] { zivColorCvt(&source, &destination, alpha); });
         const size_t bytes = plain_from.size + plain_to.size;
         const double pixels = double{1} * size.width * size.height;
-        return {&pair,          size, threads, 1e9 * seconds / pixels, 1e-9 * static_cast<double>(bytes) / seconds,
-                seconds / copy(bytes)};
+        return {
+            &pair, size, threads, 1e9 * seconds / pixels, 1e-9 * static_cast<double>(bytes) / seconds, seconds / copy(bytes)};
     }
     bool has_threads() const { return context_ != nullptr; }
 
@@ -155,11 +156,12 @@ struct Output {
                    quoted(cpu_name()).c_str(), cpu_count(), target_name());
             return;
         }
-        printf("zivcolor " ZIVCOLOR_TOOL_VERSION "\nCPU       %s; %d to run on\ntarget    %s\n", cpu_name().c_str(), cpu_count(),
-               target_name());
+        printf("zivcolor " ZIVCOLOR_TOOL_VERSION "\nCPU       %s; %d to run on\ntarget    %s\n", cpu_name().c_str(),
+               cpu_count(), target_name());
         if (!machine.has_threads()) printf("no threads to be had here\n");
         printf("\n%-21s", "");
-        for (const Size size : sizes) printf(" | %-25s", (std::to_string(size.width) + "x" + std::to_string(size.height)).c_str());
+        for (const Size size : sizes)
+            printf(" | %-25s", (std::to_string(size.width) + "x" + std::to_string(size.height)).c_str());
         printf("\n%-21s", "");
         for (size_t i = 0; i < std::size(sizes); i++) printf(" | %8s %7s %8s", "ns/pixel", "GB/s", "copies");
         printf("\n");
@@ -168,10 +170,12 @@ struct Output {
         const char* const source = zivcolor_format_name(row.pair->source);
         const char* const destination = zivcolor_format_name(row.pair->destination);
         if (json) {
-            printf("%s\n  {\"from\": \"%s\", \"to\": \"%s\", \"width\": %d, \"height\": %d, \"cores\": \"%s\", \"ns_per_pixel\": %.5f, "
-                   "\"gb_per_s\": %.3f, \"copies\": %.3f}",
-                   rows++ == 0 ? "" : ",", source, destination, row.size.width, row.size.height, row.threads ? "all" : "one",
-                   row.ns_per_pixel, row.gb_per_s, row.copies);
+            printf(
+                "%s\n  {\"from\": \"%s\", \"to\": \"%s\", \"width\": %d, \"height\": %d, \"cores\": \"%s\", \"ns_per_pixel\": "
+                "%.5f, "
+                "\"gb_per_s\": %.3f, \"copies\": %.3f}",
+                rows++ == 0 ? "" : ",", source, destination, row.size.width, row.size.height, row.threads ? "all" : "one",
+                row.ns_per_pixel, row.gb_per_s, row.copies);
             return;
         }
         if (rows++ % static_cast<int>(std::size(sizes)) == 0)
@@ -195,10 +199,11 @@ std::vector<const zivcolor_pair*> all_pairs() {
 
 int speed(int argc, char** argv) {
     Output output{false};
-    const Usage usage{"speed [--json] [FROM TO]",
-                      "Times the conversions, or one, on one thread and on all cores: nanoseconds a pixel, bytes read and written, and the\n"
-                      "times that the C library needs to copy as many. Medians; better on a machine that has nothing else to do.",
-                      {{"json", nullptr, "one JSON object in place of a table", [&](const char*) { output.json = true; }}}};
+    const Usage usage{
+        "speed [--json] [FROM TO]",
+        "Times the conversions, or one, on one thread and on all cores: nanoseconds a pixel, bytes read and written, and the\n"
+        "times that the C library needs to copy as many. Medians; better on a machine that has nothing else to do.",
+        {{"json", nullptr, "one JSON object in place of a table", [&](const char*) { output.json = true; }}}};
     const Arguments arguments = take_options(usage, argc, argv);
     if (arguments.helped) return exit_good;
     std::vector<const zivcolor_pair*> pairs = all_pairs();

@@ -69,8 +69,8 @@ std::string converted(const zivcolor_pair& pair, int width, int height, std::str
 }
 
 std::string options(const zivcolor_pair& pair, int width, int height) {
-    return std::string("--from ") + zivcolor_format_name(pair.source) + " --to " + zivcolor_format_name(pair.destination) + " --size " +
-           std::to_string(width) + "x" + std::to_string(height) + " ";
+    return std::string("--from ") + zivcolor_format_name(pair.source) + " --to " + zivcolor_format_name(pair.destination) +
+           " --size " + std::to_string(width) + "x" + std::to_string(height) + " ";
 }
 
 const zivcolor_pair& pair(uint32_t from, uint32_t to) { return *zivcolor_pair_of(from, to); }
@@ -95,8 +95,11 @@ TEST(Convert, EveryPairAsTheLibraryDoes) {
 
 TEST(Convert, OddSizes) {
     const File in("in"), out("out");
-    for (const auto& [from, to] : {std::pair{zivPixFmt_NV21, zivPixFmt_BGR888}, {zivPixFmt_YUYV, zivPixFmt_RGBA8888},
-                                   {zivPixFmt_RGB888, zivPixFmt_YUYV}, {zivPixFmt_YV12, zivPixFmt_NV21}, {zivPixFmt_I420, zivPixFmt_BGR888}}) {
+    for (const auto& [from, to] : {std::pair{zivPixFmt_NV21, zivPixFmt_BGR888},
+                                   {zivPixFmt_YUYV, zivPixFmt_RGBA8888},
+                                   {zivPixFmt_RGB888, zivPixFmt_YUYV},
+                                   {zivPixFmt_YV12, zivPixFmt_NV21},
+                                   {zivPixFmt_I420, zivPixFmt_BGR888}}) {
         const zivcolor_pair& p = pair(from, to);
         const std::string frames = random_bytes(2 * tight(p.source, 37, 11).size, 5);
         write(in.path, frames);
@@ -130,7 +133,8 @@ TEST(Convert, Pitches) {
     ASSERT_EQ(run(command + "40 --out-pitch 48,16,24").code, 0);
     std::string rows;
     const auto add = [&](size_t& at, size_t row_bytes, size_t pitch, int count) {
-        for (int row = 0; row < count; row++, at += row_bytes) rows += expected.substr(at, row_bytes) + std::string(pitch - row_bytes, '\0');
+        for (int row = 0; row < count; row++, at += row_bytes)
+            rows += expected.substr(at, row_bytes) + std::string(pitch - row_bytes, '\0');
     };
     for (size_t at = 0; at < expected.size();) add(at, 32, 48, 6), add(at, 16, 16, 3), add(at, 16, 24, 3);
     EXPECT_TRUE(content(out.path) == rows);
@@ -162,14 +166,17 @@ TEST(Convert, Pictures) {
         std::string pixels = converted(p, 16, 4, frames), expected;
         if (to == zivPixFmt_BGR888)
             for (size_t i = 0; i < pixels.size(); i += 3) std::swap(pixels[i], pixels[i + 2]);
-        for (const size_t half : {size_t{0}, pixels.size() / 2}) expected += "P6\n16 4\n255\n" + pixels.substr(half, pixels.size() / 2);
+        for (const size_t half : {size_t{0}, pixels.size() / 2})
+            expected += "P6\n16 4\n255\n" + pixels.substr(half, pixels.size() / 2);
         EXPECT_TRUE(content(ppm.path) == expected);
     }
     const zivcolor_pair& p = pair(zivPixFmt_NV21, zivPixFmt_I420);
     ASSERT_EQ(run("convert " + options(p, 16, 4) + in.path + " " + pgm.path).code, 0);
     EXPECT_TRUE(content(pgm.path) == "P5\n16 4\n255\n" + frames.substr(0, 64) + "P5\n16 4\n255\n" + frames.substr(96, 64));
-    expect_refused("convert --from NV21 --to BGRA8888 --size 16x4 " + in.path + " " + ppm.path, "a PPM is made of RGB888 or BGR888");
-    expect_refused("convert --from NV21 --to BGR888 --size 16x4 " + in.path + " " + pgm.path, "a PGM is made of a plane of luma");
+    expect_refused("convert --from NV21 --to BGRA8888 --size 16x4 " + in.path + " " + ppm.path,
+                   "a PPM is made of RGB888 or BGR888");
+    expect_refused("convert --from NV21 --to BGR888 --size 16x4 " + in.path + " " + pgm.path,
+                   "a PGM is made of a plane of luma");
 }
 
 TEST(Convert, RefusesInOneLine) {
@@ -186,7 +193,8 @@ TEST(Convert, RefusesInOneLine) {
     refused("convert --from NV21 --to BGR888 --size 16 " + files, "a size is like 1920x1080, not '16'");
     refused("convert --from NV21 --to BGR888 --size 1x4 " + files, "from 2x2 on");
     refused("convert --from NV21 --to BGR888 --size 100000x100000 " + files, "");
-    refused("convert --from NV21 --to BGR888 --size 16x6 " + files, "has 96 bytes, which is not a whole number of frames of 144");
+    refused("convert --from NV21 --to BGR888 --size 16x6 " + files,
+            "has 96 bytes, which is not a whole number of frames of 144");
     refused("convert --from NV21 --to BGR888 --size 8x4 --frames 3 " + files, "not 3 frames of 48");
     refused("convert --from NV22 --to BGR888 --size 16x4 " + files, "no layout 'NV22'");
     refused("convert --from NV12 --to RGB888 --size 16x4 " + files, "nearest: NV12 to BGR888");
@@ -210,13 +218,16 @@ TEST(Convert, RefusesInOneLine) {
 TEST(Convert, StreamsThatEndEarly) {
     const Result empty = run_shell(ZIVCOLOR_TOOL " convert --from NV21 --to BGR888 --size 16x4 - - </dev/null | cat");
     EXPECT_TRUE(contains(empty.err, "zivcolor: - ends after 0 of the 96 bytes of frame 1\n")) << empty.err;
-    const Result early = run_shell("yes | head -c 200 | " ZIVCOLOR_TOOL " convert --from NV21 --to BGR888 --size 16x4 - /dev/null");
+    const Result early =
+        run_shell("yes | head -c 200 | " ZIVCOLOR_TOOL " convert --from NV21 --to BGR888 --size 16x4 - /dev/null");
     EXPECT_EQ(early.code, 2);
     EXPECT_EQ(early.err, "zivcolor: - ends after 8 of the 96 bytes of frame 3\n");
-    const Result few = run_shell("yes | head -c 192 | " ZIVCOLOR_TOOL " convert --from NV21 --to BGR888 --size 16x4 --frames 3 - /dev/null");
+    const Result few =
+        run_shell("yes | head -c 192 | " ZIVCOLOR_TOOL " convert --from NV21 --to BGR888 --size 16x4 --frames 3 - /dev/null");
     EXPECT_EQ(few.code, 2);
     EXPECT_EQ(few.err, "zivcolor: - ends after 2 of 3 frames\n");
-    const Result full = run_shell("yes | head -c 96 | " ZIVCOLOR_TOOL " convert --from NV21 --to BGR888 --size 16x4 - /dev/full");
+    const Result full =
+        run_shell("yes | head -c 96 | " ZIVCOLOR_TOOL " convert --from NV21 --to BGR888 --size 16x4 - /dev/full");
     EXPECT_EQ(full.code, 1);
     EXPECT_EQ(full.err.rfind("zivcolor: /dev/full cannot be written", 0), 0u) << full.err;
 }

@@ -44,9 +44,10 @@ std::string refusal(const char* from, const char* to) {
 
 TEST(Tool, NamesTheNearestPairs) {
     EXPECT_EQ(refusal("nv12", "bgr24"), "");
-    EXPECT_EQ(refusal("NV12", "RGB888"),
-              "NV12 is not converted to RGB888; nearest: NV12 to BGR888, NV21 to RGB888, NV12 to RGBA8888, NV12 to BGRA8888, I420 "
-              "to RGB888; or by way of NV21");
+    EXPECT_EQ(
+        refusal("NV12", "RGB888"),
+        "NV12 is not converted to RGB888; nearest: NV12 to BGR888, NV21 to RGB888, NV12 to RGBA8888, NV12 to BGRA8888, I420 "
+        "to RGB888; or by way of NV21");
     EXPECT_EQ(refusal("ARGB8888", "NV21").rfind("ARGB8888 is not converted to NV21; nearest: ", 0), 0u);
     // Every pair that is not converted is refused in one line that names those that are.
     for (int32_t i = 0; const zivcolor_layout* from = zivcolor_layout_at(i); i++)
