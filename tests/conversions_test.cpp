@@ -101,6 +101,29 @@ TEST_P(Conversions, NegativePitches) {
     every_small_size([](ImagePair& p, Random& random) { negate_some_pitches(p, random, 5); });
 }
 
+// Pitches that are what some other plane, pixel or size would make of them: a kernel must not take rows for one run, or for
+// rows that do not overlap, by what holds in another plane.
+TEST_P(Conversions, PitchesThatCoincide) {
+    const Conversion& c = GetParam();
+    Random random{seed()};
+    for (int round = 0; round < 250; round++) {
+        const int width = random.below(4) ? random.between(1, 8) * 16 : random.between(1, 140);
+        ImagePair images = tight(c, width, random.between(1, 9));
+        const auto change = [&](int32_t& pitch) {
+            const int of[] = {pitch, pitch, width / 2, width, images.source_height};
+            if (random.below(3)) pitch = of[random.below(5)] * random.between(0, 8) / (random.below(3) ? 2 : 4);
+            if (random.below(8) == 0) pitch = -pitch;
+        };
+        for (int k = 0; k < 3; k++) change(images.source_pitch[k]), change(images.destination_pitch[k]);
+        std::vector<Room> rooms = rooms_of(c, images);
+        size_t most = 0;  // some planes are stepped by the pitch of the other image
+        for (const Room& room : rooms) most = std::max({most, room.before, room.after});
+        for (Room& room : rooms) room.before = room.after = most;
+        expect_same_bytes(call_of(c, images), rooms, random.next(), [&] { return describe(c, images); });
+        if (HasFailure()) return;
+    }
+}
+
 // Destination rows that overlap show the order in which they are written, and the fewer bytes they are apart, the
 // order within a block.
 TEST_P(Conversions, RowsThatOverlap) {
