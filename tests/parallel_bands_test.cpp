@@ -177,6 +177,23 @@ TEST_P(BandTask, RefusedBandsStayUntouched) {
     }
 }
 
+// A kernel that refuses its band looks at no plane: null ones, and such as end before the band begins, are no fault.
+TEST_P(BandTask, RefusedBandsNeedNoPlanes) {
+    const Conversion& c = GetParam();
+    uint8_t byte = 7;
+    for (uint8_t* const plane : {static_cast<uint8_t*>(nullptr), &byte})
+        for (const int32_t pitch : {16, -16, INT32_MAX, INT32_MIN}) {
+            const zivcolor::Image from{c.source, 0, 16, {plane, plane, plane}, {pitch, pitch, pitch}};
+            const zivcolor::Image to{c.destination, 0, 16, {plane, plane, plane}, {pitch, pitch, pitch}};
+            const zivColorExtParam_ALPHA_t alpha{0};
+            for (const RowRange& band : {RowRange{0, 4}, {6, 10}, {INT32_MAX - 1, INT32_MAX}, {INT32_MIN, INT32_MIN + 2}}) {
+                zivColorParam_t param{&from, &to, band.start, band.end, &alpha};
+                band_tasks[static_cast<size_t>(c.task)](&param);
+            }
+        }
+    EXPECT_EQ(byte, 7);
+}
+
 // The planes of a band are found by their own rows and their own pitches, and its height is that of both images.
 TEST_P(BandTask, PlanesAreMovedToTheBandsFirstRow) {
     const Conversion& c = GetParam();

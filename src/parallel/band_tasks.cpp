@@ -9,6 +9,11 @@
 namespace zivcolor {
 namespace {
 
+// Reckoned as a number: a kernel that refuses its band takes planes that are null, or end before it begins.
+uint8_t* moved(uint8_t* plane, int64_t bytes) {
+    return reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(plane) + static_cast<uintptr_t>(bytes));
+}
+
 // The rows of a band as an image of its own. Pitches place the planes even where the kernel does not read them.
 Image band_of(const Image& whole, const Layout& layout, int32_t start, int32_t end) {
     Image band{};
@@ -17,7 +22,7 @@ Image band_of(const Image& whole, const Layout& layout, int32_t start, int32_t e
     band.height = end - start;
     for (int k = 0; k < layout.planes; ++k) {
         const int64_t row = k == 0 || layout.chroma.rows == 1 ? start : start >> 1;
-        band.plane[k] = whole.plane[k] + row * whole.pitch[k];
+        band.plane[k] = moved(whole.plane[k], row * whole.pitch[k]);
         band.pitch[k] = whole.pitch[k];
     }
     return band;
