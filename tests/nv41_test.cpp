@@ -137,6 +137,39 @@ TEST(NV41, OneMemoryForSourceAndDestination) {
     expect_determined_chroma(conversion("zivColorNV21toNV41"), {256, 8, 256, 552}, false, base_seed);
 }
 
+// Of a source without columns no chroma is read: its plane may be null, and the destination's too where nothing is cleared.
+TEST(NV41, NeedsNoPlaneWithoutColumns) {
+    const auto expect = [](const char* name, bool destination_is_null, int width, int height, int pitch) {
+        const Conversion& c = conversion(name);
+        const Call call = [&](const zivcolor::KernelTable& kernels, uint8_t* const* buffers) -> int64_t {
+            uint8_t* const chroma = destination_is_null ? nullptr : buffers[0];
+            const zivcolor::Image from{c.source, width, height, {}, {64, pitch}},
+                to{c.destination, 8, 8, {nullptr, chroma}, {64, pitch}};
+            return c.convert(kernels, &from, &to, 0);
+        };
+        if (std::string(name) == "zivColorNV41toNV21_2") {
+            // What it copies is what its work buffer happens to hold.
+            std::vector<uint8_t> memory(8192);
+            uint8_t* const middle = memory.data() + 4096;
+            for (const zivcolor::Target& target : targets())
+                EXPECT_EQ(call(*target.kernels, &middle), zivStatus_OK) << target.name;
+            return;
+        }
+        expect_same_bytes(call, {{4096, 4096}}, base_seed, [&] {
+            return std::to_string(width) + "x" + std::to_string(height) + ", pitch " + std::to_string(pitch);
+        });
+    };
+    for (const int width : {0, -1, -64, INT32_MIN})
+        for (const int height : {2, 4, 7, 8, 12}) {
+            for (const int pitch : {48, -48}) {
+                expect("zivColorNV21toNV41", true, width, height, pitch);
+                expect("zivColorNV41toNV21", true, width, height, pitch);
+            }
+            if (width > -100) expect("zivColorNV21toNV41_2", false, width, height, 48);
+            expect("zivColorNV41toNV21_2", false, width, height, 48);
+        }
+}
+
 // A negative pitch asks for a buffer of less than nothing. Luma is copied by then, chroma is not touched.
 TEST(NV41, WorkBufferThatCannotBeHad) {
     std::vector<uint8_t> in(256, 1), out(256, 2);

@@ -156,7 +156,7 @@ TEST_P(Whiten, StaysInsideItsReach) {
         }
 }
 
-// Neither is looked at where there is no cell.
+// Neither is looked at where there is no cell, nor is the image's plane.
 TEST_P(Whiten, NullMaskAndTableOfAnEmptyImage) {
     for (const auto& [w, h] : {std::pair{0, 0}, {1, 4}, {0, 4}, {16, 1}, {16, 0}, {-2, -2}}) {
         const int width = w, height = h;
@@ -164,6 +164,7 @@ TEST_P(Whiten, NullMaskAndTableOfAnEmptyImage) {
             MaskedImage image{};
             image.width = width;
             image.height = height;
+            image.pitch[0] = image.pitch[1] = 16;
             const auto kernel = blocked ? kernels._SkinWhitenByMask_YUV420_VUVU_neon : kernels._SkinWhitenByMask_YUV420_VUVU;
             return kernel(&image, nullptr, 16, nullptr, 100, nullptr);
         };

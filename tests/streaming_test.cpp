@@ -139,6 +139,41 @@ TEST_P(Streaming, StaysInsideItsReach) {
         }
 }
 
+#if defined(__x86_64__)
+// Rows whose bytes pass 32 bits, as do those of the greatest width: no tiles of these, and nothing is read to learn it.
+TEST_P(Streaming, ImagesWiderThanAnyPitchGoAsAWhole) {
+    static int calls;
+    static zivcolor::Image seen;
+    const auto note = [](const zivcolor::Image* src, const zivcolor::Image*) {
+        calls++;
+        seen = *src;
+        return 0;
+    };
+    const Conversion& c = GetParam();
+    zivcolor::KernelTable kernels{};
+#define ZIVCOLOR_CONVERSION(name, source, destination, takes, dispatch, task, tile) kernels.name = note_##takes;
+    zivcolor::OpaqueConversion* const note_Opaque = note;
+    zivcolor::AlphaConversion* const note_Alpha = [](const zivcolor::Image* src, const zivcolor::Image*, uint8_t) {
+        calls++;
+        seen = *src;
+        return 0;
+    };
+    ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
+#undef ZIVCOLOR_CONVERSION
+    for (const int32_t width : {1 << 29, 1 << 30, 0x55555556, INT32_MAX - 1})
+        for (const int32_t pitch : {64, INT32_MAX}) {
+            auto* const first = reinterpret_cast<uint8_t*>(uintptr_t{1} << 32);
+            uint8_t* const second = first + (ptrdiff_t{1} << 32);
+            const zivcolor::Image src{c.source, width, 2, {first, first, first}, {pitch, pitch, pitch}};
+            const zivcolor::Image dst{c.destination, width, 2, {second, second, second}, {pitch, pitch, pitch}};
+            calls = 0;
+            c.convert_streaming(kernels, &src, &dst, 0);
+            EXPECT_EQ(calls, 1) << c.name;
+            EXPECT_EQ(seen.width, width) << c.name;
+        }
+}
+#endif
+
 INSTANTIATE_TEST_SUITE_P(All, Streaming, testing::ValuesIn(streamed_conversions()),
                          [](const testing::TestParamInfo<Conversion>& row) { return std::string(row.param.name); });
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Streaming);  // no target has such stores elsewhere

@@ -54,6 +54,9 @@ constexpr TileSize any_tile{256, 4}, tight_tile{512, 2}, most{512, 4};
 
 int32_t at_most(int32_t value, int32_t limit) { return value < limit ? value : limit; }
 
+// So many columns have less than 2^31 bytes in every layout. Where there are more, a pitch of an image is less than its row.
+constexpr int32_t widest_row = INT32_MAX / 4;
+
 // Whether tiles of the image are told by its pitches, in products of 32 bits, and whole rows of it share no byte.
 bool is_sound(const Image& image, const Layout& layout, Tiles tiles) {
     for (int k = 0; k < layout.planes; ++k) {
@@ -152,7 +155,7 @@ void stream(const Image& staged, const Image& tile, const Layout& layout, bool f
 bool has_tiles(StreamedPair pair, const Image& src, const Image& dst) {
     const Layout &from = layouts[pair.source], &to = layouts[pair.destination];
     return src.format == from.format && dst.format == to.format && src.width == dst.width && src.height == dst.height &&
-           dst.width >= 2 * line && dst.height >= 2 && dst.width % 2 == 0 && dst.height % 2 == 0 &&
+           dst.width >= 2 * line && dst.width <= widest_row && dst.height >= 2 && dst.width % 2 == 0 && dst.height % 2 == 0 &&
            is_sound(src, from, pair.tiles) && is_sound(dst, to, pair.tiles) && destination_is_apart(src, from, dst, to);
 }
 

@@ -126,7 +126,7 @@ int64_t _SkinWhitenByMask_YUV420_VUVU(const MaskedImage* pImg, const uint8_t* pM
 // a positive level.
 int64_t _SkinWhitenByMask_YUV420_VUVU_neon(const MaskedImage* pImg, const uint8_t* pMskData, int64_t lMskLine,
                                            const int32_t* plBrightenTab, int64_t lRedLevel, const int32_t*) {
-    if (pImg->height < 2) return 0;
+    if (pImg->width < 2 || pImg->height < 2) return 0;
     const Lift lift{{pMskData, pMskData + lMskLine}, plBrightenTab, lRedLevel};
 #if ZIV_HAS_ADVANCED_SIMD
     // Enough blocks to pay for a walk over the table.

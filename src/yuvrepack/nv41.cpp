@@ -48,11 +48,15 @@ int32_t nv21_to_nv41(const Image* srcImg, const Image* dstImg) {
         return status;
     copy_luma(srcImg, dstImg);
     const ptrdiff_t width = srcImg->width, height = srcImg->height;
+    if (unused == Unused::kept && width <= 0) return zivStatus_OK;
     const bool wide = wide_steps_allowed(srcImg, dstImg);
     uint8_t* dst = dstImg->plane[1];
     for (ptrdiff_t i = 0; i < height; i += 4, dst += dstImg->pitch[1]) {
-        const uint8_t* upper = row_at(srcImg->plane[1], i >> 1, srcImg->pitch[1]);
-        const ptrdiff_t stop = quarter_row(upper, upper + srcImg->pitch[1], dst, width, wide);
+        ptrdiff_t stop = 0;
+        if (width > 0) {  // without columns the source's plane may be null
+            const uint8_t* upper = row_at(srcImg->plane[1], i >> 1, srcImg->pitch[1]);
+            stop = quarter_row(upper, upper + srcImg->pitch[1], dst, width, wide);
+        }
         if constexpr (unused == Unused::cleared) MemMgrSet(dst + stop, 0, dstImg->pitch[1] - width / 2);
     }
     if constexpr (unused == Unused::cleared) MemMgrSet(dst, 0, int64_t{dstImg->pitch[1]} * height / 4);
@@ -148,16 +152,16 @@ int32_t zivColorNV41toNV21_2(const Image* srcImg, const Image* dstImg) {
     uint8_t* const work = static_cast<uint8_t*>(MemMgrAlloc(nullptr, copied < 0 ? copied : room));
     if (!work) return zivStatus_OutOfMemory;
 
-    const uint8_t* row = row_at(srcImg->plane[1], height / 4 - 1, srcImg->pitch[1]);
     uint8_t* lower = row_at(dstImg->plane[1], height / 2 - 1, dstImg->pitch[1]);
-    for (ptrdiff_t i = 0; i < height; i += 4, row -= src_pitch, lower -= 2 * dst_pitch) {
+    for (ptrdiff_t i = 0, k = height / 4 - 1; i < height; i += 4, k--, lower -= 2 * dst_pitch) {
         uint8_t* const upper = lower - dst_pitch;
-        if (i == height - 4) {
-            spread_row(work + before, work + before + dst_pitch, row, row, width, wide);
-            MemMgrCpy(upper, work + before, copied);
-        } else {
-            spread_row(upper, lower, row, row - src_pitch, width, wide);
+        const bool through_work = i == height - 4;
+        if (width > 0) {  // without columns the source's plane may be null
+            const uint8_t* row = row_at(srcImg->plane[1], k, srcImg->pitch[1]);
+            if (through_work) spread_row(work + before, work + before + dst_pitch, row, row, width, wide);
+            else spread_row(upper, lower, row, row - src_pitch, width, wide);
         }
+        if (through_work) MemMgrCpy(upper, work + before, copied);
     }
     MemMgrFree(nullptr, work);
     return zivStatus_OK;
