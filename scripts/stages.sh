@@ -27,7 +27,7 @@ old_cpus        900  emulated Haswell, Nehalem, Conroe meet no instruction that 
 aarch64         900  GCC: every test on emulated AArch64 with and without the dot product, a sample of the colours; exported names, no stray symbols
 aarch64_clang14 900  clang 14: the same tests on emulated AArch64, a sample of the colours
 aarch64_clang19 1500  clang 19: the same tests on emulated AArch64, all 2^24 colours
-tools           300  the tool: its tests; every function by its digests, natively and by a static build on three emulated AArch64 CPUs
+tools           900  the tool: its tests; every function by its digests, natively and by a static build on three emulated AArch64 CPUs
 riscv64         900  GCC: the portable kernels' tables on an emulated machine without vectors, a sample of the colours
 armhf           900  clang 14: the portable kernels' tables on emulated 32-bit ARM, a sample of the colours
 homes          1200  zig's compiler: macOS, Windows and musl build without a warning and export the listed functions; musl's kernels, emulated

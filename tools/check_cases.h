@@ -29,6 +29,7 @@ struct Case {
     std::function<Images(uint8_t* memory)> images = {};
     uint8_t alpha = 0;
     bool in_bands = false;
+    bool beyond_caches = false;  // large enough for streaming stores; only for machines that have them
 };
 
 struct Function {
