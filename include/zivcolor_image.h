@@ -594,11 +594,15 @@ typedef struct zivcolor_camera_plane {
  *   zivStatus_BadArgument   any other strides, rows that are longer than their stride, or a width or height below 1 */
 ZIVCOLOR_INLINE int32_t zivcolor_image_of_camera(const zivcolor_camera_plane* planes, int32_t width, int32_t height,
                                                  zivcolor_image* image) {
-    const zivcolor_camera_plane *y = planes, *u = planes + 1, *v = planes + 2;
+    const zivcolor_camera_plane *y, *u, *v;
     const int64_t columns = ((int64_t)width + 1) / 2;
     if (!image) return zivStatus_NullPointer;
     *image = zivcolor_image_of_planes(0, 0, 0, NULL, 0, NULL, 0, NULL, 0);
-    if (!planes || !y->first || !u->first || !v->first) return zivStatus_NullPointer;
+    if (!planes) return zivStatus_NullPointer;
+    y = &planes[0];
+    u = &planes[1];
+    v = &planes[2];
+    if (!y->first || !u->first || !v->first) return zivStatus_NullPointer;
     if (width < 1 || height < 1 || y->pixel_stride != 1 || y->row_stride < width) return zivStatus_BadArgument;
     if (u->pixel_stride == 1 && v->pixel_stride == 1 && u->row_stride >= columns && v->row_stride >= columns) {
         *image = zivcolor_image_of_planes(zivPixFmt_I420, width, height, y->first, y->row_stride, u->first, u->row_stride,

@@ -256,7 +256,7 @@ TEST(ImageHeader, WhatRoomsRefuse) {
         EXPECT_EQ(zivcolor_room_of_pair(zivPixFmt_NV21, zivPixFmt_RGBA8888, 32768, 16384, 1, &room, &other), zivStatus_OK);
         EXPECT_EQ(other.size, size_t{1} << 31);
         EXPECT_EQ(zivcolor_room_of_pair(zivPixFmt_BGRA8888, zivPixFmt_I420, 32768, 65536, 1, &room, &other), zivStatus_OK);
-        EXPECT_EQ(room.size, size_t{1} << 33);
+        EXPECT_EQ(uint64_t{room.size}, uint64_t{1} << 33);
         room = other = filled();
     }
     // Null pointers.

@@ -14,6 +14,8 @@
 #include "harness/fault.h"
 #include "harness/guarded_pages.h"
 #include "harness/options.h"
+#include "parallel/band_tasks.h"
+#include "parallel/bands.h"
 #include "zivcolor_image.h"
 
 namespace {
@@ -184,37 +186,71 @@ TEST_P(ImageRoom, RowsAreFoundWhateverTheAlignment) {
         }
 }
 
-// Exactly the bytes told, between unmapped pages, on every target: a fault is a byte more.
+// Two images with exactly the bytes told, between unmapped pages: a fault is a byte more.
+class GuardedImages {
+public:
+    enum Place { PlanesAtTheEnd, PlanesAtTheStart, OneBufferAtTheEnd };
+
+    GuardedImages(const RoomPair& rooms, Place place) {
+        static std::vector<std::unique_ptr<GuardedPages>> pages;
+        while (pages.size() < 6) pages.push_back(std::make_unique<GuardedPages>(size_t{1} << 16));
+        static constexpr const char* names[] = {"source plane 0",      "source plane 1",      "source plane 2",
+                                                "destination plane 0", "destination plane 1", "destination plane 2"};
+        for (size_t k = 0; k < 2; k++) {
+            const zivcolor_room& room = k ? rooms.destination : rooms.source;
+            EXPECT_LE(room.size, pages[k]->size());
+            images_[k] = zivcolor_image_in(&room, pages[k]->past() - room.size);
+        }
+        for (size_t k = 0; k < 6; k++) {
+            uint8_t*& plane = images_[k / 3].plane[k % 3];
+            if (static_cast<int>(k % 3) >= rooms.of(k).planes) continue;
+            if (place == PlanesAtTheEnd) plane = pages[k]->past() - rooms.after(k);
+            if (place == PlanesAtTheStart) plane = pages[k]->first() + rooms.before(k);
+            areas_.push_back({names[k], plane - rooms.before(k), plane + rooms.after(k)});
+        }
+    }
+    const zivcolor_image& source() const { return images_[0]; }
+    const zivcolor_image& destination() const { return images_[1]; }
+    const std::vector<Running::Area>& areas() const { return areas_; }
+
+private:
+    zivcolor_image images_[2];
+    std::vector<Running::Area> areas_;
+};
+
 TEST_P(ImageRoom, ToldIsEnough) {
-    static std::vector<std::unique_ptr<GuardedPages>> pages;
-    while (pages.size() < 6) pages.push_back(std::make_unique<GuardedPages>(size_t{1} << 16));
     for (int width = 1; width <= largest; width++)
         for (int height = 1; height <= largest; height++)
-            for (const int place : {0, 1, 2}) {  // planes against the page behind, before; one buffer against the page behind
-                const RoomPair rooms = told(width, height, place == 2 ? 16 : 1);
-                zivcolor_image images[2];
-                std::vector<Running::Area> areas;
-                static constexpr const char* names[] = {"source plane 0",      "source plane 1",      "source plane 2",
-                                                        "destination plane 0", "destination plane 1", "destination plane 2"};
-                for (size_t k = 0; k < 2; k++) {
-                    const zivcolor_room& room = k ? rooms.destination : rooms.source;
-                    ASSERT_LE(room.size, pages[k]->size());
-                    images[k] = zivcolor_image_in(&room, pages[k]->past() - room.size);
-                }
-                for (size_t k = 0; k < 6; k++) {
-                    uint8_t*& plane = images[k / 3].plane[k % 3];
-                    if (static_cast<int>(k % 3) >= rooms.of(k).planes) continue;
-                    if (place == 0) plane = pages[k]->past() - rooms.after(k);
-                    if (place == 1) plane = pages[k]->first() + rooms.before(k);
-                    areas.push_back({names[k], plane - rooms.before(k), plane + rooms.after(k)});
-                }
+            for (const auto place :
+                 {GuardedImages::PlanesAtTheEnd, GuardedImages::PlanesAtTheStart, GuardedImages::OneBufferAtTheEnd}) {
+                const RoomPair rooms = told(width, height, place == GuardedImages::OneBufferAtTheEnd ? 16 : 1);
+                const GuardedImages images(rooms, place);
                 const std::function<std::string()> words = [&] { return describe(c, pair_of(rooms)); };
                 for (const zivcolor::Target& target : targets_with_own(c.name)) {
-                    const Running running(target.name, words, &areas);
-                    c.convert(*target.kernels, &images[0], &images[1], 200);
-                    if (c.convert_streaming) c.convert_streaming(*target.kernels, &images[0], &images[1], 200);
+                    const Running running(target.name, words, &images.areas());
+                    c.convert(*target.kernels, &images.source(), &images.destination(), 200);
+                    if (c.convert_streaming) c.convert_streaming(*target.kernels, &images.source(), &images.destination(), 200);
                 }
             }
+}
+
+// The same in bands of rows, as a context converts.
+TEST_P(ImageRoom, ToldIsEnoughForBands) {
+    if (c.task < 0) return;
+    const zivColorExtParam_ALPHA_t alpha{200};
+    for (int width = 2; width <= largest; width++)
+        for (int height = 2; height <= largest; height++) {
+            const RoomPair rooms = told(width, height);
+            const GuardedImages images(rooms, height % 2 ? GuardedImages::PlanesAtTheStart : GuardedImages::PlanesAtTheEnd);
+            const std::function<std::string()> words = [&] { return describe(c, pair_of(rooms)) + ", in bands"; };
+            zivcolor::RowRange bands[4];
+            zivcolor::split_into_bands(height, 4, bands);
+            const Running running("the best target", words, &images.areas());
+            for (const zivcolor::RowRange& band : bands) {
+                zivColorParam_t param{&images.source(), &images.destination(), band.start, band.end, &alpha};
+                zivcolor::band_tasks[static_cast<size_t>(c.task)](&param);
+            }
+        }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ImageRoom, testing::ValuesIn(dispatched_conversions()),
