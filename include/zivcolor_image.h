@@ -321,7 +321,9 @@ ZIVCOLOR_INLINE int32_t zivcolor_detail_add_up(int32_t alignment, zivcolor_room*
         const uint64_t step = (uint64_t)(room->step[k] < 0 ? -(int64_t)room->step[k] : (int64_t)room->step[k]);
         const uint64_t rows = (uint64_t)room->rows[k] * step;
         uint64_t before, after, start;
+        /* The image, by its pitch as well as where the pair finds its rows: bands of rows start by the pitch. */
         zivcolor_detail_touch(&spans[k], room->rows[k], room->step[k], room->row_bytes[k]);
+        zivcolor_detail_touch(&spans[k], room->rows[k], room->pitch[k], room->row_bytes[k]);
         before = (uint64_t)-spans[k].first;
         after = (uint64_t)spans[k].past;
         if (before > most || after > most || rows > most) return zivStatus_BadArgument;

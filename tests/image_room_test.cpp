@@ -80,9 +80,12 @@ protected:
             ASSERT_LE(reach[k].past, after) << describe(c, p) << ", buffer " << k;
             const bool same_size = p.source_width == p.destination_width && p.source_height == p.destination_height;
             if (refused || !same_size) continue;
-            const ptrdiff_t last = ptrdiff_t{room.rows[plane] - 1} * room.step[plane];
-            const ptrdiff_t own_before = std::max(-last, ptrdiff_t{0}),
-                            own_after = std::max(last, ptrdiff_t{0}) + room.row_bytes[plane];
+            ptrdiff_t own_before = 0, own_after = 0;
+            for (const int32_t step : {room.step[plane], room.pitch[plane]}) {
+                const ptrdiff_t last = ptrdiff_t{room.rows[plane] - 1} * step;
+                own_before = std::max(own_before, -last);
+                own_after = std::max(own_after, std::max(last, ptrdiff_t{0}) + room.row_bytes[plane]);
+            }
             // A last pixel whose last bytes are not looked at.
             constexpr ptrdiff_t slack = 2;
             ASSERT_LE(before, std::max(own_before, -reach[k].first)) << describe(c, p) << ", buffer " << k;
@@ -183,6 +186,30 @@ TEST_P(ImageRoom, RowsAreFoundWhateverTheAlignment) {
                 if (alignment == 1) expected = bytes;
                 ASSERT_TRUE(bytes == expected) << width << "x" << height << ", alignment " << alignment;
             }
+        }
+}
+
+// From rows of chroma that tell their number, at odd sizes too: each comes to the row that it belongs to.
+TEST_P(ImageRoom, ChromaComesToItsRow) {
+    const zivcolor_layout &from = *zivcolor_layout_of(c.source), &to = *zivcolor_layout_of(c.destination);
+    if (from.planes == 1 || to.planes == 1 || from.chroma_rows == 4 || to.chroma_rows == 4) return;
+    for (int width = 2; width <= largest; width++)
+        for (int height = 2; height <= 12; height++) {
+            const RoomPair rooms = told(width, height);
+            std::vector<uint8_t> in(rooms.source.size), out(rooms.destination.size);
+            const zivcolor_image source = zivcolor_image_in(&rooms.source, in.data());
+            const zivcolor_image destination = zivcolor_image_in(&rooms.destination, out.data());
+            for (int k = 1; k < from.planes; k++)
+                for (int row = 0; row < rooms.source.rows[k]; row++)
+                    std::fill_n(source.plane[k] + ptrdiff_t{row} * rooms.source.step[k], rooms.source.row_bytes[k],
+                                static_cast<uint8_t>(100 + row * from.chroma_rows / 2));
+            ASSERT_EQ(zivColorCvt(&source, &destination, {0}), zivStatus_OK);
+            for (int k = 1; k < to.planes; k++)
+                for (int row = 0; row < plane_rows(c.destination, k, height & ~1); row++)
+                    for (int at = 0; at < tight_pitch(c.destination, k, width & ~1); at++)
+                        ASSERT_EQ(int{destination.plane[k][ptrdiff_t{row} * rooms.destination.step[k] + at]},
+                                  100 + row * to.chroma_rows / 2)
+                            << width << "x" << height << ", plane " << k << ", row " << row << ", byte " << at;
         }
 }
 
