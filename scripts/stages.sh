@@ -126,7 +126,7 @@ quick_package() {
     local kind program folder=build/quick_package
     build release zivcolor zivcolor_other_kind -- "${library_and_tests[@]}"
     rm -rf "$folder"
-    logged install cmake --install build/release --prefix "$folder/prefix"
+    logged install cmake --install build/release --component Unspecified --prefix "$folder/prefix" # without the tool
     for kind in find_package_c find_package_cpp; do
         logged "$kind" cmake -S "tests/package/$kind" -B "$folder/$kind" -G Ninja -DCMAKE_PREFIX_PATH="$PWD/$folder/prefix"
         logged "$kind.build" cmake --build "$folder/$kind"
