@@ -498,11 +498,12 @@ ZIVCOLOR_INLINE int32_t zivcolor_room_of_image(const zivcolor_image* image, zivc
     return zivcolor_detail_end(status, room);
 }
 
-/* Source and destination of a conversion by zivColorCvt, both of one size: the images and whatever the pair touches beyond
- * them, reads and writes. Pitches are such that the pair finds every row and no row runs into the next: the bytes that are
- * touched of a row, rounded up to a multiple of alignment where the pair looks at them (planes start at such multiples); luma's
- * is chroma's too where rows of chroma step by pitch[0], and that of NV41 is that of NV21. Where rows lie otherwise, step
- * tells. */
+/* Source and destination of a conversion, by zivColorCvt or in bands by a context, both of one size: the images and whatever
+ * the pair touches beyond them, reads and writes. Pitches are such that the pair finds every row and that rows do not run into
+ * the next: the bytes that are touched of a row, rounded up to a multiple of alignment where the pair looks at pitches; planes
+ * start at such multiples. Luma's pitch is chroma's too where rows of chroma step by pitch[0], and the pitches of NV41 are
+ * those of NV21. Where rows lie otherwise, step tells. The exception is YUYV to I420, whose rows run into the next whatever the
+ * pitch. */
 ZIVCOLOR_INLINE int32_t zivcolor_room_of_pair(uint32_t source_format, uint32_t destination_format, int32_t width,
                                               int32_t height, int32_t alignment, zivcolor_room* source,
                                               zivcolor_room* destination) {
