@@ -124,7 +124,7 @@ quick_aarch64() {
 quick_package() {
     scripts/packages "${cmake_packages[@]}"
     local kind program folder=build/quick_package
-    build release zivcolor zivcolor_other_kind -- "${library_and_tests[@]}"
+    build release zivcolor zivcolor_other_kind zivcolor_tool -- "${library_and_tests[@]}"
     rm -rf "$folder"
     logged install cmake --install build/release --component Unspecified --prefix "$folder/prefix" # without the tool
     for kind in find_package_c find_package_cpp; do
