@@ -279,7 +279,7 @@ aarch64_clang19() {
 tools() {
     scripts/packages "${aarch64_packages[@]}" file
     build release zivcolor_tool zivcolor_tool_damaged zivcolor_tool_digests zivcolor_tool_tests -- "${library_and_tests[@]}"
-    CTEST_OUTPUT_ON_FAILURE=1 ctest --test-dir build/release -j "$jobs" -R '^(Check|Tool)\.|^tool_' | tail -3
+    CTEST_OUTPUT_ON_FAILURE=1 ctest --test-dir build/release -j "$jobs" -R '^(Check|Convert|Tool)\.|^tool_' | tail -3
     local architecture cpu
     for architecture in x86_64 aarch64; do
         scripts/tool "$architecture"
