@@ -98,7 +98,7 @@ void add_whole_sums(const Frame& frame, Random& random) {
             }
 }
 
-struct Rounding : testing::TestWithParam<Conversion> {};
+struct RoundingOf : testing::TestWithParam<Conversion> {};
 
 // By its exported name.
 int32_t call_exported(const Conversion& c, const Image* src, const Image* dst, uint8_t alpha) {
@@ -114,7 +114,7 @@ int32_t call_exported(const Conversion& c, const Image* src, const Image* dst, u
     return -1;
 }
 
-TEST_P(Rounding, IsToNearestWhateverTheThreadIsSetTo) {
+TEST_P(RoundingOf, IsToNearestWhateverTheThreadIsSetTo) {
     const Conversion& c = GetParam();
     Random random{base_seed};
     const Frame from(c.source, width, height, random.next());
@@ -148,8 +148,21 @@ std::vector<Conversion> all_but_from_nv41() {
         if (c.source != zivPixFmt_NV41) rows.push_back(c);
     return rows;
 }
-INSTANTIATE_TEST_SUITE_P(All, Rounding, testing::ValuesIn(all_but_from_nv41()),
+INSTANTIATE_TEST_SUITE_P(All, RoundingOf, testing::ValuesIn(all_but_from_nv41()),
                          [](const testing::TestParamInfo<Conversion>& row) { return std::string(row.param.name); });
+
+// By tiles, where those pay.
+TEST(Rounding, LargeImages) {
+    const Conversion& c = conversion("zivColorNV21toBGRA8888u8");
+    Random random{base_seed};
+    const Frame from(c.source, 4112, 2200, random.next());
+    Frame to(c.destination, 4112, 2200, 0);
+    const Written written{&to.memory, random.next()};
+    const Way entry{c.name, [&] { zivColorNV21toBGRA8888u8(&from.image, &to.image, 99); }};
+    const std::vector<FloatState> states = float_states();
+    const std::vector<uint8_t> expected = bytes_by(entry, written, states[0]);
+    for (size_t k = 1; k < 4; k++) EXPECT_TRUE(bytes_by(entry, written, states[k]) == expected) << states[k].name;
+}
 
 // A kernel with a signature of its own: as such, as its entry reaches it, and by its exported name.
 #define EXPECT_ROUTINE(routine, may_show, written, ...)                                                    \
