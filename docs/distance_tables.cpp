@@ -34,10 +34,11 @@ struct Measured {
 int greatest(const Distances& d) { return std::max({d.of[0].greatest, d.of[1].greatest, d.of[2].greatest}); }
 bool trap(const Distances& d) { return greatest(d) > tolerable; }
 
-string two_digits(int64_t n) { return (n < 10 ? "0" : "") + std::to_string(n); }
 string mean(const Component& c) {
     const int64_t hundredths = (200 * c.sum + c.samples) / (2 * c.samples);
-    return std::to_string(hundredths / 100) + "." + two_digits(hundredths % 100);
+    string digits = std::to_string(hundredths);
+    if (digits.size() < 3) digits.insert(0, 3 - digits.size(), '0');
+    return digits.insert(digits.size() - 2, 1, '.');
 }
 template <class Text>
 string of_three(const Distances& d, Text text) {
