@@ -139,9 +139,10 @@ void print_memory() {
     print(
         "## Memory beyond the image\n\n"
         "A plane of an image is its rows, a pitch apart, the last one without its padding. All pairs but these touch nothing\n"
-        "else, at any size; the first ",
+        "else, at any size, where rows stand as the pair looks for them (*Pitches read*, and the notes); the first ",
         number(at_even_sizes),
-        " reach further at even sizes too. Bytes are read of a source and written of a\n"
+
+        " reach\nfurther at even sizes too. Bytes are read of a source and written of a\n"
         "destination. The last columns are the bytes beyond source and destination at three sizes, with tight rows.\n"
         "`zivcolor_room_of_pair()` and `zivcolor_room_of_images()` in [zivcolor_image.h](../include/zivcolor_image.h) tell "
         "all\n"

@@ -2,7 +2,12 @@
 /* zivcolor_image: the memory of images without arithmetic. Names of layouts, the pairs that are converted, the bytes that an
  * image needs for a pair, and descriptors filled from one buffer, from planes or from a camera frame.
  *
- * All of it is inline and stands beside the library: nothing here is exported, allocated or remembered.
+ * All of it is inline and stands beside the library: nothing here is exported, allocated or remembered. In short:
+ *   zivcolor_room from, to;
+ *   status = zivcolor_room_of_pair(zivPixFmt_NV21, zivPixFmt_BGR888, width, height, 1, &from, &to);
+ *   source = zivcolor_image_in(&from, a buffer of from.size bytes);
+ *   destination = zivcolor_image_in(&to, a buffer of to.size bytes);
+ *   status = zivColorCvt(&source, &destination, alpha);
  */
 #ifndef ZIVCOLOR_IMAGE_H
 #define ZIVCOLOR_IMAGE_H
