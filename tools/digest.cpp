@@ -43,7 +43,8 @@ const std::array<uint8_t, pool_size>& pool() {
 void fill(uint8_t* p, size_t size, uint64_t seed) {
     Numbers numbers{seed};
     while (size > 0) {
-        const size_t from = numbers.next() % (pool_size - longest_run), run = std::min(size, longest_run);
+        const auto from = static_cast<size_t>(numbers.next() % (pool_size - longest_run));
+        const size_t run = std::min(size, longest_run);
         memcpy(p, pool().data() + from, run);
         p += run;
         size -= run;

@@ -19,7 +19,7 @@ std::string in_words(int width, int height) { return std::to_string(width) + "x"
 Case two_buffers(int width, int height, int pixel_bytes, bool in_place, uint64_t seed,
                  std::function<int64_t(const KernelTable&, uint8_t* source, uint8_t* destination)> call) {
     const auto room = static_cast<size_t>(int64_t{pixel_bytes} * (width + 16) * (height + 4) + 320);
-    const size_t source = 64 + seed % 61, destination = in_place ? source : source + room;
+    const size_t source = 64 + static_cast<size_t>(seed % 61), destination = in_place ? source : source + room;
     Case c;
     c.what = in_words(width, height) + (in_place ? ", in place" : "");
     c.seed = seed;
@@ -114,7 +114,7 @@ void add_turns(std::vector<Case>& cases, const Turn& turn, bool quarter, const s
         Case c;
         c.what = name + in_words(width, height) + (padding != 0 ? ", padded rows" : "");
         c.seed = cases.size() + 1;
-        const size_t first = room / 2 + c.seed % 61;
+        const size_t first = room / 2 + static_cast<size_t>(c.seed % 61);
         c.bytes = first + 4 * room;
         c.call = [=](const KernelTable& kernels, uint8_t* memory) {
             uint8_t* const at = memory + first;
@@ -168,7 +168,7 @@ std::vector<Case> whitening_cases(Whiten KernelTable::*whiten) {
         Case c;
         c.what = in_words(width, height) + (padding != 0 ? ", padded rows" : "") + ", level " + std::to_string(level);
         c.seed = cases.size() + 1;
-        const size_t first = 64 + c.seed % 61;
+        const size_t first = 64 + static_cast<size_t>(c.seed % 61);
         const size_t mask = first + static_cast<size_t>((width + pitch) * (height + 2)) + 256;
         c.bytes = mask + static_cast<size_t>(2 * pitch) + 256;
         c.call = [=](const KernelTable& kernels, uint8_t* memory) {
