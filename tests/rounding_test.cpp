@@ -63,6 +63,17 @@ int states_that_show(const Way& plain, const Written& written) {
     return count;
 }
 
+// Floats by software are rounded to the nearest in any state.
+bool direction_counts() {
+    const auto third = [](int direction) {
+        const InFloatState set({"", direction, false, false});
+        const volatile float one = 1, three = 3;
+        const volatile float quotient = one / three;
+        return float{quotient};
+    };
+    return third(FE_UPWARD) != third(FE_DOWNWARD);
+}
+
 bool has_floats(const std::string& kernel) {
 #define ZIVCOLOR_NAME(name) \
     if (kernel == #name) return true;
@@ -126,7 +137,7 @@ TEST_P(RoundingOf, IsToNearestWhateverTheThreadIsSetTo) {
         const std::string where = std::string(c.name) + " on " + target.name;
         const Way kernel{where, [&] { c.convert(*target.kernels, src, dst, 99); }};
         expect_same_in_every_state(kernel, {{where, [&] { c.convert_as_entry(*target.kernels, src, dst, 99); }}}, written);
-        EXPECT_EQ(states_that_show(kernel, written) > 0, has_floats(c.name)) << where;
+        EXPECT_EQ(states_that_show(kernel, written) > 0, has_floats(c.name) && direction_counts()) << where;
     }
     const std::string name = c.name;
     std::vector<Way> ways = {{name, [&] { call_exported(c, src, dst, 99); }}};
@@ -173,7 +184,7 @@ TEST(Rounding, LargeImages) {
             constexpr bool floats = zivcolor::has_floats<&KernelTable::routine>;                           \
             const Way entry{where, [&] { zivcolor::call<floats>(target.kernels->routine, __VA_ARGS__); }}; \
             expect_same_in_every_state(kernel, {entry}, written);                                          \
-            EXPECT_EQ(states_that_show(kernel, written) > 0, may_show) << where;                           \
+            EXPECT_EQ(states_that_show(kernel, written) > 0, (may_show) && direction_counts()) << where;   \
         }                                                                                                  \
         expect_same_in_every_state({#routine, [&] { zivcolor::chosen_kernels().routine(__VA_ARGS__); }},   \
                                    {{#routine, [&] { routine(__VA_ARGS__); }}}, written);                  \
