@@ -3,7 +3,7 @@
  *
  * Every function rewrites pixels from one layout to another in memory that the caller owns, and returns a status.
  * Nothing is allocated (but for the context of the multi-threaded front and one work buffer), nothing is logged, and nothing is
- * remembered but which kernels the CPU runs, found out at the first call.
+ * remembered but which kernels the CPU runs and how large its caches are, found out at the first call.
  * Samples are 8 bits; YUV is full range, chroma is centred at 128 and never filtered. U stands for Cb, V for Cr.
  *
  * Where a function works in binary floats, it rounds to the nearest, ties to even, whatever the calling thread has set its
