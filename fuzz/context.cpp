@@ -57,6 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t data_size) {
     const bool with_alpha = in.flag();
     const int nulls = in.between(0, 15) == 0 ? in.between(1, 7) : 0;
     const bool has_task = c.task >= 0;
+    const uint64_t unread = in.seed();
     const Call call = [&](const zivcolor::KernelTable& kernels, uint8_t* const* buffers) -> int64_t {
         Image source{c.source, images.source_width, images.source_height, {}, {}};
         Image destination{c.destination, images.destination_width, images.destination_height, {}, {}};
@@ -66,6 +67,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t data_size) {
             destination.plane[k] = buffers[3 + k];
             destination.pitch[k] = images.destination_pitch[k];
         }
+        // Bands are placed by every pitch of a layout, read or not.
+        Random random{unread};
+        fill_beyond_layout(source, c.source, random);
+        fill_beyond_layout(destination, c.destination, random);
         const zivColorExtParam_ALPHA_t extension{alpha};
         if (&kernels != &reference::kernels)
             return zivColorCvtProcess_MultiThreads(nulls & 1 ? nullptr : context(), nulls & 2 ? nullptr : &source,

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Two image descriptors through the dispatcher and to the kernels of every target, against the reference.
+#include <algorithm>
+
 #include "core/layout_list.h"
 #include "input.h"
 #include "reference/reference.h"
@@ -34,6 +36,39 @@ const Conversion& choose(Input& in) {
     };
     none = {"no conversion", source, destination, false, true, -1, refuse, refuse, nullptr};
     return none;
+}
+
+// How planes lie in memory: apart, those of each image one behind the other without a gap, or source and destination as one.
+enum class Arrangement { apart, planes_meet, in_place };
+
+Arrangement arrangement_of(Input& in, const Conversion& c, ImagePair& images) {
+    const std::string name = c.name;
+    const bool nv41 = c.source == zivPixFmt_NV41 || c.destination == zivPixFmt_NV41;
+    const int choice = in.between(0, 7);
+    if (choice == 0 && name == "zivColorRGB888toBGR888u8_2") {
+        images.source_pitch[0] = images.destination_pitch[0];
+        return Arrangement::in_place;
+    }
+    if (choice < 3 && nv41) {
+        images.source_height = images.destination_height;
+        for (int k = 0; k < 2; k++) {
+            images.source_pitch[k] = std::abs(images.source_pitch[k]);
+            images.destination_pitch[k] = std::abs(images.destination_pitch[k]);
+        }
+        return Arrangement::in_place;
+    }
+    if (choice == 0 && !nv41 && zivcolor::layout_of(c.source) && zivcolor::layout_of(c.destination)) {
+        const uint8_t alpha = images.alpha;
+        images = tight(c, images.destination_width, images.destination_height);
+        images.alpha = alpha;
+        return Arrangement::planes_meet;
+    }
+    return Arrangement::apart;
+}
+
+void follow_each_other(zivcolor::Image& image, uint32_t format) {
+    for (int k = 1; k < plane_count(format); k++)
+        image.plane[k] = image.plane[k - 1] + ptrdiff_t{image.pitch[k - 1]} * plane_rows(format, k - 1, image.height);
 }
 
 int pitch_of(uint32_t format, int plane, int width) {
@@ -76,15 +111,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t data_size) {
     }
     images.alpha = in.byte();
     const bool restores_a_work_buffer = c.name == std::string("zivColorNV41toNV21_2");
-    if (restores_a_work_buffer) {
-        // The buffer is sized by one pitch and stepped by the other.
+    // The buffer is sized by one pitch and stepped by the other: its rows are determined where there is nothing between them.
+    if (restores_a_work_buffer && in.flag()) {
         const int32_t pitch = std::abs(images.destination_pitch[1]);
         images.source_pitch[1] = in.between(0, 7) == 0 ? -pitch : pitch;
         images.destination_pitch[1] = pitch;
     }
+    const Arrangement arrangement = arrangement_of(in, c, images);
 
     int offsets[6];
     for (int& offset : offsets) offset = in.between(0, 63);
+    const uint64_t unread = in.seed();
     const int nulls = in.between(0, 15) == 0 ? in.between(1, 3) : 0;
     const Call call = [&](const KernelTable& kernels, uint8_t* const* buffers) -> int64_t {
         zivcolor::Image source{c.source, images.source_width, images.source_height, {}, {}};
@@ -95,6 +132,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t data_size) {
             destination.plane[k] = buffers[3 + k] + offsets[3 + k];
             destination.pitch[k] = images.destination_pitch[k];
         }
+        if (arrangement == Arrangement::in_place) std::copy_n(destination.plane, 3, source.plane);
+        if (arrangement == Arrangement::planes_meet) {
+            follow_each_other(source, c.source);
+            follow_each_other(destination, c.destination);
+        }
+        Random random{unread};
+        fill_unread(c, source, destination, random);
         const zivcolor::Image *const from = nulls & 1 ? nullptr : &source, *const to = nulls & 2 ? nullptr : &destination;
         // The dispatcher stands for the target that it uses.
         if (c.dispatched && &kernels == &zivcolor::chosen_kernels()) return zivColorCvt(from, to, {images.alpha | 0x5A00});
@@ -115,7 +159,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t data_size) {
         const int32_t* pitches = k < 3 ? images.source_pitch : images.destination_pitch;
         const bool up = pitches[0] < 0 || pitches[1] < 0 || pitches[2] < 0 || restores_a_work_buffer;
         const bool used = !refused && k % 3 < plane_count(k < 3 ? c.source : c.destination);
-        rooms.push_back(used ? Room{up ? reach : 256 + static_cast<size_t>(2 * step), reach} : Room{64, 256});
+        const size_t all = arrangement == Arrangement::planes_meet ? 3 * reach : reach;
+        rooms.push_back(used ? Room{up ? reach : 256 + static_cast<size_t>(2 * step), all} : Room{64, 256});
     }
 
     const uint64_t seed = in.seed();

@@ -41,15 +41,19 @@ inline int size(Input& in, int most) {
     }
 }
 
+// Where all rows share a place in the first level of the cache, some routines go another way.
+inline constexpr int32_t page_pitch = 4096;
+
 // Rows of a destination must not meet, or the width of vectors shows. Those of a source may lie anywhere.
 inline int32_t destination_pitch(Input& in, int tight) {
-    const int pitch = tight + (in.flag() ? in.between(0, 70) : 0);
+    const int choice = in.between(0, 127);
+    const int pitch = choice == 0 ? page_pitch : tight + (choice < 64 ? in.between(0, 70) : 0);
     return in.between(0, 3) == 0 ? -pitch : pitch;
 }
 inline int32_t source_pitch(Input& in, int tight) {
-    switch (in.between(0, 3)) {
+    switch (const int choice = in.between(0, 127); choice % 4) {
         case 0: return in.between(-600, 600);
-        case 1: return tight + in.between(0, 70);
+        case 1: return choice == 1 ? page_pitch : tight + in.between(0, 70);
         default: return tight;
     }
 }

@@ -43,9 +43,11 @@ struct Chroma {
 int32_t convert_chroma(const zivcolor::KernelTable& kernels, const Conversion& c, const Chroma& chroma, uint8_t* from,
                        uint8_t* to) {
     static uint8_t luma;
+    Random random{static_cast<uint64_t>(chroma.width << 8 | chroma.height)};
     zivcolor::Image source{c.source, chroma.width, chroma.height, {&luma, from}, {0, chroma.source_pitch}};
-    zivcolor::Image destination{c.destination, chroma.width, chroma.height, {&luma, to}, {0, chroma.destination_pitch}};
-    Random random{static_cast<uint64_t>(chroma.width)};
+    // Of the destination's sizes it counts that they are not too small.
+    zivcolor::Image destination{
+        c.destination, random.between(2, 300), random.between(2, 300), {&luma, to}, {0, chroma.destination_pitch}};
     fill_beyond_layout(source, c.source, random);
     fill_beyond_layout(destination, c.destination, random);
     source.pitch[0] = source.pitch[2];
