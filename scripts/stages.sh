@@ -217,7 +217,7 @@ tsan() {
 }
 
 package() {
-    scripts/packages "${cmake_packages[@]}" clang-14 pkg-config dpkg-dev debhelper lintian g++-aarch64-linux-gnu qemu-user
+    scripts/packages "${cmake_packages[@]}" clang-14 ccache pkg-config dpkg-dev debhelper lintian g++-aarch64-linux-gnu qemu-user
     scripts/check_package
 }
 
