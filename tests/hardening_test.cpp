@@ -125,8 +125,8 @@ class FarRows : public testing::TestWithParam<Conversion> {};
 // Planes of NV41 are copied and cleared by whole pitches, which no distance that is wide enough allows.
 bool has_nv41(const Conversion& c) { return c.source == zivPixFmt_NV41 || c.destination == zivPixFmt_NV41; }
 
-ImagePair far_images(const Conversion& c, int height, int32_t pitch) {
-    ImagePair images = tight(c, 38, height);
+ImagePair far_images(const Conversion& c, int height, int32_t pitch, int width = 38) {
+    ImagePair images = tight(c, width, height);
     const ImagePair near = images;
     for (int32_t* pitches : {images.source_pitch, images.destination_pitch})
         for (int k = 0; k < 3; k++) pitches[k] = pitch;
@@ -143,6 +143,25 @@ TEST_P(FarRows, AreFoundByTheReferencesOffsets) {
         const ImagePair images = far_images(c, 10, pitch);
         expect_same_afar(call_of(c, images), Planes(pitch < 0 ? Archipelago::downward : Archipelago::upward), base_seed,
                          describe(c, images));
+    }
+}
+
+// Nor are they converted by tiles, whose places do not wrap: a tight destination apart from the source is all that speaks for
+// it.
+TEST_P(FarRows, GoTheKernelsOwnWay) {
+    const Conversion& c = GetParam();
+    for (const int32_t pitch : {odd_pitch, -odd_pitch}) {
+        ImagePair images = far_images(c, 10, pitch, 192);
+        const ImagePair near = tight(c, 192, 10);
+        std::copy_n(near.destination_pitch, 3, images.destination_pitch);
+        Planes planes(pitch < 0 ? Archipelago::downward : Archipelago::upward);
+        std::copy_n(Planes(Archipelago::upward + 8 * GiB).at + 3, 3, planes.at + 3);
+        const Call call = [&](const KernelTable& kernels, uint8_t* const* at) {
+            Conversion streamed = c;
+            if (c.convert_streaming && &kernels != &reference::kernels) streamed.convert = c.convert_streaming;
+            return call_of(streamed, images)(kernels, at);
+        };
+        expect_same_afar(call, planes, base_seed, describe(c, images) + ", streaming");
     }
 }
 
