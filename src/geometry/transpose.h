@@ -14,11 +14,21 @@ struct Transposition {
     ptrdiff_t dst_pitch;
 };
 
+// Vectors by numbers that the compiler knows: a wrong one ends the process, a right one costs nothing.
+template <int N, int count>
+struct Vectors {
+    U8<N> v[count];
+    ZIV_INLINE U8<N>& operator[](int i) {
+        if (i < 0 || i >= count) __builtin_trap();
+        return v[i];
+    }
+};
+
 // One round of a perfect shuffle over `count` vectors: log2(count) rounds exchange the number of a vector and the number of a
 // lane within each part.
 template <int N, int sample, int count>
-ZIV_INLINE void shuffle_round(U8<N> (&v)[count]) {
-    U8<N> w[count];
+ZIV_INLINE void shuffle_round(Vectors<N, count>& v) {
+    Vectors<N, count> w;
 #pragma GCC unroll 8
     for (int i = 0; i < count / 2; i++) {
         const U8<N> a = v[i], b = v[i + count / 2];
@@ -33,7 +43,7 @@ ZIV_INLINE void shuffle_round(U8<N> (&v)[count]) {
 template <int N, int sample>
 ZIV_INLINE void transpose_tile(const Transposition& t) {
     constexpr int count = 16 / sample;
-    U8<N> v[count];
+    Vectors<N, count> v;
     const uint8_t* src = t.src;
 #pragma GCC unroll 8
     for (int i = 0; i < count; i += 2, src += 2 * t.src_pitch) {
@@ -64,7 +74,7 @@ namespace zivcolor::ZIVCOLOR_TARGET::geometry {
 template <int sample>
 ZIV_INLINE void transpose_block(const Transposition& t) {
     constexpr int count = 4 / sample;  // vectors, each of two rows
-    U8<16> v[count];
+    Vectors<16, count> v;
     for (int i = 0; i < count; i++) {
         uint64_t row[2];
         __builtin_memcpy(row, t.src + 2 * i * t.src_pitch, 8);
