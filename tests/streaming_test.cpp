@@ -2,10 +2,13 @@
 // Every conversion that goes by tiles and streaming stores where images are large, on every target, made to go so at small
 // sizes: whole arenas against the reference, byte for byte. And large images by way of the entries, which choose.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <algorithm>
+#include <tuple>
 #include <vector>
 
+#include "core/streaming.h"
 #include "core/targets.h"
 #include "harness/conversions.h"
 #include "harness/options.h"
@@ -139,38 +142,139 @@ TEST_P(Streaming, StaysInsideItsReach) {
         }
 }
 
-#if defined(__x86_64__)
-// Rows whose bytes pass 32 bits, as do those of the greatest width: no tiles of these, and nothing is read to learn it.
-TEST_P(Streaming, ImagesWiderThanAnyPitchGoAsAWhole) {
-    static int calls;
-    static zivcolor::Image seen;
-    const auto note = [](const zivcolor::Image* src, const zivcolor::Image*) {
-        calls++;
-        seen = *src;
-        return 0;
-    };
+// Another format than the kernel's is for the kernel to refuse, before anything is written.
+TEST_P(Streaming, IsNotForAnotherFormat) {
     const Conversion& c = GetParam();
-    zivcolor::KernelTable kernels{};
-#define ZIVCOLOR_CONVERSION(name, source, destination, takes, dispatch, task, tile) kernels.name = note_##takes;
-    zivcolor::OpaqueConversion* const note_Opaque = note;
-    zivcolor::AlphaConversion* const note_Alpha = [](const zivcolor::Image* src, const zivcolor::Image*, uint8_t) {
-        calls++;
-        seen = *src;
-        return 0;
+    const ImagePair images = tight(c, 256, 4);
+    const auto expect = [&](uint32_t source, uint32_t destination) {
+        const Call call = [&](const zivcolor::KernelTable& kernels, uint8_t* const* buffers) -> int64_t {
+            zivcolor::Image from{source, 256, 4, {buffers[0], buffers[1], buffers[2], nullptr}, {}};
+            zivcolor::Image to{destination, 256, 4, {buffers[3], buffers[4], buffers[5], nullptr}, {}};
+            for (int k = 0; k < 3; k++) from.pitch[k] = images.source_pitch[k], to.pitch[k] = images.destination_pitch[k];
+            return (&kernels == &reference::kernels ? c.convert : c.convert_streaming)(kernels, &from, &to, 1);
+        };
+        expect_same_bytes(call, rooms_of(c, images), random.next(), [&] {
+            return std::string(c.name) + " given " + format_name(source) + " to " + format_name(destination) + ", streaming";
+        });
     };
+    for (const uint32_t code : codes()) {
+        expect(code, c.destination);
+        expect(c.source, code);
+    }
+    expect(0, c.destination);
+    expect(c.source, 0);
+}
+
+#if defined(__x86_64__)
+// The sources and destinations that kernels of a table are called with. They convert nothing.
+struct Noted {
+    zivcolor::Image source, destination;
+};
+std::vector<Noted> noted;
+
+int32_t note(const zivcolor::Image* src, const zivcolor::Image* dst) {
+    noted.push_back({*src, *dst});
+    return zivStatus_OK;
+}
+int32_t note_with_alpha(const zivcolor::Image* src, const zivcolor::Image* dst, uint8_t) { return note(src, dst); }
+
+const std::vector<Noted>& calls_of(const Conversion& c, const zivcolor::Image& src, const zivcolor::Image& dst) {
+    zivcolor::KernelTable kernels{};
+    zivcolor::OpaqueConversion* const note_Opaque = note;
+    zivcolor::AlphaConversion* const note_Alpha = note_with_alpha;
+#define ZIVCOLOR_CONVERSION(name, source, destination, takes, dispatch, task, tile) kernels.name = note_##takes;
     ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
 #undef ZIVCOLOR_CONVERSION
+    noted.clear();
+    c.convert_streaming(kernels, &src, &dst, 0);
+    return noted;
+}
+
+bool takes_any_pitch(const Conversion& c) {
+    using enum zivcolor::Tiles;
+#define ZIVCOLOR_CONVERSION(kernel, source, destination, alpha, dispatch, task, tile) \
+    if (std::string(#kernel) == c.name) return tile == AnyTile;
+    ZIVCOLOR_CONVERSIONS(ZIVCOLOR_CONVERSION)
+#undef ZIVCOLOR_CONVERSION
+    return false;
+}
+
+// Tiles are of even sizes, and so must be the image: kernels deal with odd ends by rules of their own.
+TEST_P(Streaming, IsForImagesOfEvenSizes) {
+    const Conversion& c = GetParam();
+    for (const int width : {128, 129, 130, 255, 256, 577, 578})
+        for (int height = 1; height <= 7; height++) {
+            const ImagePair images = tight(c, width, height);
+            zivcolor::Image src{c.source, width, height, {}, {}}, dst{c.destination, width, height, {}, {}};
+            std::vector<uint8_t> memory[6];
+            for (size_t k = 0; k < 3; k++) {
+                src.pitch[k] = images.source_pitch[k], dst.pitch[k] = images.destination_pitch[k];
+                memory[k].resize(static_cast<size_t>(src.pitch[k] * height));
+                memory[3 + k].resize(static_cast<size_t>(dst.pitch[k] * height));
+                src.plane[k] = memory[k].data(), dst.plane[k] = memory[3 + k].data();
+            }
+            const std::vector<Noted>& calls = calls_of(c, src, dst);
+            if (width % 2 != 0 || height % 2 != 0) {
+                ASSERT_EQ(calls.size(), 1U) << describe(c, images);
+                EXPECT_EQ(calls[0].source.plane[0], src.plane[0]) << describe(c, images);
+                EXPECT_EQ(calls[0].destination.plane[0], dst.plane[0]) << describe(c, images);
+                continue;
+            }
+            int64_t pixels = 0;
+            bool staged = false;
+            for (const auto& [from, to] : calls) {
+                EXPECT_EQ(from.width % 2 + from.height % 2, 0) << describe(c, images);
+                EXPECT_EQ(from.width, to.width) << describe(c, images);
+                EXPECT_EQ(from.height, to.height) << describe(c, images);
+                pixels += int64_t{from.width} * from.height;
+                staged = staged || to.plane[0] < dst.plane[0] || to.plane[0] >= dst.plane[0] + memory[3].size();
+            }
+            EXPECT_EQ(pixels, int64_t{width} * height) << describe(c, images);
+            EXPECT_TRUE(staged) << describe(c, images);
+        }
+}
+
+// Rows whose bytes pass 32 bits, as do those of the greatest width: no tiles of these, and nothing is read to learn it.
+TEST_P(Streaming, ImagesWiderThanAnyPitchGoAsAWhole) {
+    const Conversion& c = GetParam();
     for (const int32_t width : {1 << 29, 1 << 30, 0x55555556, INT32_MAX - 1})
         for (const int32_t pitch : {64, INT32_MAX}) {
             auto* const first = reinterpret_cast<uint8_t*>(uintptr_t{1} << 32);
             uint8_t* const second = first + (ptrdiff_t{1} << 32);
             const zivcolor::Image src{c.source, width, 2, {first, first, first}, {pitch, pitch, pitch}};
             const zivcolor::Image dst{c.destination, width, 2, {second, second, second}, {pitch, pitch, pitch}};
-            calls = 0;
-            c.convert_streaming(kernels, &src, &dst, 0);
-            EXPECT_EQ(calls, 1) << c.name;
-            EXPECT_EQ(seen.width, width) << c.name;
+            const std::vector<Noted>& calls = calls_of(c, src, dst);
+            ASSERT_EQ(calls.size(), 1U) << c.name;
+            EXPECT_EQ(calls[0].source.width, width) << c.name;
         }
+}
+
+// The distance of two rows times the height, at the greatest that 32 bits hold and beyond, up and down.
+TEST_P(Streaming, ImagesOfFarRowsGoAsAWhole) {
+    const Conversion& c = GetParam();
+    if (!takes_any_pitch(c)) return;  // the rows of the others follow each other
+    constexpr size_t GiB = size_t{1} << 30, plane_room = 2 * GiB;
+    void* const range =
+        mmap(nullptr, 6 * plane_room, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(range, MAP_FAILED);
+    constexpr int32_t far = INT32_MAX / 2, near = 1024;
+    for (const auto& [from, to, whole] : {std::tuple{far, near, false},
+                                          {near, far, false},
+                                          {-far, -far, false},
+                                          {far + 1, near, true},
+                                          {near, far + 1, true},
+                                          {-far - 1, near, true},
+                                          {near, -far - 1, true}}) {
+        zivcolor::Image src{c.source, 128, 2, {}, {from, from, from}}, dst{c.destination, 128, 2, {}, {to, to, to}};
+        for (size_t k = 0; k < 3; k++) {
+            src.plane[k] = static_cast<uint8_t*>(range) + k * plane_room + (from < 0 ? GiB : 0);
+            dst.plane[k] = static_cast<uint8_t*>(range) + (3 + k) * plane_room + (to < 0 ? GiB : 0);
+        }
+        const std::vector<Noted>& calls = calls_of(c, src, dst);
+        ASSERT_FALSE(calls.empty());
+        EXPECT_EQ(calls[0].destination.plane[0] == dst.plane[0], whole) << c.name << ", pitches " << from << " and " << to;
+    }
+    munmap(range, 6 * plane_room);
 }
 #endif
 
