@@ -94,6 +94,20 @@ def _protected(tokens):
     return shielded
 
 
+def capabilities_at(text, start):
+    """What a target must be capable of to compile this place, as `#if ZIV_HAS_...` around it says."""
+    conditions = []
+    for directive, rest in re.findall(r"(?m)^#[ \t]*(if\w*|elif|else|endif)\b(.*)", text[:start]):
+        if directive == "endif":
+            conditions.pop()
+            continue
+        if directive in ("elif", "else"):
+            conditions.pop()
+        asked = re.fullmatch(r"ZIV_HAS_(\w+)", rest.strip()) if directive == "if" else None
+        conditions.append(asked.group(1) if asked else "")
+    return [capability for capability in conditions if capability]
+
+
 def _numbers(word):
     digits = re.match(r"0[xX][0-9a-fA-F']+|[0-9][0-9.']*(?:[eE][+-]?[0-9]+)?", word).group()
     suffix = word[len(digits) :]
@@ -248,6 +262,26 @@ def read_verdicts(path):
 
 def verdict_of(known, fault):
     return known.get(fault.key()) or known.get((fault.path, fault.above, fault.before, "*"))
+
+
+def stale_verdicts(known):
+    """The verdicts on what no file has any more."""
+    stale, keys = [], {}
+    for (path, above, before, after), verdict in known.items():
+        if path not in keys:
+            found = [fault for place in faults_of(path, _content(path)) for fault in place]
+            keys[path] = {fault.key() for fault in found} | {(path, fault.above, fault.before, "*") for fault in found}
+        if (path, above, before, after) not in keys[path]:
+            stale.append(f"{path}: {before} = {verdict}")
+    return stale
+
+
+def _content(path):
+    try:
+        with open(path) as file:
+            return file.read()
+    except FileNotFoundError:
+        return ""
 
 
 def entry(fault, verdict):
