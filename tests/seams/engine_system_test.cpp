@@ -22,11 +22,12 @@
 
 namespace {
 
-std::atomic<int> cpus_of_this_machine{2};
+std::atomic<int> cpus_of_this_machine{2};  // negative: the system does not tell
 
 }  // namespace
 
 extern "C" int sched_getaffinity(pid_t, size_t, cpu_set_t* cpus) noexcept {
+    if (cpus_of_this_machine < 0) return -1;
     CPU_ZERO(cpus);
     for (int i = 0; i < cpus_of_this_machine; i++) CPU_SET(static_cast<size_t>(i), cpus);
     return 0;
@@ -79,6 +80,11 @@ TEST(EngineSeam, HasAThreadForEachCoreUpTo8) {
         EXPECT_EQ(harness::thread_count(), before + engine.cores());
     }
     EXPECT_TRUE(harness::thread_count_becomes(before));
+}
+
+TEST(EngineSeam, HasAThreadForEachCoreThatTheStandardLibraryKnows) {
+    const Engine engine(-1);
+    EXPECT_EQ(engine.cores(), std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, 8));
 }
 
 TEST(EngineSeam, RunsEveryTaskOnceOnAnyNumberOfCores) {
