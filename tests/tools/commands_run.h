@@ -33,7 +33,7 @@ inline std::string content(const std::string& path) {
 inline Result run_shell(const std::string& command) {
     const std::string out = temporary("run.out"), err = temporary("run.err");
     const int status = std::system(("{ " + command + "; } >" + out + " 2>" + err).c_str());
-    const Result result{WIFEXITED(status) ? WEXITSTATUS(status) : -1, content(out), content(err)};
+    Result result{WIFEXITED(status) ? WEXITSTATUS(status) : -1, content(out), content(err)};
     std::remove(out.c_str());
     std::remove(err.c_str());
     return result;

@@ -70,7 +70,7 @@ int main(int argc, char** argv) {
             text += (column++ % 10 == 0 ? "\n   " : "") + std::string(number);
         }
         text += "\n};\n";
-        rows += "    {\"" + name + "\", " + array + ", std::size(" + array + ")},\n";
+        rows.append("    {\"").append(name).append("\", ").append(array).append(", std::size(").append(array).append(")},\n");
     }
     text +=
         "\nstruct Digests {\n    const char* function;\n    const uint32_t* digests;\n    size_t count;\n};\n"
